@@ -1,0 +1,61 @@
+#pragma once
+// Owning text. A null pointer reads as the empty string everywhere.
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+class CUtlString
+{
+public:
+	CUtlString() = default;
+	CUtlString( const char *pString ) { Set( pString ); }
+	CUtlString( const char *pString, size_t nLength ) : m_Storage( pString ? pString : "", pString ? nLength : 0 ) {}
+	CUtlString( std::string_view view ) : m_Storage( view ) {}
+
+	const char *Get() const { return m_Storage.c_str(); }
+	const char *String() const { return m_Storage.c_str(); }
+	operator const char *() const { return m_Storage.c_str(); }
+	std::string_view View() const { return m_Storage; }
+
+	size_t Length() const { return m_Storage.size(); }
+	bool IsEmpty() const { return m_Storage.empty(); }
+
+	void Set( const char *pString ) { m_Storage.assign( pString ? pString : "" ); }
+	void Set( const char *pString, size_t nLength ) { m_Storage.assign( pString ? pString : "", pString ? nLength : 0 ); }
+	void Append( const char *pString ) { if ( pString ) m_Storage.append( pString ); }
+	void Append( const char *pString, size_t nLength ) { if ( pString ) m_Storage.append( pString, nLength ); }
+	void Append( char c ) { m_Storage.push_back( c ); }
+
+	// printf-style formatting; replaces the contents.
+	int Format( const char *pFormat, ... ) __attribute__( ( format( printf, 2, 3 ) ) );
+	int AppendFormat( const char *pFormat, ... ) __attribute__( ( format( printf, 2, 3 ) ) );
+
+	void Purge() { std::string().swap( m_Storage ); }
+	void Clear() { m_Storage.clear(); }
+
+	// Turns every slash of either kind into cSeparator.
+	void FixSlashes( char cSeparator = '\\' );
+	// The directory part of a path, without the trailing separator ("a/b/c.txt" -> "a/b").
+	CUtlString DirName() const;
+	// Removes the file name and its separator from the path, in place.
+	void StripFilename();
+	// Removes the extension ("a/b.c" -> "a/b"), in place.
+	void StripExtension();
+	void ToLower();
+
+	bool operator==( const CUtlString &other ) const { return m_Storage == other.m_Storage; }
+	bool operator==( const char *pOther ) const { return m_Storage == ( pOther ? pOther : "" ); }
+	bool operator<( const CUtlString &other ) const { return m_Storage < other.m_Storage; }
+	CUtlString &operator=( const char *pString ) { Set( pString ); return *this; }
+	CUtlString &operator+=( const char *pString ) { Append( pString ); return *this; }
+	CUtlString &operator+=( const CUtlString &other ) { m_Storage += other.m_Storage; return *this; }
+	CUtlString &operator+=( char c ) { m_Storage.push_back( c ); return *this; }
+	char operator[]( size_t i ) const { return m_Storage[ i ]; }
+
+	std::string &Storage() { return m_Storage; }
+	const std::string &Storage() const { return m_Storage; }
+
+private:
+	std::string m_Storage;
+};
