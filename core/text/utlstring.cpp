@@ -1,46 +1,54 @@
 #include "core/text/utlstring.h"
 
+#include "core/text/pathtools.h"
+#include "core/text/strtools.h"
+
 #include <cctype>
 #include <cstdarg>
 #include <cstdio>
+#include <utility>
 
-static int AppendFormatV( std::string &storage, const char *pFormat, va_list args )
+// Formats aside before touching the storage, so an argument may be this very string
+// ("s.Format( "%s/%s", s.Get(), pName )").
+static int FormatAside( std::string *pResult, const char *pFormat, va_list args )
 {
+	char stackBuffer[ 256 ];
 	va_list copy;
 	va_copy( copy, args );
-	char stackBuffer[ 256 ];
 	int nLength = vsnprintf( stackBuffer, sizeof( stackBuffer ), pFormat, copy );
 	va_end( copy );
 	if ( nLength < 0 )
 		return nLength;
 	if ( size_t( nLength ) < sizeof( stackBuffer ) )
 	{
-		storage.append( stackBuffer, size_t( nLength ) );
+		pResult->assign( stackBuffer, size_t( nLength ) );
 		return nLength;
 	}
-	size_t nOld = storage.size();
-	storage.resize( nOld + size_t( nLength ) + 1 );
-	vsnprintf( storage.data() + nOld, size_t( nLength ) + 1, pFormat, args );
-	storage.resize( nOld + size_t( nLength ) );
+	pResult->resize( size_t( nLength ) + 1 );
+	vsnprintf( pResult->data(), size_t( nLength ) + 1, pFormat, args );
+	pResult->resize( size_t( nLength ) );
 	return nLength;
 }
 
 int CUtlString::Format( const char *pFormat, ... )
 {
-	m_Storage.clear();
+	std::string text;
 	va_list args;
 	va_start( args, pFormat );
-	int n = AppendFormatV( m_Storage, pFormat, args );
+	int n = FormatAside( &text, pFormat, args );
 	va_end( args );
+	m_Storage = std::move( text );
 	return n;
 }
 
 int CUtlString::AppendFormat( const char *pFormat, ... )
 {
+	std::string text;
 	va_list args;
 	va_start( args, pFormat );
-	int n = AppendFormatV( m_Storage, pFormat, args );
+	int n = FormatAside( &text, pFormat, args );
 	va_end( args );
+	m_Storage += text;
 	return n;
 }
 
@@ -84,4 +92,58 @@ void CUtlString::ToLower()
 {
 	for ( char &c : m_Storage )
 		c = char( tolower( (unsigned char)c ) );
+}
+
+void CUtlString::ToUpper()
+{
+	for ( char &c : m_Storage )
+		c = char( toupper( (unsigned char)c ) );
+}
+
+bool CUtlString::IsEqual_CaseInsensitive( const char *pOther ) const
+{
+	return V_stricmp_fast( m_Storage.c_str(), pOther ) == 0;
+}
+
+const char *CUtlString::GetExtension() const
+{
+	const char *pExtension = V_GetFileExtension( m_Storage.c_str() );
+	return pExtension ? pExtension : "";
+}
+
+const char *CUtlString::UnqualifiedFilename() const
+{
+	return V_UnqualifiedFileName( m_Storage.c_str() );
+}
+
+void CUtlString::Replace( char cFrom, char cTo )
+{
+	for ( char &c : m_Storage )
+	{
+		if ( c == cFrom )
+			c = cTo;
+	}
+}
+
+bool CUtlString::Replace( const char *pMatch, const char *pReplace, bool bCaseSensitive )
+{
+	CUtlString result;
+	if ( !V_StrSubst( m_Storage.c_str(), pMatch, pReplace, &result, bCaseSensitive ) )
+		return false;
+	bool bChanged = result.m_Storage != m_Storage;
+	m_Storage.swap( result.m_Storage );
+	return bChanged;
+}
+
+void CUtlString::TrimWhitespace()
+{
+	const char *pBlanks = " \t\r\n\f\v";
+	size_t nFirst = m_Storage.find_first_not_of( pBlanks );
+	if ( nFirst == std::string::npos )
+	{
+		m_Storage.clear();
+		return;
+	}
+	size_t nLast = m_Storage.find_last_not_of( pBlanks );
+	m_Storage = m_Storage.substr( nFirst, nLast - nFirst + 1 );
 }

@@ -43,6 +43,19 @@ public:
 	// Removes the extension ("a/b.c" -> "a/b"), in place.
 	void StripExtension();
 	void ToLower();
+	void ToUpper();
+
+	// ASCII case-insensitive comparison; null reads as "".
+	bool IsEqual_CaseInsensitive( const char *pOther ) const;
+	// The extension of the file name without its dot, or "".
+	const char *GetExtension() const;
+	// The part after the last separator of either kind.
+	const char *UnqualifiedFilename() const;
+	void Replace( char cFrom, char cTo );
+	// Replaces every occurrence of pMatch; answers whether anything changed.
+	bool Replace( const char *pMatch, const char *pReplace, bool bCaseSensitive = true );
+	// Removes blanks at both ends.
+	void TrimWhitespace();
 
 	bool operator==( const CUtlString &other ) const { return m_Storage == other.m_Storage; }
 	bool operator==( const char *pOther ) const { return m_Storage == ( pOther ? pOther : "" ); }
