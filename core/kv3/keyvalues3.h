@@ -125,7 +125,7 @@ public:
 	// Finds the member or appends a new null member of that name.
 	KeyValues3 *FindOrCreateMember( const CKV3MemberName &name, bool *pCreated = nullptr );
 	bool RemoveMember( const CKV3MemberName &name );
-	void RemoveMember( int nIndex );
+	void RemoveMember( int nIndex ); // out of range: nothing happens
 	void RemoveAllMembers();
 	// Renames a member in place, keeping its position; false if absent or the new name is taken.
 	bool RenameMember( const CKV3MemberName &oldName, const CKV3MemberName &newName );
@@ -159,8 +159,8 @@ public:
 	KeyValues3 *GetArrayElement( int nIndex );
 	const KeyValues3 *GetArrayElement( int nIndex ) const;
 	KeyValues3 *ArrayAddToTail();                 // appends a null element
-	KeyValues3 *ArrayInsertBefore( int nIndex );  // inserts a null element
-	void ArrayRemoveElement( int nIndex );
+	KeyValues3 *ArrayInsertBefore( int nIndex );  // inserts a null element at 0..count; null when out of range
+	void ArrayRemoveElement( int nIndex );        // out of range: nothing happens
 	void ArrayRemoveAll();
 	void ArrayReserve( int nCount );
 
@@ -174,12 +174,22 @@ public:
 	}
 
 private:
+	friend class CKV3Builder;
+	friend class CKV3TextWriter;
+
+	// Set when m_String or m_Blob points into its parent container's block instead of
+	// memory of its own (see CKV3Builder); such data is never freed by this value.
+	static constexpr uint8_t FLAG_BORROWED_DATA = 0x1;
+
 	CKV3Table *EnsureTable();
 	CKV3Array *EnsureArray();
 	void FreeData();
+	void TakeFrom( KeyValues3 &other ); // moves other's data here; this must hold no data
+	void ReplaceWith( KeyValues3 &&temp ); // frees this value's data, then takes temp's
 
 	KV3BasicType_t m_eType = KV3_TYPE_NULL;
 	KV3SubType_t m_eSubType = KV3_SUBTYPE_UNSPECIFIED;
+	uint8_t m_nFlags = 0;
 	union
 	{
 		bool m_bValue;

@@ -1,5 +1,5 @@
 #pragma once
-// Reading and writing KV3 text.
+// Reading and writing KV3 text (the grammar is summed up in kv3textsyntax.h).
 //
 // A KV3 text file starts with a header naming its encoding and format, each with a
 // 128-bit GUID, followed by one value (usually a table). Fragments without a header
@@ -44,8 +44,12 @@ enum KV3SaveFlags_t : unsigned
 constexpr int KV3_MAX_NESTING_DEPTH = 512;
 
 // Reads KV3 text from the buffer's get position into pKV (which is reset first).
-// On failure answers false, pKV is null, and pError holds "line:col: message"
-// (line and column count from 1; pszSourceName, when given, is not part of the text).
+// On failure answers false, pKV is null, the get position is unchanged, and pError holds
+// "line:col: message" (line and column count from 1, from the start of the buffer even
+// for a fragment, columns in characters; pszSourceName, when given, is not part of the text).
+// The header's encoding must be "text"; its format must match the one asked for, unless
+// KV3_LOAD_ANY_FORMAT is given or the format asked for is "generic", which takes any.
+// Duplicate member names in a table (ignoring case) are an error.
 bool LoadKV3( KeyValues3 *pKV, CUtlString *pError, CUtlBuffer *pBuffer, const KV3ID_t &format, const char *pszSourceName = nullptr, unsigned nFlags = 0 );
 // Convenience over a text in memory.
 bool LoadKV3FromText( KeyValues3 *pKV, CUtlString *pError, const char *pText, size_t nLength, const KV3ID_t &format, unsigned nFlags = 0 );
@@ -53,7 +57,8 @@ bool LoadKV3FromText( KeyValues3 *pKV, CUtlString *pError, const char *pText, si
 // Appends KV3 text to the buffer. Output is deterministic: the same tree always gives
 // the same bytes. Only the "text" encoding is supported; others fail with a message.
 bool SaveKV3( const KV3ID_t &encoding, const KV3ID_t &format, const KeyValues3 *pKV, CUtlString *pError, CUtlBuffer *pBuffer, unsigned nFlags = 0 );
-// Convenience: the text of a value with the generic format.
+// Convenience: the text of a value with the given format (false and empty text when
+// SaveKV3 would fail).
 bool SaveKV3ToString( const KeyValues3 *pKV, CUtlString *pText, const KV3ID_t &format, unsigned nFlags = 0 );
 
 // True when the text starts (after blanks) with a KV3 header.
