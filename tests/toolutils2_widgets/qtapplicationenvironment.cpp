@@ -1,0 +1,34 @@
+// Widgets need one QApplication for the whole test binary. It is made before the first
+// test and never destroyed: tearing down the offscreen platform loses its screen, which
+// the leak checker would then report against every run.
+
+#include <gtest/gtest.h>
+
+#include <QApplication>
+
+namespace
+{
+QApplication *s_pApplication = nullptr;
+
+class CQtApplicationEnvironment : public ::testing::Environment
+{
+public:
+	void SetUp() override
+	{
+		static int s_nArgc = 1;
+		static char s_szName[] = "toolutils2_widgets_tests";
+		static char *s_pArgv[] = { s_szName, nullptr };
+		if ( !QApplication::instance() )
+			s_pApplication = new QApplication( s_nArgc, s_pArgv );
+	}
+};
+
+const ::testing::Environment *const s_pQtEnvironment = ::testing::AddGlobalTestEnvironment( new CQtApplicationEnvironment );
+} // namespace
+
+// Font configuration keeps a cache for the life of the process that it never frees;
+// that is not ours to fix, and would fail every sanitizer run of the widget tests.
+extern "C" const char *__lsan_default_suppressions()
+{
+	return "leak:libfontconfig.so\n";
+}
