@@ -1,0 +1,127 @@
+// zol fgd check|dump: read FGD class description files as the editor does and report
+// their errors as FILE:(line,col): message, or print the classes they describe.
+
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <string>
+
+#include "core/kv3/keyvalues3.h"
+#include "tools/toolutils2/fgd/fgdreader.h"
+#include "tools/toolutils2/fgd/fgdvalue.h"
+#include "tools/toolutils2/fgd/gamedata.h"
+#include "tools/zol/cli/clicommand.h"
+
+// Includes resolve against the game root: the content/game folder that holds the file,
+// else the one below the working directory.
+static std::string FindGameRoot( const char *pszFile )
+{
+	std::string path = std::filesystem::absolute( pszFile ).lexically_normal().generic_string();
+	size_t nAt = path.rfind( "/content/game/" );
+	if ( nAt != std::string::npos )
+		return path.substr( 0, nAt + strlen( "/content/game" ) );
+	return ( std::filesystem::current_path() / "content" / "game" ).string();
+}
+
+static void PrintErrors( const CGameData &gameData )
+{
+	for ( const GameDataError_t &error : gameData.GetErrors() )
+	{
+		if ( error.m_nLine > 0 )
+			printf( "%s:(%d,%d): %s\n", error.m_File.Get(), error.m_nLine, error.m_nColumn, error.m_Message.Get() );
+		else
+			printf( "%s: %s\n", error.m_File.Get(), error.m_Message.Get() );
+	}
+}
+
+static const char *ClassKindWord( int nKind )
+{
+	static const char *const s_Words[] = { "", "BaseClass", "Struct", "OverrideClass", "PointClass", "SolidClass", "NPCClass", "FilterClass",
+		"MoveClass", "KeyframeClass", "PathClass", "PathNodeClass", "CableClass", "NavLinkClass", "ModelGameData", "ModelBreakCommand",
+		"ModelAnimEvent", "Ledge", "LedgeDerived" };
+	return nKind >= 0 && nKind < int( sizeof( s_Words ) / sizeof( s_Words[ 0 ] ) ) ? s_Words[ nKind ] : "";
+}
+
+static void DumpClass( const CGameDataClass &gameClass )
+{
+	printf( "@%s %s", ClassKindWord( gameClass.m_nClassType ), gameClass.GetName() );
+	if ( !gameClass.m_Description.IsEmpty() )
+		printf( " : \"%s\"", gameClass.m_Description.Get() );
+	printf( "\n" );
+	if ( !gameClass.m_Bases.IsEmpty() )
+	{
+		printf( "  bases:" );
+		for ( const CGameDataClass *pBase : gameClass.m_Bases )
+			printf( " %s", pBase->GetName() );
+		printf( "\n" );
+	}
+	for ( const CGameDataVariable *pVar : gameClass.m_Variables )
+	{
+		CUtlString type, defaultText;
+		pVar->m_FullType.ToString( &type );
+		FormatFGDValue( pVar->m_DefaultKV3, pVar->GetType(), &defaultText );
+		printf( "  %s (%s) = \"%s\"", pVar->m_Name.Get(), type.Get(), defaultText.Get() );
+		if ( !pVar->m_LongName.IsEmpty() )
+			printf( " : \"%s\"", pVar->m_LongName.Get() );
+		printf( "\n" );
+		if ( pVar->m_pItemSet )
+		{
+			for ( const GameDataItem_t &item : pVar->m_pItemSet->m_Items )
+				printf( "    \"%s\" : \"%s\"%s\n", item.m_Value.Get(), item.m_FriendlyName.Get(), item.m_bDefault ? " (default)" : "" );
+		}
+	}
+	for ( const CClassInput &input : gameClass.m_Inputs )
+		printf( "  input %s(%s)\n", input.m_Name.Get(), input.m_Type.Get() );
+	for ( const CClassOutput &output : gameClass.m_Outputs )
+		printf( "  output %s(%s)\n", output.m_Name.Get(), output.m_Type.Get() );
+}
+
+static int RunFgd( int argc, char **argv )
+{
+	const char *pszUsage = "usage: zol fgd check [--game DIR] FILE...\n       zol fgd dump [--game DIR] FILE\n";
+	if ( argc < 3 || ( strcmp( argv[ 1 ], "check" ) && strcmp( argv[ 1 ], "dump" ) ) )
+	{
+		fprintf( stderr, "%s", pszUsage );
+		return 2;
+	}
+	bool bDump = !strcmp( argv[ 1 ], "dump" );
+	const char *pszGameRoot = nullptr;
+	int nFirstFile = 2;
+	if ( !strcmp( argv[ 2 ], "--game" ) )
+	{
+		if ( argc < 5 )
+		{
+			fprintf( stderr, "%s", pszUsage );
+			return 2;
+		}
+		pszGameRoot = argv[ 3 ];
+		nFirstFile = 4;
+	}
+	if ( bDump && argc - nFirstFile != 1 )
+	{
+		fprintf( stderr, "%s", pszUsage );
+		return 2;
+	}
+
+	int nStatus = 0;
+	for ( int i = nFirstFile; i < argc; ++i )
+	{
+		// Each file gets a set of its own, as the editor would load it alone.
+		CGameData gameData;
+		std::string root = pszGameRoot ? std::string( pszGameRoot ) : FindGameRoot( argv[ i ] );
+		CFgdReader reader( &gameData, root.c_str() );
+		bool bLoaded = reader.LoadGameData( std::filesystem::absolute( argv[ i ] ).string().c_str() );
+		PrintErrors( gameData );
+		if ( !bLoaded || !gameData.GetErrors().IsEmpty() )
+			nStatus = 1;
+		if ( bDump )
+		{
+			for ( int c = 0; c < gameData.GetClassCount(); ++c )
+				DumpClass( *gameData.GetClass( c ) );
+		}
+	}
+	return nStatus;
+}
+
+static CZolCliCommandRegistrar s_FgdCommand( { "fgd", "fgd check|dump [--game DIR] FILE...",
+	"reports the errors of FGD class description files (check) or prints their classes (dump)", RunFgd } );
