@@ -1,0 +1,28 @@
+#pragma once
+// The host's particle manager, as far as the document asks it: which function classes
+// exist for each list, the running behaviour version, attribute names, and what a
+// function's table uses. The host connects it once; until then none is connected and
+// the document answers without it (no classes, version 0, empty names).
+
+#include "zoldoc_lib/particlefunctioninfo.h"
+#include "zoldoc_lib/particlefunctiontype.h"
+
+class KeyValues3;
+
+class IParticleSystemMgr
+{
+public:
+	virtual int GetFunctionCount( ParticleFunctionType_t eType ) const = 0;
+	virtual const char *GetFunctionClassName( ParticleFunctionType_t eType, int nIndex ) const = 0;
+	virtual const char *GetFunctionFriendlyName( ParticleFunctionType_t eType, int nIndex ) const = 0;
+	virtual int GetCurrentBehaviorVersion() const = 0;
+	virtual const char *GetParticleAttributeName( int nAttribute ) const = 0;
+	virtual void GetFunctionInfo( const KeyValues3 *pFunction, ParticleFunctionInfo_t *pInfo ) const = 0;
+
+protected:
+	~IParticleSystemMgr() = default;
+};
+
+// The connected manager, or null.
+IParticleSystemMgr *GetParticleSystemMgr();
+void SetParticleSystemMgr( IParticleSystemMgr *pMgr );
