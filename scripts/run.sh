@@ -11,5 +11,9 @@ mapfile -t samples < <(find content -name '*.tfxs' | sort)
 echo "== zol kv3 check (${#samples[@]} definitions under content/)"
 "$zol" kv3 check "${samples[@]}"
 echo "all definitions parse"
+mapfile -t fgds < <(find content/game -name '*.fgd' | sort)
+echo "== zol fgd check (${#fgds[@]} class description files under content/game/)"
+"$zol" fgd check "${fgds[@]}"
+echo "all class descriptions read without errors"
 echo "== zol kv3 fmt ${samples[0]}"
 "$zol" kv3 fmt "${samples[0]}"
