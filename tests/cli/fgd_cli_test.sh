@@ -25,6 +25,10 @@ for f in "$src"/tests/data/fgd/*.fgd; do
   echo "$out" | grep -qE "^.*$(basename "$f"):\([0-9]+,[0-9]+\): .+" || fail "no FILE:(line,col): message for $f: $out"
 done
 
+# A file named by a relative path is reported under that path, as typed.
+out=$(cd "$src" && "$zol" fgd check tests/data/fgd/flags_long_name.fgd 2>&1)
+echo "$out" | grep -qE '^tests/data/fgd/flags_long_name\.fgd:\([0-9]+,[0-9]+\): ' || fail "relative path not printed as typed: $out"
+
 # A bad class is reported and the next still loads.
 out=$("$zol" fgd dump "$src/tests/data/fgd/bad_base_then_good.fgd" 2>/dev/null)
 echo "$out" | grep -q 'StillLoads' || fail "the class after a bad one did not load: $out"

@@ -290,7 +290,9 @@ bool CFgdFileParser::ParseSection( const FgdToken_t &word )
 			m_Tokens.SkipToNextAt();
 			return true;
 		}
-		m_pGameData->m_GridNav = { true, int( flValues[ 0 ] ), int( flValues[ 1 ] ), int( flValues[ 2 ] ), int( flValues[ 3 ] ) };
+		// Clamped so a huge or NaN number in the file can't make the cast undefined.
+		auto toInt = []( double flValue ) { return int( flValue >= -1e9 ? ( flValue <= 1e9 ? flValue : 1e9 ) : -1e9 ); };
+		m_pGameData->m_GridNav = { true, toInt( flValues[ 0 ] ), toInt( flValues[ 1 ] ), toInt( flValues[ 2 ] ), toInt( flValues[ 3 ] ) };
 		return true;
 	}
 
@@ -525,7 +527,9 @@ bool CFgdFileParser::ParseClassHeader( CGameDataClass *pClass )
 					return false;
 				}
 			}
-			pClass->m_rgbColor = { uint8_t( flRGB[ 0 ] ), uint8_t( flRGB[ 1 ] ), uint8_t( flRGB[ 2 ] ), 255 };
+			// Out-of-range or NaN components are clamped; a cast of them would be undefined.
+			auto toByte = []( double flValue ) { return uint8_t( flValue >= 0.0 ? ( flValue <= 255.0 ? flValue : 255.0 ) : 0.0 ); };
+			pClass->m_rgbColor = { toByte( flRGB[ 0 ] ), toByte( flRGB[ 1 ] ), toByte( flRGB[ 2 ] ), 255 };
 			if ( !Expect( ')', "Expecting ')'" ) )
 				return false;
 		}

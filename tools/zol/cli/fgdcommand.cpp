@@ -23,14 +23,16 @@ static std::string FindGameRoot( const char *pszFile )
 	return ( std::filesystem::current_path() / "content" / "game" ).string();
 }
 
-static void PrintErrors( const CGameData &gameData )
+// The file the user named is shown as typed; files it includes keep their full path.
+static void PrintErrors( const CGameData &gameData, const char *pszLoadedPath, const char *pszTypedPath )
 {
 	for ( const GameDataError_t &error : gameData.GetErrors() )
 	{
+		const char *pszFile = error.m_File == pszLoadedPath ? pszTypedPath : error.m_File.Get();
 		if ( error.m_nLine > 0 )
-			printf( "%s:(%d,%d): %s\n", error.m_File.Get(), error.m_nLine, error.m_nColumn, error.m_Message.Get() );
+			printf( "%s:(%d,%d): %s\n", pszFile, error.m_nLine, error.m_nColumn, error.m_Message.Get() );
 		else
-			printf( "%s: %s\n", error.m_File.Get(), error.m_Message.Get() );
+			printf( "%s: %s\n", pszFile, error.m_Message.Get() );
 	}
 }
 
@@ -110,8 +112,9 @@ static int RunFgd( int argc, char **argv )
 		CGameData gameData;
 		std::string root = pszGameRoot ? std::string( pszGameRoot ) : FindGameRoot( argv[ i ] );
 		CFgdReader reader( &gameData, root.c_str() );
-		bool bLoaded = reader.LoadGameData( std::filesystem::absolute( argv[ i ] ).string().c_str() );
-		PrintErrors( gameData );
+		std::string loadedPath = std::filesystem::absolute( argv[ i ] ).string();
+		bool bLoaded = reader.LoadGameData( loadedPath.c_str() );
+		PrintErrors( gameData, loadedPath.c_str(), argv[ i ] );
 		if ( !bLoaded || !gameData.GetErrors().IsEmpty() )
 			nStatus = 1;
 		if ( bDump )

@@ -1,0 +1,13 @@
+// Game information of the content shipped with the editor.
+"GameInfo"
+{
+	game	"Zol"
+	"Brakel"
+	{
+		"fgd_files"
+		{
+			// zol_particles.fgd includes zol_base.fgd itself.
+			fgd	"zol/zol_particles.fgd"
+		}
+	}
+}
