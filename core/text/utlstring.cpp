@@ -30,6 +30,16 @@ static int FormatAside( std::string *pResult, const char *pFormat, va_list args 
 	return nLength;
 }
 
+void CUtlString::Set( const char *pString )
+{
+	m_Storage.assign( pString ? pString : "" );
+}
+
+void CUtlString::Set( const char *pString, size_t nLength )
+{
+	m_Storage.assign( pString ? pString : "", pString ? nLength : 0 );
+}
+
 int CUtlString::Format( const char *pFormat, ... )
 {
 	std::string text;

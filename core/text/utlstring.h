@@ -21,8 +21,10 @@ public:
 	size_t Length() const { return m_Storage.size(); }
 	bool IsEmpty() const { return m_Storage.empty(); }
 
-	void Set( const char *pString ) { m_Storage.assign( pString ? pString : "" ); }
-	void Set( const char *pString, size_t nLength ) { m_Storage.assign( pString ? pString : "", pString ? nLength : 0 ); }
+	// Out of line: inlined into callers that pass short literals, g++ 12 reports a false
+	// -Wrestrict overlap inside std::string::assign.
+	void Set( const char *pString );
+	void Set( const char *pString, size_t nLength );
 	void Append( const char *pString ) { if ( pString ) m_Storage.append( pString ); }
 	void Append( const char *pString, size_t nLength ) { if ( pString ) m_Storage.append( pString, nLength ); }
 	void Append( char c ) { m_Storage.push_back( c ); }
