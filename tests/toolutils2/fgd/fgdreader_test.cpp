@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <fstream>
 
+#include "tests/core/support/capturelogginglistener.h"
 #include "tools/toolutils2/fgd/fgdreader.h"
 #include "tools/toolutils2/fgd/gamedata.h"
 
@@ -53,6 +54,8 @@ INSTANTIATE_TEST_SUITE_P( Fgd, FgdReaderErrors,
 		FgdErrorCase_t { "EqualsOnFloat", "@PointClass = A\n[\n  m_x(float) : \"X\" : \"1\" = [ ]\n]\n", 3, 26, "Didn't expect '=' for non-flags non-choices variable m_x" },
 		FgdErrorCase_t { "OverrideBeforeClass", "@OverrideClass = Later [ m_x(float) ]\n@PointClass = Later []\n", 1, 18,
 			"'OverrideClass' was specified but class 'Later' has not been previously defined." },
+		FgdErrorCase_t { "UnclosedEntityGroupBlock", "@EntityGroup \"Particles\" { start_expanded = true\n", 1, 26, "Expected matching '{' '}'" },
+		FgdErrorCase_t { "UnclosedNestedEntityGroupBlock", "@EntityGroup \"P\"\n{ a = { b = 1 }\n", 2, 1, "Expected matching '{' '}'" },
 		FgdErrorCase_t { "BadChoiceDefault", "@PointClass = A\n[\n  m_mode(choices) : \"Mode\" : \"fast\" = [ \"slow\" : \"Slow\" ]\n]\n", 3, 3,
 			"Variable m_mode has bad default value fast (no choices with that name or value)" } ),
 	[]( const testing::TestParamInfo<FgdErrorCase_t> &info ) { return std::string( info.param.m_pszName ); } );
@@ -72,6 +75,61 @@ TEST( FgdReader, BadClassIsSkippedAndNextClassLoads )
 	ASSERT_EQ( gameData.GetErrors().Count(), 1 );
 	EXPECT_STREQ( gameData.GetErrors()[ 0 ].m_Message, "Undefined base class 'NoSuchBase" );
 	EXPECT_EQ( gameData.GetErrors()[ 0 ].m_nLine, 1 );
+}
+
+TEST( FgdReader, WarningNamesClassThatFailedBeforeItsName )
+{
+	CGameData gameData;
+	CCaptureLoggingListener capture;
+	EXPECT_TRUE( ReadText( &gameData,
+		"@PointClass size(1 2) = BadSize [ ]\n"
+		"@PointClass base(NoSuchBase) = BadBase [ m_a(float) ]\n"
+		"@PointClass = Fine [ ]\n" ) );
+	EXPECT_EQ( capture.CountContaining( "WARNING: Failed to parse class 'BadSize'.\n" ), 1 );
+	EXPECT_EQ( capture.CountContaining( "WARNING: Failed to parse class 'BadBase'.\n" ), 1 );
+	EXPECT_EQ( gameData.FindClass( "BadSize" ), nullptr );
+	EXPECT_NE( gameData.FindClass( "Fine" ), nullptr );
+}
+
+TEST( FgdReader, LastClassFailingInHeaderNamesItInTheError )
+{
+	CGameData gameData;
+	EXPECT_FALSE( ReadText( &gameData, "@PointClass color(1 2) = Broken [ ]\n" ) );
+	ASSERT_EQ( gameData.GetErrors().Count(), 2 );
+	EXPECT_STREQ( gameData.GetErrors()[ 0 ].m_Message, "Expecting integers 'r' 'g' 'b'" );
+	EXPECT_STREQ( gameData.GetErrors()[ 1 ].m_Message, "Error parsing class 'Broken'" );
+	EXPECT_EQ( gameData.GetErrors()[ 1 ].m_nLine, 1 );
+	EXPECT_EQ( gameData.GetErrors()[ 1 ].m_nColumn, 2 );
+}
+
+TEST( FgdReader, EntityGroupWithBalancedBadBlockIsAKV3SyntaxError )
+{
+	CGameData gameData;
+	EXPECT_FALSE( ReadText( &gameData, "@EntityGroup \"Particles\" { start_expanded = }\n" ) );
+	ASSERT_FALSE( gameData.GetErrors().IsEmpty() );
+	const char *pszMessage = gameData.GetErrors()[ 0 ].m_Message;
+	EXPECT_EQ( strncmp( pszMessage, "KV3 syntax error: ", 18 ), 0 ) << pszMessage;
+	EXPECT_NE( strstr( pszMessage, " while parsing @entitygroup Particles" ), nullptr ) << pszMessage;
+}
+
+TEST( FgdReader, EntityTagFilterSelectsClassesByTagIgnoringCase )
+{
+	CGameData gameData;
+	ASSERT_TRUE( ReadText( &gameData,
+		"@VisGroupFilter { filter_type = \"entityTag\" tag = \"emitter\" group = \"Particles\" }\n"
+		"@VisGroupFilter { filter_type = \"toolsMaterial\" material = \"emitter\" group = \"Tools\" }\n"
+		"@PointClass tags(Emitter, Particles) = Fountain [ ]\n"
+		"@PointClass tags(Renderer) = Sprites [ ]\n" ) );
+	ASSERT_EQ( gameData.m_VisGroupFilters.Count(), 2 );
+	const GameDataVisGroupFilter_t &byTag = gameData.m_VisGroupFilters[ 0 ];
+	ASSERT_EQ( byTag.m_SelectedClasses.size(), 1u );
+	EXPECT_STREQ( byTag.m_SelectedClasses[ 0 ], "Fountain" );
+	EXPECT_TRUE( gameData.m_VisGroupFilters[ 1 ].m_SelectedClasses.empty() );
+
+	// A class from a later file joins the filter of an earlier one.
+	ASSERT_TRUE( ReadText( &gameData, "@PointClass tags(EMITTER) = Burst [ ]\n" ) );
+	ASSERT_EQ( gameData.m_VisGroupFilters[ 0 ].m_SelectedClasses.size(), 2u );
+	EXPECT_STREQ( gameData.m_VisGroupFilters[ 0 ].m_SelectedClasses[ 1 ], "Burst" );
 }
 
 TEST( FgdReader, BadLastClassFailsTheFile )

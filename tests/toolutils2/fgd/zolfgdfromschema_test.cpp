@@ -267,4 +267,55 @@ TEST_F( ZolFgdFromSchema, ConvertingAgainAddsNothing )
 	EXPECT_EQ( m_pClass->m_Variables.Count(), nVariables );
 	EXPECT_EQ( m_GameData.GetClassCount(), nClasses );
 }
+
+TEST( ZolFgdFromSchemaEmbedded, TypedDataReferenceClassOffersNoClassThenHostSubclasses )
+{
+	CGameData gameData;
+	CZolFgdFromSchema converter( &gameData );
+	CUtlVector<CUtlString> subclasses;
+	subclasses.AddToTail( CUtlString( "spark_small" ) );
+	subclasses.AddToTail( CUtlString( "spark_large" ) );
+	CGameDataClass *pClass = converter.FindOrMakeEmbeddedSubClass( "CSparkData", 0, subclasses );
+	ASSERT_NE( pClass, nullptr );
+	EXPECT_STREQ( pClass->GetName(), "EmbeddedSubClass_CSparkData" );
+	EXPECT_EQ( gameData.FindClass( "EmbeddedSubClass_CSparkData" ), pClass );
+	EXPECT_TRUE( pClass->GetMetaBool( "IsEmbeddedSubClass" ) );
+
+	const CGameDataVariable *pName = pClass->FindVariable( "_my_subclass_name" );
+	ASSERT_NE( pName, nullptr );
+	EXPECT_STREQ( pName->m_LongName, "My Subclass Name" );
+	EXPECT_STREQ( pName->m_Description,
+		"A name that will be concatenated onto the end of the containing subclass name to generate the subclass name of this embedded subclass." );
+	EXPECT_TRUE( pName->GetMetadataBool( "ShouldPunchThroughPolymorphism" ) );
+	EXPECT_EQ( pName->GetMetadataInt( "sort_priority" ), -1 );
+
+	const CGameDataVariable *pSelector = pClass->GetSelectorVariable();
+	ASSERT_NE( pSelector, nullptr );
+	EXPECT_STREQ( pSelector->m_Name, "_class" );
+	EXPECT_STREQ( pSelector->m_LongName, "Class Name" );
+	EXPECT_STREQ( pSelector->m_Description, "The name of the underlying class to allocate when using this subclass." );
+	EXPECT_TRUE( pSelector->GetMetadataBool( "LinkedEntityClass" ) );
+	ASSERT_NE( pSelector->m_pItemSet, nullptr );
+	const CUtlVector<GameDataItem_t> &items = pSelector->m_pItemSet->m_Items;
+	ASSERT_EQ( items.Count(), 3 );
+	EXPECT_STREQ( items[ 0 ].m_Value, "" );
+	EXPECT_STREQ( items[ 0 ].m_FriendlyName, "(No class selected)" );
+	EXPECT_STREQ( items[ 1 ].m_Value, "spark_small" );
+	EXPECT_STREQ( items[ 2 ].m_Value, "spark_large" );
+}
+
+TEST( ZolFgdFromSchemaEmbedded, ScopedReferenceIsNamedByScopeAndMadeOnce )
+{
+	CGameData gameData;
+	CZolFgdFromSchema converter( &gameData );
+	CUtlVector<CUtlString> none;
+	CGameDataClass *pFirst = converter.FindOrMakeEmbeddedSubClass( "", 7, none );
+	ASSERT_NE( pFirst, nullptr );
+	EXPECT_STREQ( pFirst->GetName(), "EmbeddedSubClass_Scope_7" );
+	int nClasses = gameData.GetClassCount();
+	EXPECT_EQ( converter.FindOrMakeEmbeddedSubClass( nullptr, 7, none ), pFirst );
+	EXPECT_EQ( gameData.GetClassCount(), nClasses );
+	EXPECT_EQ( pFirst->m_Variables.Count(), 2 );
+	ASSERT_EQ( pFirst->GetSelectorVariable()->m_pItemSet->m_Items.Count(), 1 );
+}
 } // namespace

@@ -92,7 +92,10 @@ private:
 	bool ParseBracketMetadata( CGameDataVariable *pVar );
 	bool ParseItems( CGameDataVariable *pVar );
 	bool FinishClass( CGameDataClass *pClass, const FgdToken_t &classToken );
+	void FindNameOfFailedClass( CUtlString *pName );
+	bool HasMatchingBrace();
 	void CheckDefaults();
+	void CheckTagsAgainstVisGroups();
 
 	CFgdReader *m_pReader;
 	CGameData *m_pGameData;
@@ -205,6 +208,7 @@ bool CFgdFileParser::Parse()
 		if ( !ParseSection( word ) )
 			return false;
 	}
+	CheckTagsAgainstVisGroups();
 	CheckDefaults();
 	return !m_bFileFailed;
 }
@@ -221,6 +225,8 @@ bool CFgdFileParser::ParseSection( const FgdToken_t &word )
 			return true;
 		if ( m_bFileFailed )
 			return false;
+		if ( name.IsEmpty() )
+			FindNameOfFailedClass( &name );
 		if ( m_Tokens.SkipToNextAt() )
 		{
 			Log_Warning( LOG_GENERAL, "WARNING: Failed to parse class '%s'.\n", name.Get() );
@@ -346,6 +352,11 @@ bool CFgdFileParser::ParseSection( const FgdToken_t &word )
 		group.m_Name = name.m_Text;
 		if ( m_Tokens.Peek().Is( '{' ) )
 		{
+			if ( !HasMatchingBrace() )
+			{
+				Error( m_Tokens.Peek(), "Expected matching '{' '}'" );
+				return false;
+			}
 			KeyValues3 block;
 			CUtlString kv3Error;
 			if ( !ReadKV3Block( &block, &kv3Error ) )
@@ -969,6 +980,67 @@ bool CFgdFileParser::FinishClass( CGameDataClass *pClass, const FgdToken_t &clas
 	}
 	m_pGameData->AddClass( pClass );
 	return true;
+}
+
+// A class that failed in its header never reached its name; the warning still names it
+// when an '=' and a word stand before the next section.
+void CFgdFileParser::FindNameOfFailedClass( CUtlString *pName )
+{
+	CFgdTokenizer lookAhead = m_Tokens;
+	for ( ;; )
+	{
+		FgdToken_t token = lookAhead.Next();
+		if ( token.m_eType == FGDTOKEN_EOF || token.m_eType == FGDTOKEN_ERROR || token.Is( '@' ) )
+			return;
+		if ( token.Is( '=' ) )
+		{
+			const FgdToken_t &name = lookAhead.Peek();
+			if ( name.m_eType == FGDTOKEN_WORD )
+			{
+				pName->Set( name.m_Text );
+				return;
+			}
+		}
+	}
+}
+
+// Scans ahead without consuming, so an unclosed block is reported as such rather than
+// as whatever the KV3 parser makes of the rest of the file.
+bool CFgdFileParser::HasMatchingBrace()
+{
+	CFgdTokenizer lookAhead = m_Tokens;
+	int nDepth = 0;
+	for ( ;; )
+	{
+		FgdToken_t token = lookAhead.Next();
+		if ( token.m_eType == FGDTOKEN_EOF || token.m_eType == FGDTOKEN_ERROR )
+			return false;
+		if ( token.Is( '{' ) )
+			++nDepth;
+		else if ( token.Is( '}' ) && --nDepth == 0 )
+			return true;
+	}
+}
+
+// Filters compare tags exactly later on; matching here, without case, over every class
+// of the set (later files may add classes a filter selects) fixes what each one selects.
+void CFgdFileParser::CheckTagsAgainstVisGroups()
+{
+	for ( GameDataVisGroupFilter_t &filter : m_pGameData->m_VisGroupFilters )
+	{
+		filter.m_SelectedClasses.clear();
+		if ( filter.m_eType != GDVISFILTER_ENTITY_TAG )
+			continue;
+		const char *pszTag = filter.m_KV3.GetMemberString( "tag" );
+		if ( !*pszTag )
+			continue;
+		for ( int i = 0; i < m_pGameData->GetClassCount(); ++i )
+		{
+			const CGameDataClass *pClass = m_pGameData->GetClass( i );
+			if ( pClass->HasTag( pszTag ) )
+				filter.m_SelectedClasses.push_back( pClass->m_Name );
+		}
+	}
 }
 
 void CFgdFileParser::CheckDefaults()

@@ -43,6 +43,9 @@ struct GameDataVisGroupFilter_t
 {
 	GameDataVisGroupFilterType_t m_eType = GDVISFILTER_TOOLS_MATERIAL;
 	KeyValues3 m_KV3;
+	// For an "entityTag" filter: the classes whose tags hold its "tag", ignoring case.
+	// Refreshed after every file the reader finishes.
+	std::vector<CUtlString> m_SelectedClasses;
 };
 
 struct GameDataEntityGroup_t

@@ -1,7 +1,9 @@
 #include "tools/toolutils2/fgd/kv3fgdtoolattr.h"
 
 #include <cstdio>
+#include <cstring>
 
+#include "core/kv3/kv3membername.h"
 #include "core/mathlib/color.h"
 #include "core/text/strtools.h"
 #include "tools/toolutils2/fgd/fgdkv3defaults.h"
@@ -683,6 +685,14 @@ bool CKV3FGDToolAttr::GetChoices( IToolAttrHost *pHost, HToolAttrTableInstance h
 	return true;
 }
 
+// The element of an array shares the array's variable, so its choices are the variable's.
+bool CKV3FGDToolAttr::GetElementChoices( IToolAttrHost *pHost, HToolAttrTableInstance handle, CUtlVector<ToolAttrGenericChoice_t> *pChoices ) const
+{
+	if ( GetAttrType() != TOOLATTR_TYPE_ARRAY )
+		return false;
+	return GetChoices( pHost, handle, pChoices );
+}
+
 int CKV3FGDToolAttr::GetCount( HToolAttrTableInstance handle ) const
 {
 	const KeyValues3 *pValue = ResolveForRead( handle );
@@ -983,4 +993,87 @@ bool CKV3FGDToolAttr::GetKeyChoices( HToolAttrTableInstance handle, CUtlVector<T
 		pChoices->AddToTail( { pKeys->GetMemberName( i ), pEntry->GetMemberString( "friendly_name" ), pEntry->GetMemberString( "description" ), 0 } );
 	}
 	return !MetaBool( "mapkeys_is_suggestion" );
+}
+
+namespace
+{
+void AnswerKeyName( CToolEditContextQuery_String *pQuery, const char *pszKeyName )
+{
+	pQuery->m_eKind = CToolEditContextQuery_String::KIND_KEY_NAME;
+	pQuery->m_Value = pszKeyName;
+	pQuery->m_nValueKeyHash = MurmurHash2LowerCase( pszKeyName, strlen( pszKeyName ), KV3_MEMBER_NAME_SEED );
+}
+
+// The variable that declares "MPropertyProvidesEditContextString" for a key answers it
+// for its whole class. The lookup is cached in the class's metadata on first use: the
+// one write a class description allows after it is built.
+const char *FindEditContextProvider( const CGameDataClass *pClass, const char *pszKey )
+{
+	if ( !pClass )
+		return nullptr;
+	constexpr const char *pszCacheKey = "__CACHED_editcontext_provider_lookup";
+	const KeyValues3 *pCache = pClass->m_MetaData.FindMember( pszCacheKey );
+	if ( !pCache || !pCache->IsTable() )
+	{
+		KeyValues3 lookup;
+		lookup.SetToEmptyTable();
+		for ( const CGameDataVariable *pVar : pClass->m_Variables )
+		{
+			const char *pszProvided = pVar->GetMetadataString( "MPropertyProvidesEditContextString" );
+			if ( *pszProvided && !lookup.HasMember( pszProvided ) )
+				lookup.SetMemberString( pszProvided, pVar->m_Name );
+		}
+		KeyValues3 &metaData = const_cast<CGameDataClass *>( pClass )->m_MetaData;
+		if ( !metaData.IsTable() )
+			metaData.SetToEmptyTable();
+		metaData.FindOrCreateMember( pszCacheKey )->CopyFrom( lookup );
+		pCache = pClass->m_MetaData.FindMember( pszCacheKey );
+	}
+	const KeyValues3 *pProvider = pCache->FindMember( pszKey );
+	return pProvider ? pProvider->GetString() : nullptr;
+}
+} // namespace
+
+bool CKV3FGDToolAttr::FillEditContextOverride( CToolEditContextQuery_String *pQuery ) const
+{
+	if ( !m_pVar )
+		return false;
+	const KeyValues3 *pOverrides = m_pVar->m_KV3Metadata.FindMember( "edit_context_override" );
+	const KeyValues3 *pEntry = pOverrides && pOverrides->IsTable() ? pOverrides->FindMember( pQuery->m_Key.Get() ) : nullptr;
+	if ( !pEntry || !pEntry->IsTable() )
+		return false;
+	const char *pszValue = pEntry->GetMemberString( "value" );
+	if ( pEntry->GetMemberBool( "value_is_key_name" ) )
+	{
+		AnswerKeyName( pQuery, pszValue );
+		return true;
+	}
+	pQuery->m_eKind = CToolEditContextQuery_String::KIND_CODE;
+	pQuery->m_Source = "code";
+	pQuery->m_Value = pszValue;
+	return true;
+}
+
+// The attribute's own override first, then its class's provider; a nested attribute then
+// asks the attribute that holds it, and the root asks the table of the handle.
+void CKV3FGDToolAttr::FillEditContext( HToolAttrTableInstance handle, CToolEditContextQuery_Base *pQuery ) const
+{
+	if ( auto *pString = dynamic_cast<CToolEditContextQuery_String *>( pQuery ) )
+	{
+		if ( FillEditContextOverride( pString ) )
+			return;
+		if ( const char *pszProvider = FindEditContextProvider( m_pClass, pString->m_Key ) )
+		{
+			AnswerKeyName( pString, pszProvider );
+			return;
+		}
+	}
+	const CKV3FGDToolAttr *pHolder = m_pParentArray ? m_pParentArray : m_pParentTable ? m_pParentTable : m_pParentMap;
+	if ( pHolder )
+	{
+		pHolder->FillEditContext( handle, pQuery );
+		return;
+	}
+	if ( handle.m_pTable && handle.m_pTable != static_cast<const IToolAttr_Table *>( this ) )
+		handle.m_pTable->FillEditContext( handle, pQuery );
 }

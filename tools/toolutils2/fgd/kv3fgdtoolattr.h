@@ -98,7 +98,8 @@ public:
 	void MarkRebuildOnChange() override { m_bRebuild = true; }
 	bool RebuildsOnChange() const override;
 	void Reserved( HToolAttrTableInstance ) override {}
-	void FillEditContext( HToolAttrTableInstance, CToolEditContextQuery_Base * ) const override {}
+	// Serves both the row and, for a struct, the table interface.
+	void FillEditContext( HToolAttrTableInstance handle, CToolEditContextQuery_Base *pQuery ) const override;
 	const void *GetAttrClassMarker() const override { return nullptr; }
 
 	// IToolAttr_Value
@@ -114,7 +115,7 @@ public:
 	IBaseToolAttr *InsertElement( HToolAttrTableInstance handle, int nIndex ) override;
 	void RemoveElements( HToolAttrTableInstance handle, int nIndex, int nCount ) override;
 	void SwapElements( HToolAttrTableInstance handle, int nA, int nB ) override;
-	bool GetElementChoices( IToolAttrHost *, HToolAttrTableInstance, CUtlVector<ToolAttrGenericChoice_t> * ) const override { return false; }
+	bool GetElementChoices( IToolAttrHost *pHost, HToolAttrTableInstance handle, CUtlVector<ToolAttrGenericChoice_t> *pChoices ) const override;
 	bool CanResize() const override { return true; }
 	const ToolAttrRange_t<int64_t> *GetElementIntRange() const override { return GetIntRange(); }
 	const ToolAttrRange_t<float> *GetElementFloatRange() const override { return GetFloatRange(); }
@@ -158,6 +159,7 @@ private:
 		const KeyValues3 *pStored );
 	IKV3FGDAdvancedAPI *AdvancedAPI( HToolAttrTableInstance handle ) const;
 	int ArrayAncestorState( HToolAttrTableInstance handle ) const;
+	bool FillEditContextOverride( CToolEditContextQuery_String *pQuery ) const;
 
 	IKV3FGDTargetResolver *m_pResolver;
 	std::string m_KeyText;

@@ -201,6 +201,61 @@ CGameDataClass *CZolFgdFromSchema::FindOrConvertClass( const CSchemaClassInfo *p
 	return pClass;
 }
 
+CGameDataClass *CZolFgdFromSchema::FindOrMakeEmbeddedSubClass( const char *pszElementType, int nScope, const CUtlVector<CUtlString> &subclassNames )
+{
+	CUtlString name;
+	if ( pszElementType && *pszElementType )
+		name.Format( "EmbeddedSubClass_%s", pszElementType );
+	else
+		name.Format( "EmbeddedSubClass_Scope_%d", nScope );
+	if ( CGameDataClass *pKnown = m_pGameData->FindClass( name ) )
+		return pKnown;
+
+	CGameDataClass *pClass = m_pGameData->CreateClassRecord();
+	pClass->m_nClassType = GDCLASS_STRUCT;
+	pClass->m_Name = name;
+	pClass->m_HelpContextName = m_HelpContextName;
+	pClass->m_MetaData.SetToEmptyTable();
+	pClass->m_MetaData.SetMemberBool( "IsEmbeddedSubClass", true );
+	m_pGameData->AddClass( pClass );
+
+	CUtlString error;
+	CGameDataVariable *pName = m_pGameData->CreateVariable();
+	pName->m_Name.Set( "_my_subclass_name" );
+	pName->m_LongName.Set( "My Subclass Name" );
+	pName->m_Description.Set(
+		"A name that will be concatenated onto the end of the containing subclass name to generate the subclass name of this embedded subclass." );
+	pName->m_FullType.m_eBaseType = GDTYPE_STRING;
+	pName->m_DefaultKV3.SetString( "" );
+	pName->m_KV3Metadata.SetMemberBool( "ShouldPunchThroughPolymorphism", true );
+	pName->m_KV3Metadata.SetMemberInt( "sort_priority", -1 );
+	pClass->AddVariable( pName, &error );
+
+	CGameDataVariable *pSelector = m_pGameData->CreateVariable();
+	pSelector->m_Name.Set( "_class" );
+	pSelector->m_LongName.Set( "Class Name" );
+	pSelector->m_Description.Set( "The name of the underlying class to allocate when using this subclass." );
+	pSelector->m_FullType.m_eBaseType = GDTYPE_POLYMORPHIC_CLASS;
+	pSelector->m_DefaultKV3.SetString( "" );
+	// The stored name is an entity subclass; the host maps it to a class when resolving.
+	pSelector->m_KV3Metadata.SetMemberBool( "LinkedEntityClass", true );
+	CGameDataItemSet *pItems = m_pGameData->CreateItemSet();
+	pItems->m_eType = GDTYPE_CHOICES;
+	GameDataItem_t none;
+	none.m_FriendlyName.Set( "(No class selected)" );
+	pItems->m_Items.AddToTail( none );
+	for ( const CUtlString &subclass : subclassNames )
+	{
+		GameDataItem_t item;
+		item.m_Value = subclass;
+		item.m_FriendlyName = subclass;
+		pItems->m_Items.AddToTail( item );
+	}
+	pSelector->m_pItemSet = pItems;
+	pClass->AddVariable( pSelector, &error );
+	return pClass;
+}
+
 void CZolFgdFromSchema::SetTypeAtDepth( GameDataFullType_t *pOutType, int nDepth, GameDataType_t eType )
 {
 	if ( nDepth == 0 )

@@ -3,6 +3,7 @@
 // record of a game data set, with one variable per field, so that data declared in code
 // and data described by FGD text are edited by the same attributes.
 
+#include "core/containers/utlvector.h"
 #include "core/text/utlstring.h"
 #include "tools/toolutils2/fgd/gamedatatype.h"
 
@@ -37,6 +38,11 @@ public:
 
 	// The record of a schema class in the set: found by name, or made, entered and converted.
 	CGameDataClass *FindOrConvertClass( const CSchemaClassInfo *pSchemaClass );
+
+	// The generated class that a typed data reference edits: "EmbeddedSubClass_<type>" when
+	// pszElementType is given, else "EmbeddedSubClass_Scope_<scope>". Its selector offers
+	// no class, then every subclass name the host listed. Made once per name.
+	CGameDataClass *FindOrMakeEmbeddedSubClass( const char *pszElementType, int nScope, const CUtlVector<CUtlString> &subclassNames );
 
 	bool ConvertFieldType( CGameDataVariable *pVar, const CSchemaClassField &field, const CSchemaType *pType, GameDataFullType_t *pOutType ) override;
 	CGameDataVariable *ConvertField( CGameDataClass *pClass, const CSchemaClassInfo *pSchemaClass, const CSchemaClassField &field, CUtlString *pCurrentGroup ) override;
