@@ -5,6 +5,10 @@
 //
 // CUtlVectorFixedGrowable (utlvectorfixedgrowable.h) keeps its first N elements inside
 // the object and is usable wherever a CUtlVector<T>& is expected.
+//
+// SetExternalMemory lends the vector storage that someone else owns (a scratch pool):
+// the vector constructs and destroys its elements there but never frees it, and moves
+// to its own heap block if it has to grow past it.
 
 #include "core/containers/utlvectormemory.h"
 #include "core/platform/dbgassert.h"
@@ -212,15 +216,29 @@ public:
 	}
 	// Destroys every element and keeps the memory.
 	void RemoveAll() { DestroyTail( 0 ); }
-	// Destroys every element and frees the memory.
+	// Destroys every element and frees the memory (memory lent from outside is only let go).
 	void Purge()
 	{
 		DestroyTail( 0 );
-		if ( m_pElements != m_pInline )
+		if ( OwnsHeapMemory() )
 			g_pMemAlloc->Free( m_pElements );
 		m_pElements = m_pInline;
 		m_nAllocated = m_nInlineCount;
+		m_bExternalMemory = false;
 	}
+	// Purges, then keeps its elements in pMemory, room for nCapacity of them, which must
+	// stay valid (and unused by others) until the vector is purged, destroyed or grows out of it.
+	void SetExternalMemory( T *pMemory, int nCapacity )
+	{
+		Purge();
+		if ( !pMemory || nCapacity <= 0 )
+			return;
+		Assert( reinterpret_cast<uintptr_t>( pMemory ) % alignof( T ) == 0 );
+		m_pElements = pMemory;
+		m_nAllocated = nCapacity;
+		m_bExternalMemory = true;
+	}
+	bool IsExternallyAllocated() const { return m_bExternalMemory; }
 	// For vectors of owning pointers: deletes each, then purges.
 	void PurgeAndDeleteElements() requires std::is_pointer_v<T>
 	{
@@ -292,11 +310,12 @@ protected:
 	{
 		if ( other.m_pElements != other.m_pInline )
 		{
-			// Heap storage changes hands as it is.
+			// Heap (or lent) storage changes hands as it is.
 			Purge();
 			m_pElements = std::exchange( other.m_pElements, other.m_pInline );
 			m_nCount = std::exchange( other.m_nCount, 0 );
 			m_nAllocated = std::exchange( other.m_nAllocated, other.m_nInlineCount );
+			m_bExternalMemory = std::exchange( other.m_bExternalMemory, false );
 			return;
 		}
 		// Elements stored inside the other object must move one by one.
@@ -309,6 +328,8 @@ protected:
 	}
 
 private:
+	bool OwnsHeapMemory() const { return m_pElements && m_pElements != m_pInline && !m_bExternalMemory; }
+
 	bool IsInBuffer( const T *p ) const
 	{
 		// Compared as addresses: pointers into unrelated objects are not ordered.
@@ -332,7 +353,7 @@ private:
 			: UtlVectorMemory_CalcNewAllocationCount( size_t( m_nAllocated ), size_t( m_nGrowSize ), size_t( nCapacity ), sizeof( T ) );
 		if ( nNewAllocated > size_t( INT_MAX ) )
 			UtlVectorMemory_FailedAllocation( nNewAllocated, sizeof( T ) );
-		const bool bHeap = m_pElements && m_pElements != m_pInline;
+		const bool bHeap = OwnsHeapMemory();
 		if constexpr ( std::is_trivially_copyable_v<T> )
 		{
 			m_pElements = static_cast<T *>( UtlVectorMemory_Alloc( m_pElements, bHeap, nNewAllocated * sizeof( T ), size_t( m_nCount ) * sizeof( T ) ) );
@@ -350,6 +371,7 @@ private:
 			m_pElements = pNew;
 		}
 		m_nAllocated = int( nNewAllocated );
+		m_bExternalMemory = false;
 	}
 
 	// Makes room for nGap elements at i: afterwards [i, i + nGap) is raw memory.
@@ -385,4 +407,5 @@ private:
 	int m_nGrowSize = 0;
 	T *m_pInline = nullptr;
 	int m_nInlineCount = 0;
+	bool m_bExternalMemory = false; // m_pElements is lent from outside: never freed here
 };

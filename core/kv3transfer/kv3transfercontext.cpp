@@ -1,8 +1,10 @@
 #include "core/kv3transfer/kv3transfercontext.h"
 
 #include <cstdarg>
+#include <cstdint>
 #include <cstring>
 
+#include "core/containers/utlscratchmemorypool.h"
 #include "core/kv3/keyvalues3.h"
 #include "core/kv3transfer/kv3transferaliastable.h"
 
@@ -94,6 +96,13 @@ void CKV3TransferLoadContext::LeaveValue()
 	if ( !m_ValueStack.IsEmpty() )
 		m_ValueStack.Remove( m_ValueStack.Count() - 1 );
 	m_pCurrent = m_ValueStack.IsEmpty() ? nullptr : static_cast<const KeyValues3 *>( m_ValueStack.Tail() );
+}
+
+void *CKV3TransferLoadContext::AllocScratch( size_t nElementSize, size_t nCount )
+{
+	if ( !m_pScratchPool || !nElementSize || !nCount || nCount > SIZE_MAX / nElementSize )
+		return nullptr;
+	return m_pScratchPool->Alloc( nElementSize * nCount, 16 );
 }
 
 const KeyValues3 *CKV3TransferLoadContext::FindMember( const KeyValues3 *pTable, const CKV3MemberName &name ) const

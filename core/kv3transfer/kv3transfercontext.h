@@ -15,6 +15,7 @@
 
 class KeyValues3;
 class CKV3TransferAliasTable;
+class CUtlScratchMemoryPool;
 
 // Nested objects deeper than this are not read (or written): a hostile or looping tree
 // can't exhaust the stack.
@@ -87,6 +88,14 @@ public:
 	// Old member names that files may still use; null for none. Not owned.
 	void SetAliasTable( const CKV3TransferAliasTable *pAliases ) { m_pAliases = pAliases; }
 
+	// Where loaded CUtlVector arrays keep their elements; null (the default) lets them use
+	// the heap. Not owned: the pool must outlive every object loaded with it.
+	void SetScratchMemoryPool( CUtlScratchMemoryPool *pPool ) { m_pScratchPool = pPool; }
+	CUtlScratchMemoryPool *GetScratchMemoryPool() const { return m_pScratchPool; }
+	// Room for nCount elements of nElementSize bytes, 16-byte aligned, from the pool; null
+	// without a pool, for nothing, or when the size overflows.
+	void *AllocScratch( size_t nElementSize, size_t nCount );
+
 	const KeyValues3 *GetCurrent() const { return m_pCurrent; }
 	void EnterValue( const KeyValues3 *pValue );
 	void LeaveValue();
@@ -96,6 +105,7 @@ public:
 
 private:
 	const CKV3TransferAliasTable *m_pAliases = nullptr;
+	CUtlScratchMemoryPool *m_pScratchPool = nullptr;
 	const KeyValues3 *m_pCurrent = nullptr;
 };
 

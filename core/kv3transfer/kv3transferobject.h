@@ -2,6 +2,7 @@
 // Whole-object transfers and the registration that lets polymorphic pointers find the
 // load and save of their real class.
 
+#include "core/schema/schemanestedclasses.h"
 #include "core/schema/schematypeof.h"
 #include "core/text/utlstring.h"
 #include "core/kv3transfer/kv3transfertypes.h"
@@ -51,18 +52,23 @@ template <typename C> void WriteDefaults( KeyValues3 *pTable )
 }
 } // namespace KV3TransferRegistration
 
-// Registers the class (and its bases) in the scope and installs its KV3 load, save and
-// defaults table. A polymorphic pointer can only load the classes registered this way.
+// Registers the class (and its bases, and the declared classes its fields hold) in the
+// scope and installs their KV3 load, save and defaults table. A polymorphic pointer can
+// only load the classes registered this way.
 template <typename C>
 CSchemaClassInfo *RegisterKV3TransferClass( CSchemaSystemTypeScope *pScope )
 {
 	CSchemaClassInfo *pClass = RegisterSchemaClass<C>( pScope );
-	if constexpr ( !std::is_void_v<typename C::SchemaBaseClass_t> )
-		RegisterKV3TransferClass<typename C::SchemaBaseClass_t>( pScope );
 	SchemaClassBinding_t &binding = pClass->GetBindingForModify();
+	// A field may lead back to the class (a tree of itself): bound once, the walk ends.
+	if ( binding.m_pfnLoadKV3 == &KV3TransferRegistration::LoadErased<C> )
+		return pClass;
 	binding.m_pfnLoadKV3 = &KV3TransferRegistration::LoadErased<C>;
 	binding.m_pfnSaveKV3 = &KV3TransferRegistration::SaveErased<C>;
 	if constexpr ( std::is_default_constructible_v<C> && !std::is_abstract_v<C> )
 		binding.m_pfnWriteDefaults = &KV3TransferRegistration::WriteDefaults<C>;
+	if constexpr ( !std::is_void_v<typename C::SchemaBaseClass_t> )
+		RegisterKV3TransferClass<typename C::SchemaBaseClass_t>( pScope );
+	SchemaVisitNestedClasses<C>( [ pScope ]<typename N>() { RegisterKV3TransferClass<N>( pScope ); } );
 	return pClass;
 }

@@ -424,7 +424,7 @@ template <typename Vec, typename E> struct KV3TransferVector_t
 			nCount = pValue->GetArrayElementCount();
 		else if ( pValue && !pValue->IsNull() )
 			KV3TransferReportWrongKind( pContext, "an array", pValue );
-		Resize( vector, nCount );
+		Resize( vector, nCount, pContext );
 		for ( int i = 0; i < nCount; ++i )
 		{
 			pContext->PushIndex( static_cast<uint32_t>( i ) );
@@ -456,14 +456,18 @@ template <typename Vec, typename E> struct KV3TransferVector_t
 	}
 	static int Count( const std::vector<E> &vector ) { return static_cast<int>( vector.size() ); }
 	static int Count( const CUtlVector<E> &vector ) { return vector.Count(); }
-	static void Resize( std::vector<E> &vector, int nCount )
+	static void Resize( std::vector<E> &vector, int nCount, CKV3TransferLoadContext * )
 	{
 		vector.clear();
 		vector.resize( static_cast<size_t>( nCount ) );
 	}
-	static void Resize( CUtlVector<E> &vector, int nCount )
+	// With a scratch pool in the context the elements live in the pool's memory, which
+	// the vector never frees; otherwise the vector grows on the heap as usual.
+	static void Resize( CUtlVector<E> &vector, int nCount, CKV3TransferLoadContext *pContext )
 	{
 		vector.RemoveAll();
+		if ( void *pScratch = pContext->AllocScratch( sizeof( E ), static_cast<size_t>( nCount ) ) )
+			vector.SetExternalMemory( static_cast<E *>( pScratch ), nCount );
 		vector.SetCount( nCount );
 	}
 };

@@ -12,6 +12,7 @@
 #include <typeinfo>
 #include <vector>
 
+#include "core/containers/utlvector.h"
 #include "core/mathlib/color.h"
 #include "core/mathlib/qangle.h"
 #include "core/mathlib/vector.h"
@@ -78,6 +79,11 @@ template <SchemaDeclaredClass C> struct SchemaTypeOf_t<std::unique_ptr<C>>
 template <typename E> struct SchemaTypeOf_t<std::vector<E>>
 {
 	static const CSchemaType *Get( CSchemaSystemTypeScope *pScope ) { return pScope->GetCollectionType( SchemaTypeOf<E>( pScope ), sizeof( std::vector<E> ) ); }
+};
+
+template <typename E> struct SchemaTypeOf_t<CUtlVector<E>>
+{
+	static const CSchemaType *Get( CSchemaSystemTypeScope *pScope ) { return pScope->GetCollectionType( SchemaTypeOf<E>( pScope ), sizeof( CUtlVector<E> ) ); }
 };
 
 template <typename K, typename V> struct SchemaTypeOf_t<std::map<K, V>>

@@ -107,6 +107,22 @@ template <typename E> struct SchemaEqual_t<std::vector<E>>
 	}
 };
 
+// Element by element, so declared classes without operator== compare by their members.
+template <typename E> struct SchemaEqual_t<CUtlVector<E>>
+{
+	static bool Equal( const CUtlVector<E> &a, const CUtlVector<E> &b )
+	{
+		if ( a.Count() != b.Count() )
+			return false;
+		for ( int i = 0; i < a.Count(); ++i )
+		{
+			if ( !SchemaValuesEqual<E>( a[ i ], b[ i ] ) )
+				return false;
+		}
+		return true;
+	}
+};
+
 template <typename K, typename V> struct SchemaEqual_t<std::map<K, V>>
 {
 	static bool Equal( const std::map<K, V> &a, const std::map<K, V> &b )

@@ -296,3 +296,29 @@ TEST( ToolAttrHostRegistry, FirstRegistrationStandsAndUnknownNamesFindNothing )
 	ASSERT_EQ( choices.Count(), 1 );
 	EXPECT_STREQ( choices[ 0 ].m_Description.Get(), "A ball" );
 }
+
+TEST_F( ToolAttrConcrete, ValueMembersAreConcreteAttributesThatGetSetAttributesBuildOn )
+{
+	using FloatAttr_t = CConcreteToolAttr<float, CTestOperator>;
+	using BlendAttr_t = CConcreteToolAttr<TestBlendMode_t, CTestOperator>;
+	EXPECT_NE( dynamic_cast<FloatAttr_t *>( Find( "m_flStrength" ) ), nullptr );
+	EXPECT_NE( dynamic_cast<BlendAttr_t *>( Find( "m_nBlend" ) ), nullptr );
+
+	CTestLayerSet set;
+	HToolAttrTableInstance handle = MakeToolAttrHandle( &set );
+	IBaseToolAttr *pRadius = handle.m_pTable->FindAttribute( handle, "m_flRadius" );
+	using RadiusAttr_t = CConcreteToolAttr<float, CTestLayerSet, void>;
+	using RadiusValue_t = CBaseConcreteToolAttrValue<float, CTestLayerSet>;
+	auto *pConcrete = dynamic_cast<RadiusAttr_t *>( pRadius );
+	ASSERT_NE( pConcrete, nullptr ) << "the accessor attribute sits on the concrete value layer";
+	EXPECT_NE( dynamic_cast<RadiusValue_t *>( pConcrete ), nullptr );
+}
+
+TEST_F( ToolAttrConcrete, ClassReachedOnlyThroughAFieldGetsItsAttributeTable )
+{
+	const CSchemaClassInfo *pPoint = SchemaSystem()->FindOrCreateTypeScopeForModule( "reflection_tests" )->FindDeclaredClass( "TestCurvePoint_t" );
+	ASSERT_NE( pPoint, nullptr );
+	ASSERT_NE( pPoint->GetBinding().m_pfnGetAttributeTable, nullptr );
+	EXPECT_EQ( pPoint->GetBinding().m_pfnGetAttributeTable(), ToolAttrTableFor<TestCurvePoint_t>() );
+	EXPECT_EQ( pPoint->GetDefaults()->GetMemberFloat( "m_flValue" ), 1.0f );
+}

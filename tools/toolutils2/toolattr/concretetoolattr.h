@@ -458,6 +458,16 @@ public:
 	std::optional<ToolAttrRange_t<float>> m_FloatRange;
 };
 
+// The attribute of a value field reached by reference, and the layer that accessor-based
+// attributes build on. The last parameter is left for partial specialisations that pick
+// value types by a condition (std::enable_if_t<...>); plain values use this one.
+template <typename T, typename O, typename = void>
+class CConcreteToolAttr : public CBaseConcreteToolAttrValue<T, O>
+{
+public:
+	using CBaseConcreteToolAttrValue<T, O>::CBaseConcreteToolAttrValue;
+};
+
 // A KV3 subtree: a value (without text form) that custom editors change in place.
 template <typename O>
 class CConcreteToolAttrKV3 : public CBaseConcreteToolAttrValue<KeyValues3, O>, public IToolAttr_KV3
@@ -770,7 +780,7 @@ std::unique_ptr<IBaseToolAttr> ToolAttrMakeAttribute( const char *pszName, const
 	else if constexpr ( ToolAttrIsMap_t<T>::value )
 		return std::make_unique<CConcreteToolAttrMap<typename T::key_type, typename T::mapped_type, O>>( pszName, pszHelpContext, pAccess );
 	else
-		return std::make_unique<CBaseConcreteToolAttrValue<T, O>>( pszName, pszHelpContext, pAccess );
+		return std::make_unique<CConcreteToolAttr<T, O>>( pszName, pszHelpContext, pAccess );
 }
 
 #include "tools/toolutils2/toolattr/concretetoolattrmap.h"

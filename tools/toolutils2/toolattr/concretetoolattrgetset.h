@@ -7,12 +7,12 @@
 #include "tools/toolutils2/toolattr/toolattrconcreteaccess.h"
 
 template <typename T, typename O>
-class CConcreteToolAttrGetSet : public CBaseConcreteToolAttrValue<T, O>
+class CConcreteToolAttrGetSet : public CConcreteToolAttr<T, O, void>
 {
 public:
 	using Access_t = CToolAttrGetSetAccess<T, O>;
 	CConcreteToolAttrGetSet( const char *pszName, const char *pszHelpContext, typename Access_t::Getter_t pfnGet, typename Access_t::Setter_t pfnSet )
-		: CBaseConcreteToolAttrValue<T, O>( pszName, pszHelpContext, &m_Access ), m_Access( pfnGet, pfnSet )
+		: CConcreteToolAttr<T, O, void>( pszName, pszHelpContext, &m_Access ), m_Access( pfnGet, pfnSet )
 	{
 	}
 

@@ -145,12 +145,17 @@ template <SchemaDeclaredClass S> HToolAttrTableInstance MakeToolAttrHandle( S *p
 }
 
 // Everything one declaration gives, registered in one call: the schema class (and its
-// bases) in the scope, its KV3 load, save and defaults, and its attribute table.
+// bases, and the declared classes its fields hold) in the scope, its KV3 load, save and
+// defaults, and its attribute table.
 template <SchemaDeclaredClass C> CSchemaClassInfo *RegisterToolClass( CSchemaSystemTypeScope *pScope )
 {
 	CSchemaClassInfo *pClass = RegisterKV3TransferClass<C>( pScope );
+	SchemaClassBinding_t &binding = pClass->GetBindingForModify();
+	if ( binding.m_pfnGetAttributeTable == &ToolAttrTableFor<C> )
+		return pClass; // already registered; a field may lead back here
+	binding.m_pfnGetAttributeTable = &ToolAttrTableFor<C>;
 	if constexpr ( !std::is_void_v<typename C::SchemaBaseClass_t> )
 		RegisterToolClass<typename C::SchemaBaseClass_t>( pScope );
-	pClass->GetBindingForModify().m_pfnGetAttributeTable = &ToolAttrTableFor<C>;
+	SchemaVisitNestedClasses<C>( [ pScope ]<typename N>() { RegisterToolClass<N>( pScope ); } );
 	return pClass;
 }
