@@ -52,17 +52,6 @@ HToolAttrTableInstance CBaseZolNode::GetAttrInstance( HToolAttrTableInstance han
 	return handle;
 }
 
-IBaseToolAttr *CBaseZolNode::FindAttribute( HToolAttrTableInstance handle, const char *pszName )
-{
-	CUtlVector<IBaseToolAttr *> attributes;
-	GetAttributes( handle, &attributes );
-	for ( IBaseToolAttr *pAttr : attributes )
-	{
-		if ( !V_strcmp( pAttr->GetName(), pszName ) )
-			return pAttr;
-	}
-	return nullptr;
-}
 
 const CGameData *CBaseZolNode::GetGameData() const
 {

@@ -34,7 +34,6 @@ public:
 	bool HidesDefaultMark() const override { return false; }
 	bool GetFlattenIntoParent() const override { return false; }
 	HToolAttrTableInstance GetAttrInstance( HToolAttrTableInstance handle ) override;
-	IBaseToolAttr *FindAttribute( HToolAttrTableInstance handle, const char *pszName ) override;
 	void FillEditContext( HToolAttrTableInstance, CToolEditContextQuery_Base * ) const override {}
 
 	// CBaseKV3DataWithFGDClass

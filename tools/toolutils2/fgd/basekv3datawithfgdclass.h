@@ -24,4 +24,7 @@ public:
 	virtual KeyValues3 *GetKV3ForModify() = 0;
 	// Owners that keep an inherited view answer it here; most read GetKV3.
 	virtual const KeyValues3 *GetKV3ForRead() const { return GetKV3(); }
+
+	// The first of GetAttributes whose name equals pszName exactly.
+	IBaseToolAttr *FindAttribute( HToolAttrTableInstance handle, const char *pszName ) override;
 };

@@ -44,14 +44,3 @@ bool CKV3DataWithFGDClass::GetDisplayName( HToolAttrTableInstance, CUtlString *p
 	return true;
 }
 
-IBaseToolAttr *CKV3DataWithFGDClass::FindAttribute( HToolAttrTableInstance handle, const char *pszName )
-{
-	CUtlVector<IBaseToolAttr *> attributes;
-	GetAttributes( handle, &attributes );
-	for ( IBaseToolAttr *pAttr : attributes )
-	{
-		if ( !V_strcmp( pAttr->GetName(), pszName ) )
-			return pAttr;
-	}
-	return nullptr;
-}

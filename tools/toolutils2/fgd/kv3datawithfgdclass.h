@@ -29,7 +29,6 @@ public:
 	bool HidesDefaultMark() const override { return false; }
 	bool GetFlattenIntoParent() const override { return false; }
 	HToolAttrTableInstance GetAttrInstance( HToolAttrTableInstance handle ) override { return handle; }
-	IBaseToolAttr *FindAttribute( HToolAttrTableInstance handle, const char *pszName ) override;
 	void FillEditContext( HToolAttrTableInstance, CToolEditContextQuery_Base * ) const override {}
 
 private:
