@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <ostream>
 #include <string>
 
 #include "core/kv3/keyvalues3.h"
@@ -18,6 +19,12 @@ struct LenientCase_t
 	std::function<bool( const CTestOperator & )> m_fnCheck;
 	const char *m_pszError; // "" when the read is clean
 };
+
+// Names the case in test output instead of dumping its bytes.
+[[maybe_unused]] void PrintTo( const LenientCase_t &testCase, std::ostream *pOut )
+{
+	*pOut << testCase.m_pszName;
+}
 
 class KV3TransferLenientRead : public ::testing::TestWithParam<LenientCase_t>
 {
