@@ -108,7 +108,7 @@ void AddSystem( KeyValues3 *pSystem, int nIndex, CDocumentRandom &random )
 		AddFunction( pOperators->ArrayAddToTail(), s_OperatorClasses[ random.Below( 9 ) ], random );
 	KeyValues3 *pRenderer = pSystem->SetMemberEmptyArray( "m_Renderers" )->ArrayAddToTail();
 	pRenderer->SetMemberString( "_class", "C_OP_RenderSprites" );
-	pRenderer->SetMemberString( "m_hTexture", ( "materials/particle/generated/sprite_" + std::to_string( nIndex ) + ".vtex" ).c_str(),
+	pRenderer->SetMemberString( "m_hTexture", ( "materials/particle/generated/sprite_" + std::to_string( nIndex ) + ".timg" ).c_str(),
 	                            KV3_SUBTYPE_STRING_RESOURCE_NAME );
 	KeyValues3 *pChildren = pSystem->SetMemberEmptyArray( "m_Children" );
 	for ( uint32_t i = 0, n = random.Below( 3 ); i < n; ++i )

@@ -45,7 +45,7 @@ enum KV3SubType_t : uint8_t
 	KV3_SUBTYPE_FLOAT64,
 	KV3_SUBTYPE_STRING_RESOURCE_NAME, // a string naming a resource
 	KV3_SUBTYPE_STRING_SOUNDEVENT,    // a string naming a sound event
-	KV3_SUBTYPE_STRING_PANORAMA,      // reserved for interface strings
+	KV3_SUBTYPE_STRING_INTERFACE,     // reserved for user interface strings
 	KV3_SUBTYPE_BINARY_BLOB_COMPRESSED, // reserved; stored uncompressed in memory
 	KV3_SUBTYPE_COUNT,
 };

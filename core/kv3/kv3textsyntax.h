@@ -11,7 +11,7 @@
 //   	n64 = 5i64                suffixes i8 i16 i32 i64; u u8 u16 u32 u64 for unsigned
 //   	fl = 0.5f                 32-bit float; 0.5 alone is a double; nan inf -inf
 //   	s = "text\n"              escapes \" \\ \n \t \r \uXXXX; other bytes as they are
-//   	m = resource:"a/b.vmat"   a type tag sets any other subtype
+//   	m = resource:"a/b.timg"   a type tag sets any other subtype
 //   	t = """                   text on several lines, indented like the closing quotes
 //   		line one
 //   		line two

@@ -255,7 +255,7 @@ TEST( KV3TextLimits, EveryTruncationParsesOrFailsCleanly )
 	m_flValue = 1.5e-3f
 	m_flDouble = -0.0
 	m_special = [ nan, inf, -inf, nanf, -inff ]
-	m_hRes = resource:"a/b.vmat"
+	m_hRes = resource:"a/b.timg"
 	m_text = """
 		multi
 		line

@@ -62,7 +62,7 @@ const ValueCase_t s_ValueCases[] = {
 	{ "True", []( KeyValues3 &kv ) { kv.SetBool( true ); }, "true" },
 	{ "False", []( KeyValues3 &kv ) { kv.SetBool( false ); }, "false" },
 	{ "BoolWithSubtype", []( KeyValues3 &kv ) { kv.SetBool( true ); kv.SetSubType( KV3_SUBTYPE_INT8 ); }, "int8:true" },
-	{ "NullWithSubtype", []( KeyValues3 &kv ) { kv.SetSubType( KV3_SUBTYPE_STRING_PANORAMA ); }, "panorama:null" },
+	{ "NullWithSubtype", []( KeyValues3 &kv ) { kv.SetSubType( KV3_SUBTYPE_STRING_INTERFACE ); }, "interface:null" },
 	{ "IntZero", []( KeyValues3 &kv ) { kv.SetInt( 0 ); }, "0" },
 	{ "IntNegative", []( KeyValues3 &kv ) { kv.SetInt( -17 ); }, "-17" },
 	{ "Int32Min", []( KeyValues3 &kv ) { kv.SetInt( INT32_MIN ); }, "-2147483648" },
@@ -125,9 +125,9 @@ const ValueCase_t s_ValueCases[] = {
 	{ "MultiLineQuotesInside", []( KeyValues3 &kv ) { kv.SetString( "say \"\"\"\nthen \\n stays" ); }, nullptr },
 	{ "MultiLineWithClosingLikeLine", []( KeyValues3 &kv ) { kv.SetString( "x\n  \"\"\" not the end" ); }, nullptr },
 	{ "MultiLineWithCarriageReturns", []( KeyValues3 &kv ) { kv.SetString( "dos\r\nlines\r\n" ); }, nullptr },
-	{ "ResourceName", []( KeyValues3 &kv ) { kv.SetString( "materials/particle/spark.vmat", KV3_SUBTYPE_STRING_RESOURCE_NAME ); }, "resource:\"materials/particle/spark.vmat\"" },
+	{ "ResourceName", []( KeyValues3 &kv ) { kv.SetString( "materials/particle/spark.timg", KV3_SUBTYPE_STRING_RESOURCE_NAME ); }, "resource:\"materials/particle/spark.timg\"" },
 	{ "SoundEvent", []( KeyValues3 &kv ) { kv.SetString( "Spark.Hit", KV3_SUBTYPE_STRING_SOUNDEVENT ); }, "soundevent:\"Spark.Hit\"" },
-	{ "PanoramaMultiLine", []( KeyValues3 &kv ) { kv.SetString( "a\nb", KV3_SUBTYPE_STRING_PANORAMA ); }, nullptr },
+	{ "InterfaceMultiLine", []( KeyValues3 &kv ) { kv.SetString( "a\nb", KV3_SUBTYPE_STRING_INTERFACE ); }, nullptr },
 	{ "StringWithNumberSubtype", []( KeyValues3 &kv ) { kv.SetString( "x", KV3_SUBTYPE_UINT64 ); }, "uint64:\"x\"" },
 	{ "BlobEmpty", []( KeyValues3 &kv ) { kv.SetBinaryBlob( nullptr, 0 ); }, "#[]" },
 	{ "BlobOneByte", []( KeyValues3 &kv ) { uint8_t b = 0xab; kv.SetBinaryBlob( &b, 1 ); }, "#[ ab ]" },
@@ -222,7 +222,7 @@ TEST( KV3Text, WritesTheDocumentedLayout )
 	KeyValues3 *pOffset = kv.SetMemberEmptyArray( "m_vecOffset" );
 	for ( float fl : { 0.0f, 0.0f, 1.0f } )
 		pOffset->ArrayAddToTail()->SetFloat( fl );
-	kv.SetMemberString( "m_hMaterial", "materials/spark.vmat", KV3_SUBTYPE_STRING_RESOURCE_NAME );
+	kv.SetMemberString( "m_hMaterial", "materials/spark.timg", KV3_SUBTYPE_STRING_RESOURCE_NAME );
 	kv.SetMemberString( "m_Notes", "two\nlines" );
 	kv.SetMemberEmptyArray( "m_Children" )->ArrayAddToTail()->SetMemberUInt( "m_nMask", 3 );
 	kv.SetMemberString( "display name", "x" );
@@ -233,7 +233,7 @@ TEST( KV3Text, WritesTheDocumentedLayout )
 	           "\t_class = \"C_OP_Decay\"\n"
 	           "\tm_flRadius = 2.5f\n"
 	           "\tm_vecOffset = [ 0.0f, 0.0f, 1.0f ]\n"
-	           "\tm_hMaterial = resource:\"materials/spark.vmat\"\n"
+	           "\tm_hMaterial = resource:\"materials/spark.timg\"\n"
 	           "\tm_Notes = \"\"\"\n"
 	           "\t\ttwo\n"
 	           "\t\tlines\n"
@@ -283,7 +283,7 @@ TEST( KV3Text, FormattingTwiceGivesTheSameText )
 	const char *pText = R"(--- kv3 encoding=text:e21c7f3c-8a33-41c5-9977-a76d3a32aa0d format=tfxs63:a6e6a69e-52d3-4527-8b9c-ff3bb91aca3e ---
 {   _class = "CParticleSystemDefinition"  m_nBehaviorVersion = 12
 	m_nMaxParticles = 64  m_flConstantRadius = 15.0f   m_ConstantColor = [255, 200, 160, 255]
-	m_Renderers = [ { _class = "C_OP_RenderSprites" m_vecTexturesInput = [ { m_hTexture = resource:"materials/particle/spark.vtex" } ] } ]
+	m_Renderers = [ { _class = "C_OP_RenderSprites" m_vecTexturesInput = [ { m_hTexture = resource:"materials/particle/spark.timg" } ] } ]
 	m_Operators = [ { _class = "C_OP_Decay" }, { _class = "C_OP_FadeOut" m_flFadeOutTimeMin = 0.25f m_bEaseInOut = true },
 	]
 	m_Children = []  m_controlPointConfigurations = [ { m_name = "preview" m_drivers = [ { m_iAttachType = "PATTACH_WORLDORIGIN" m_vecOffset = [0.0, 0.0, 64.0] } ] } ]

@@ -131,7 +131,7 @@ void WriteFGDValue( KeyValues3 *pOut, GameDataType_t eType, const char *pszText 
 		pOut->SetString( pszSafe, KV3_SUBTYPE_STRING_RESOURCE_NAME );
 		break;
 	case GDTYPE_SOUND: pOut->SetString( pszSafe, KV3_SUBTYPE_STRING_SOUNDEVENT ); break;
-	case GDTYPE_VISTARA_IMAGE: pOut->SetString( pszSafe, KV3_SUBTYPE_STRING_PANORAMA ); break;
+	case GDTYPE_VISTARA_IMAGE: pOut->SetString( pszSafe, KV3_SUBTYPE_STRING_INTERFACE ); break;
 	case GDTYPE_AXIS:
 	case GDTYPE_TAG_LIST:
 	case GDTYPE_TAG_LIST_DYNAMIC:

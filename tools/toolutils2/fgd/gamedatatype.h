@@ -1,6 +1,6 @@
 #pragma once
 // The variable types of class descriptions, their names in FGD text, and the full type
-// record that nests them: "array(array(int))", "resource(vmat)", "stringmap(float)".
+// record that nests them: "array(array(int))", "resource(timg)", "stringmap(float)".
 
 #include "core/containers/utlvector.h"
 #include "core/text/utlstring.h"
@@ -109,7 +109,7 @@ const char *GameDataTypeName( GameDataType_t eType );
 // Accepts the names and their short forms ("int", "bool"), ignoring case; GDTYPE_INVALID if unknown.
 GameDataType_t GameDataTypeFromName( const char *pszName );
 GameDataDefaultKind_t GameDataTypeDefaultKind( GameDataType_t eType );
-// Types written with a string parameter in parentheses, such as "resource(vmat)".
+// Types written with a string parameter in parentheses, such as "resource(timg)".
 bool GameDataTypeTakesParam( GameDataType_t eType );
 // Types written around a nested type: array, stringmap, intmap.
 bool GameDataTypeTakesNestedType( GameDataType_t eType );
