@@ -4,7 +4,7 @@
 #include "core/text/strtools.h"
 #include "tools/toolutils2/undo/undohistory.h"
 #include "zoldoc_lib/iasset.h"
-#include "zoldoc_lib/iparticlesystemmgr.h"
+#include "core/particles/iparticlesystemmgr.h"
 #include "zoldoc_lib/zolchildnode.h"
 #include "zoldoc_lib/zolevents.h"
 #include "zoldoc_lib/zolfunctioncatalogue.h"

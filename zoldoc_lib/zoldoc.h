@@ -16,7 +16,7 @@
 #include "tools/toolutils2/undo/undoable.h"
 #include "tools/toolutils2/undo/undolistener.h"
 #include "zoldoc_lib/izoleventhub.h"
-#include "zoldoc_lib/particlefunctiontype.h"
+#include "core/particles/particlefunctiontype.h"
 #include "zoldoc_lib/zolelementref.h"
 
 class CBaseZolNode;

@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-#include "zoldoc_lib/particlefunctiontype.h"
+#include "core/particles/particlefunctiontype.h"
 
 struct ZolElementRef_t
 {

@@ -2,7 +2,7 @@
 
 #include "core/kv3/keyvalues3.h"
 #include "core/text/strtools.h"
-#include "zoldoc_lib/iparticlesystemmgr.h"
+#include "core/particles/iparticlesystemmgr.h"
 #include "zoldoc_lib/zolfunctionnode.h"
 #include "zoldoc_lib/zolrootnode.h"
 

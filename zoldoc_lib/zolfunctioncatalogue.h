@@ -7,7 +7,7 @@
 // fields are never judged out of range, no array gets a default entry and imprinting
 // adds no defaults.
 
-#include "zoldoc_lib/particlefunctiontype.h"
+#include "core/particles/particlefunctiontype.h"
 
 class KeyValues3;
 class CZolFunctionNode;

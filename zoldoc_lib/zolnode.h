@@ -6,7 +6,7 @@
 #include "core/kv3/keyvalues3.h"
 #include "tools/toolutils2/fgd/basekv3datawithfgdclass.h"
 #include "tools/toolutils2/toolattr/itoolattrnotifyroot.h"
-#include "zoldoc_lib/particlefunctiontype.h"
+#include "core/particles/particlefunctiontype.h"
 
 class CBufferString;
 class CZolDoc;

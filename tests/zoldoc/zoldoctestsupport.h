@@ -11,7 +11,7 @@
 #include "core/kv3/keyvalues3.h"
 #include "tools/toolutils2/toolevents/tooleventdispatcher.h"
 #include "zoldoc_lib/iasset.h"
-#include "zoldoc_lib/iparticlesystemmgr.h"
+#include "core/particles/iparticlesystemmgr.h"
 #include "zoldoc_lib/izoleventhub.h"
 #include "zoldoc_lib/zoldoc.h"
 #include "zoldoc_lib/zolevents.h"

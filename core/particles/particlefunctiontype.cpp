@@ -1,4 +1,4 @@
-#include "zoldoc_lib/particlefunctiontype.h"
+#include "core/particles/particlefunctiontype.h"
 
 namespace
 {

@@ -4,8 +4,8 @@
 // function's table uses. The host connects it once; until then none is connected and
 // the document answers without it (no classes, version 0, empty names).
 
-#include "zoldoc_lib/particlefunctioninfo.h"
-#include "zoldoc_lib/particlefunctiontype.h"
+#include "core/particles/particlefunctioninfo.h"
+#include "core/particles/particlefunctiontype.h"
 
 class KeyValues3;
 

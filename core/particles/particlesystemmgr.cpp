@@ -1,4 +1,4 @@
-#include "zoldoc_lib/iparticlesystemmgr.h"
+#include "core/particles/iparticlesystemmgr.h"
 
 namespace
 {
