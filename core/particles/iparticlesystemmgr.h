@@ -15,6 +15,10 @@ public:
 	virtual int GetFunctionCount( ParticleFunctionType_t eType ) const = 0;
 	virtual const char *GetFunctionClassName( ParticleFunctionType_t eType, int nIndex ) const = 0;
 	virtual const char *GetFunctionFriendlyName( ParticleFunctionType_t eType, int nIndex ) const = 0;
+	// -2 no limit, -1 one instance per list, 0 .. 5 the functions that all set one thing.
+	virtual int GetFunctionExclusionGroup( ParticleFunctionType_t eType, int nIndex ) const = 0;
+	// The schema binding of the class (in the "particles" scope); usually its own name.
+	virtual const char *GetFunctionSchemaClass( ParticleFunctionType_t eType, int nIndex ) const = 0;
 	virtual int GetCurrentBehaviorVersion() const = 0;
 	virtual const char *GetParticleAttributeName( int nAttribute ) const = 0;
 	virtual void GetFunctionInfo( const KeyValues3 *pFunction, ParticleFunctionInfo_t *pInfo ) const = 0;

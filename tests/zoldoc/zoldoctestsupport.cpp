@@ -49,6 +49,18 @@ const char *CTestParticleSystemMgr::GetFunctionFriendlyName( ParticleFunctionTyp
 	return pClass ? pClass->m_pFriendlyName : "";
 }
 
+int CTestParticleSystemMgr::GetFunctionExclusionGroup( ParticleFunctionType_t eType, int nIndex ) const
+{
+	const TestFunctionClass_t *pClass = GetClass( eType, nIndex );
+	return pClass ? pClass->m_nExclusionGroup : -2;
+}
+
+const char *CTestParticleSystemMgr::GetFunctionSchemaClass( ParticleFunctionType_t eType, int nIndex ) const
+{
+	const TestFunctionClass_t *pClass = GetClass( eType, nIndex );
+	return pClass ? pClass->m_pClass : "";
+}
+
 const char *CTestParticleSystemMgr::GetParticleAttributeName( int nAttribute ) const
 {
 	m_AttributeName = "Attribute " + std::to_string( nAttribute );

@@ -21,6 +21,7 @@ struct TestFunctionClass_t
 	ParticleFunctionType_t m_eType;
 	const char *m_pClass;
 	const char *m_pFriendlyName;
+	int m_nExclusionGroup = -2;
 };
 
 class CTestParticleSystemMgr : public IParticleSystemMgr
@@ -31,6 +32,8 @@ public:
 	int GetFunctionCount( ParticleFunctionType_t eType ) const override;
 	const char *GetFunctionClassName( ParticleFunctionType_t eType, int nIndex ) const override;
 	const char *GetFunctionFriendlyName( ParticleFunctionType_t eType, int nIndex ) const override;
+	int GetFunctionExclusionGroup( ParticleFunctionType_t eType, int nIndex ) const override;
+	const char *GetFunctionSchemaClass( ParticleFunctionType_t eType, int nIndex ) const override;
 	int GetCurrentBehaviorVersion() const override { return m_nCurrentVersion; }
 	const char *GetParticleAttributeName( int nAttribute ) const override;
 	// A renderer's usage is looked up by its "_class", or by "m_TestUsageKey" when present.
