@@ -1,0 +1,14 @@
+#!/bin/sh
+# The editor starts under a virtual display, opens a shipped sample, runs its frames and
+# writes a picture of its main window.
+set -e
+ZOL="$1"
+SOURCE="$2"
+OUT="$(mktemp -d)"
+trap 'rm -rf "$OUT"' EXIT
+xvfb-run -a "$ZOL" --screenshot "$OUT/shot.png" "$SOURCE/content/content/particles/samples/fire.tfxs"
+test -f "$OUT/shot.png" || { echo "no screenshot written"; exit 1; }
+SIZE=$(wc -c < "$OUT/shot.png")
+# A blank or tiny image means the window never painted.
+test "$SIZE" -gt 10000 || { echo "screenshot is only $SIZE bytes"; exit 1; }
+echo "screenshot: $SIZE bytes"

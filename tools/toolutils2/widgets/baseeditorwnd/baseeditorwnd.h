@@ -1,0 +1,85 @@
+#pragma once
+// The main window every editor of the family shares: the File menu with recent files, the
+// layout saved into and restored from the tool settings, and a close that asks about
+// unsaved work and then hides the window rather than destroying it.
+
+#include <QMainWindow>
+#include <QVector>
+
+#include "tools/toolutils2/baseeditorapp/ibaseeditorwindow.h"
+
+class CBaseEditorApp;
+class QAction;
+class QDockWidget;
+class QMenu;
+
+class CQBaseEditorWnd : public QMainWindow, public IBaseEditorWindow
+{
+	Q_OBJECT
+
+public:
+	explicit CQBaseEditorWnd( QWidget *pParent = nullptr );
+	~CQBaseEditorWnd() override;
+
+	// Takes the application: title, settings link, children and the File menu.
+	void SetApplication( CBaseEditorApp *pApp );
+	CBaseEditorApp *GetApplication() const { return m_pApp; }
+
+	// IBaseEditorWindow
+	void BringUp() override;
+	void TakeFocus() override;
+	void SetWindowTitleText( const char *pTitle ) override;
+	void SaveLayout( KeyValues3 *pTable ) override;
+	void RestoreLayout( const KeyValues3 *pTable ) override;
+
+	QMenu *GetFileMenu() const { return m_pFileMenu; }
+	QMenu *GetRecentFilesMenu() const { return m_pRecentFilesMenu; }
+	// Docks that hiding the window has hidden, to come back with it.
+	const QVector<QDockWidget *> &GetHiddenFloatingDocks() const { return m_HiddenFloatingDocks; }
+
+signals:
+	void WindowStateChanged();
+	// The window hid itself after all sessions closed: the host may quit.
+	void EditorWindowHidden();
+
+public slots:
+	void OnFileNew();
+	void OnFileOpen();
+	void OnFileSave();
+	void OnFileSaveAs();
+	void OnFileClose();
+	void OnFileReload();
+	void UpdateFileMenu();
+	void RebuildRecentFilesMenu();
+	void LoadRecentFile( QAction *pAction );
+	void OnMarkSettingsDirty();
+
+protected:
+	// Tool hooks.
+	virtual void CreateChildren() {}
+	virtual void CreateFileMenu( QMenu * ) {}
+	virtual void SaveToolWindowSettings( KeyValues3 * ) {}
+	virtual void RestoreToolWindowSettings( const KeyValues3 * ) {}
+
+	void closeEvent( QCloseEvent *pEvent ) override;
+	void changeEvent( QEvent *pEvent ) override;
+	void moveEvent( QMoveEvent *pEvent ) override;
+	void resizeEvent( QResizeEvent *pEvent ) override;
+
+	QAction *m_pFileNewAction = nullptr;
+	QAction *m_pFileOpenAction = nullptr;
+	QAction *m_pFileReloadAction = nullptr;
+	QAction *m_pFileSaveAction = nullptr;
+	QAction *m_pFileSaveAsAction = nullptr;
+	QAction *m_pFileCloseAction = nullptr;
+	QAction *m_pClearRecentFilesAction = nullptr;
+	QAction *m_pExitAction = nullptr;
+
+private:
+	void BuildFileMenu();
+
+	CBaseEditorApp *m_pApp = nullptr;
+	QMenu *m_pFileMenu = nullptr;
+	QMenu *m_pRecentFilesMenu = nullptr;
+	QVector<QDockWidget *> m_HiddenFloatingDocks;
+};

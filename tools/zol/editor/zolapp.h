@@ -1,0 +1,94 @@
+#pragma once
+// The particle editor's application: one per process, found by the host through the
+// module's CreateInterface. It owns the main window, the sessions (through the framework)
+// and the event hub that every session and document forwards to.
+
+#include <functional>
+#include <memory>
+#include <vector>
+
+#include "core/text/utlstring.h"
+#include "tools/toolutils2/baseeditorapp/simpleeditorsharedwindowapp.h"
+#include "tools/toolutils2/toolevents/tooleventdispatcher.h"
+#include "zoldoc_lib/izoleventhub.h"
+
+class CQZolMainWnd;
+class CZolSession;
+
+// The hub: a dispatcher that hears every session's and document's events after their own.
+class CZolEventHub final : public IZolEventHub
+{
+public:
+	CToolEventDispatcher *GetEventDispatcher() override { return m_nSuspendCount > 0 ? nullptr : &m_Events; }
+	void Suspend() { ++m_nSuspendCount; }
+	void Resume() { --m_nSuspendCount; }
+	bool IsSuspended() const { return m_nSuspendCount > 0; }
+
+private:
+	CToolEventDispatcher m_Events;
+	int m_nSuspendCount = 0;
+};
+
+class CZolApp : public CSimpleEditorSharedWindowApp<CZolSession, CQZolMainWnd>
+{
+public:
+	CZolApp();
+	~CZolApp() override;
+
+	// CBaseToolSystem2 / CBaseEditorApp
+	const char *const *GetNeededInterfaces() const override;
+	void OnOpenRequest( const ToolOpenRequest_t &request ) override;
+	const char *GetCommandContextName() const override { return "ZolCommands"; }
+	bool Init() override;
+	void RunFrame() override;
+	void Shutdown() override;
+	void DestroySession( CBaseEditorSession *pSession ) override;
+	void SessionActivated( CBaseEditorSession *pOld, CBaseEditorSession *pNew ) override;
+	bool OfferSync( const char * ) override { return true; }
+	bool CheckOtherUsers( const char * ) override { return true; }
+	void RestoreToolSettings( const KeyValues3 *pTable ) override;
+	void SaveToolSettings( KeyValues3 *pTable ) override;
+	CBaseEditorSession *GetOtherSession( CBaseEditorSession *pSession ) override;
+	IBaseEditorWindow *GetMainWindow() override;
+
+	CZolEventHub *GetEventHub() const { return m_pEventHub.get(); }
+	CQZolMainWnd *GetZolMainWindow() const { return m_pMainWnd; }
+	CZolSession *GetPreviewSession() const { return m_pPreviewSession; }
+	void SetPreviewSession( CZolSession *pSession );
+	bool IsPreviewSessionLocked() const { return m_bPreviewSessionLocked; }
+	void SetPreviewSessionLocked( bool bLocked ) { m_bPreviewSessionLocked = bLocked; }
+	CZolSession *GetActiveZolSession() const;
+
+	// "Open All In Directory".
+	void OpenDirectory( const char *pDirectory );
+	void ShowOpenDirectoryDialog();
+	const std::vector<CUtlString> &GetRecentDirectories() const { return m_RecentDirectories; }
+	// Saves each modified session through the framework.
+	void SaveAllSessions();
+
+	// The clipboard: in-process text unless the window installs the system's.
+	void SetClipboardText( const char *pText );
+	void GetClipboardText( CUtlString *pText ) const;
+	using ClipboardSetFn_t = std::function<void( const char * )>;
+	using ClipboardGetFn_t = std::function<CUtlString()>;
+	void SetClipboardHooks( ClipboardSetFn_t fnSet, ClipboardGetFn_t fnGet );
+
+	// Whether the main window is made by Init; tests of the logic run without one.
+	void SetCreatesMainWindow( bool bCreate ) { m_bCreatesMainWindow = bCreate; }
+
+private:
+	CQZolMainWnd *m_pMainWnd = nullptr;
+	std::unique_ptr<CZolEventHub> m_pEventHub;
+	std::vector<CUtlString> m_RecentDirectories;
+	bool m_bPreviewSessionLocked = false;
+	bool m_bAllowScreenSpaceOverlay = false;
+	bool m_bShowScreenSpaceOverlay = false;
+	CZolSession *m_pPreviewSession = nullptr;
+	bool m_bCreatesMainWindow = true;
+	CUtlString m_strClipboard;
+	ClipboardSetFn_t m_fnClipboardSet;
+	ClipboardGetFn_t m_fnClipboardGet;
+};
+
+// The one application of the module.
+CZolApp *ZolApp();

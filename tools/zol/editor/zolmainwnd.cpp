@@ -1,0 +1,215 @@
+#include "tools/zol/editor/zolmainwnd.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QDockWidget>
+#include <QLabel>
+#include <QMenu>
+#include <QMenuBar>
+#include <QStatusBar>
+
+#include "tools/toolutils2/undo/undohistory.h"
+#include "tools/toolutils2/widgets/undo/undohistorywidget.h"
+#include "tools/zol/editor/zolapp.h"
+#include "tools/zol/editor/zolsession.h"
+#include "zoldoc_lib/zoldoc.h"
+
+static constexpr int DOCK_MINIMUM_SIZE = 100;
+
+CQZolMainWnd::CQZolMainWnd( QWidget *pParent ) : CQBaseEditorWnd( pParent )
+{
+	resize( 1280, 800 );
+}
+
+QDockWidget *CQZolMainWnd::MakeDock( const char *pTitle, const char *pObjectName, QWidget *pContent, int nWidth, int nHeight )
+{
+	QDockWidget *pDock = new QDockWidget( pTitle, this );
+	pDock->setObjectName( pObjectName );
+	pDock->setMinimumSize( DOCK_MINIMUM_SIZE, DOCK_MINIMUM_SIZE );
+	pDock->setWidget( pContent );
+	pContent->resize( nWidth, nHeight );
+	return pDock;
+}
+
+// A panel that a later part of the editor fills; until then it says what it is for.
+static QLabel *MakePanelPlaceholder( const char *pText )
+{
+	QLabel *pLabel = new QLabel( pText );
+	pLabel->setAlignment( Qt::AlignCenter );
+	pLabel->setWordWrap( true );
+	pLabel->setEnabled( false );
+	return pLabel;
+}
+
+void CQZolMainWnd::CreateChildren()
+{
+	setDockNestingEnabled( true );
+	setAnimated( false );
+
+	m_pPreviewPlaceholder = MakePanelPlaceholder( "Preview" );
+	m_pPreviewPlaceholder->setMinimumSize( 320, 240 );
+	setCentralWidget( m_pPreviewPlaceholder );
+
+	m_pUndoHistoryWidget = new CQUndoHistoryWidget();
+	m_pPropertyDock = MakeDock( "Properties", "ZOL2_PropertyDock", MakePanelPlaceholder( "Properties" ), 300, 500 );
+	m_pAssetPaneDock = MakeDock( "Current assets", "ZOL2_AssetPaneDock", MakePanelPlaceholder( "Current assets" ), 500, 500 );
+	m_pFunctionDock = MakeDock( "Functions", "ZOL2_FunctionDock", MakePanelPlaceholder( "Functions" ), 300, 500 );
+	m_pControlsDock = MakeDock( "Controls", "ZOL2_PreviewControlsDock", MakePanelPlaceholder( "Controls" ), 500, 500 );
+	m_pUndoDock = MakeDock( "Undo", "ZOL2_UndoDock", m_pUndoHistoryWidget, 300, 500 );
+	ResetLayout();
+
+	m_pEditMenu = new QMenu( "&Edit", this );
+	connect( m_pEditMenu, &QMenu::aboutToShow, this, &CQZolMainWnd::UpdateEditMenu );
+	m_pViewMenu = new QMenu( "&View", this );
+	m_pViewMenu->addAction( "Default Layout", this, &CQZolMainWnd::ResetLayout );
+	m_pViewMenu->addSeparator();
+	m_pViewMenu->addAction( m_pPropertyDock->toggleViewAction() );
+	m_pViewMenu->addAction( m_pFunctionDock->toggleViewAction() );
+	m_pViewMenu->addAction( m_pControlsDock->toggleViewAction() );
+	m_pViewMenu->addAction( m_pUndoDock->toggleViewAction() );
+	m_pViewMenu->addAction( m_pAssetPaneDock->toggleViewAction() );
+	m_pViewMenu->addSeparator();
+	QAction *pLock = m_pViewMenu->addAction( "&Toggle Window Lock" );
+	pLock->setCheckable( true );
+	pLock->setChecked( true );
+	connect( pLock, &QAction::toggled, this, &CQZolMainWnd::OnToggleWindwLock );
+	OnToggleWindwLock( true );
+
+	m_pStatusBar = new QStatusBar( this );
+	setStatusBar( m_pStatusBar );
+	setWindowTitle( "Particle Editor" );
+
+	if ( CZolApp *pApp = ZolApp() )
+	{
+		pApp->SetClipboardHooks( []( const char *pText ) { QApplication::clipboard()->setText( QString::fromUtf8( pText ) ); },
+			[]() { return CUtlString( QApplication::clipboard()->text().toUtf8().constData() ); } );
+	}
+}
+
+void CQZolMainWnd::CreateFileMenu( QMenu *pMenu )
+{
+	// The File menu is the framework's; Edit and View follow it.
+	(void)pMenu;
+	menuBar()->addMenu( m_pEditMenu );
+	menuBar()->addMenu( m_pViewMenu );
+	UpdateEditMenu();
+}
+
+void CQZolMainWnd::ResetLayout()
+{
+	QDockWidget *pDocks[] = { m_pPropertyDock, m_pAssetPaneDock, m_pFunctionDock, m_pControlsDock, m_pUndoDock };
+	for ( QDockWidget *pDock : pDocks )
+	{
+		pDock->setFloating( false );
+		pDock->show();
+	}
+	addDockWidget( Qt::LeftDockWidgetArea, m_pFunctionDock );
+	addDockWidget( Qt::BottomDockWidgetArea, m_pAssetPaneDock );
+	splitDockWidget( m_pFunctionDock, m_pPropertyDock, Qt::Horizontal );
+	addDockWidget( Qt::RightDockWidgetArea, m_pControlsDock );
+	splitDockWidget( m_pControlsDock, m_pUndoDock, Qt::Vertical );
+}
+
+void CQZolMainWnd::OnToggleWindwLock( bool bLocked )
+{
+	QDockWidget *pDocks[] = { m_pPropertyDock, m_pAssetPaneDock, m_pFunctionDock, m_pControlsDock, m_pUndoDock };
+	for ( QDockWidget *pDock : pDocks )
+		pDock->setFeatures( bLocked ? QDockWidget::NoDockWidgetFeatures : QDockWidget::DockWidgetFeatures( 7 ) );
+}
+
+CZolSession *CQZolMainWnd::GetCurrentSession() const
+{
+	CZolApp *pApp = ZolApp();
+	return pApp ? pApp->GetActiveZolSession() : nullptr;
+}
+
+void CQZolMainWnd::UpdateEditMenu()
+{
+	if ( !m_EditActions[ EDIT_CUT ] )
+	{
+		m_EditActions[ EDIT_CUT ] = m_pEditMenu->addAction( "Cut", this, &CQZolMainWnd::OnEditCut, QKeySequence::Cut );
+		m_EditActions[ EDIT_COPY ] = m_pEditMenu->addAction( "Copy", this, &CQZolMainWnd::OnEditCopy, QKeySequence::Copy );
+		m_EditActions[ EDIT_PASTE ] = m_pEditMenu->addAction( "Paste", this, &CQZolMainWnd::OnEditPaste, QKeySequence::Paste );
+		m_pEditMenu->addSeparator();
+		m_EditActions[ EDIT_UNDO ] = m_pEditMenu->addAction( "&Undo", this, &CQZolMainWnd::OnEditUndo, QKeySequence::Undo );
+		m_EditActions[ EDIT_REDO ] = m_pEditMenu->addAction( "&Redo", this, &CQZolMainWnd::OnEditRedo, QKeySequence::Redo );
+		m_pEditMenu->addSeparator();
+	}
+	CZolSession *pSession = GetCurrentSession();
+	CZolDoc *pDoc = pSession ? pSession->GetDoc() : nullptr;
+	CUndoHistory *pUndo = pDoc ? pDoc->GetUndoHistory() : nullptr;
+	CUndoHistory *pRedo = pDoc ? pDoc->GetRedoHistory() : nullptr;
+	m_EditActions[ EDIT_UNDO ]->setText( CQUndoHistoryWidget::GetUndoActionText( pUndo ) );
+	m_EditActions[ EDIT_UNDO ]->setEnabled( pUndo && pUndo->CanUndo() );
+	m_EditActions[ EDIT_REDO ]->setText( CQUndoHistoryWidget::GetRedoActionText( pRedo ) );
+	m_EditActions[ EDIT_REDO ]->setEnabled( pRedo && pRedo->CanUndo() );
+	m_EditActions[ EDIT_CUT ]->setEnabled( pSession != nullptr );
+	m_EditActions[ EDIT_COPY ]->setEnabled( pSession != nullptr );
+	m_EditActions[ EDIT_PASTE ]->setEnabled( pSession != nullptr );
+}
+
+void CQZolMainWnd::OnEditCut()
+{
+	CZolSession *pSession = GetCurrentSession();
+	if ( !pSession || !pSession->GetDoc()->HasSelection() )
+	{
+		QApplication::beep();
+		return;
+	}
+	pSession->GetDoc()->BeginEdit( "Cut", true );
+	pSession->CopySelection();
+	pSession->GetDoc()->RemoveSelected();
+}
+
+void CQZolMainWnd::OnEditCopy()
+{
+	CZolSession *pSession = GetCurrentSession();
+	if ( !pSession || !pSession->CopySelection() )
+		QApplication::beep();
+}
+
+void CQZolMainWnd::OnEditPaste()
+{
+	CZolSession *pSession = GetCurrentSession();
+	if ( !pSession || !pSession->PasteFromClipboard() )
+		QApplication::beep();
+}
+
+void CQZolMainWnd::OnEditUndo()
+{
+	if ( CZolSession *pSession = GetCurrentSession() )
+		pSession->GetDoc()->Undo();
+}
+
+void CQZolMainWnd::OnEditRedo()
+{
+	if ( CZolSession *pSession = GetCurrentSession() )
+		pSession->GetDoc()->Redo();
+}
+
+void CQZolMainWnd::RunFrame()
+{
+}
+
+void CQZolMainWnd::SessionActivated( CZolSession *, CZolSession *pNew )
+{
+	m_pUndoHistoryWidget->SetUndoHistory( pNew ? pNew->GetDoc()->GetUndoHistory() : nullptr );
+	if ( pNew && *pNew->GetFileName() )
+	{
+		CUtlString strTitle;
+		pNew->GetTitle( &strTitle, 0 );
+		setWindowTitle( QString::fromUtf8( strTitle.Get() ) );
+		m_pStatusBar->showMessage( QString::fromUtf8( pNew->GetFileName() ) );
+	}
+	else
+	{
+		setWindowTitle( "Particle Editor" );
+		m_pStatusBar->clearMessage();
+	}
+}
+
+void CQZolMainWnd::ForgetSession( CZolSession *pSession )
+{
+	if ( pSession && m_pUndoHistoryWidget->GetUndoHistory() == pSession->GetDoc()->GetUndoHistory() )
+		m_pUndoHistoryWidget->SetUndoHistory( nullptr );
+}

@@ -1,0 +1,70 @@
+#pragma once
+// The particle editor's one window, shared by all sessions: docks around the centre, the
+// File, Edit and View menus, and a status bar. It holds no editing state: it hands the
+// current session to each panel.
+
+#include "tools/toolutils2/widgets/baseeditorwnd/baseeditorwnd.h"
+
+class CQUndoHistoryWidget;
+class CZolSession;
+class QDockWidget;
+class QLabel;
+class QStatusBar;
+
+class CQZolMainWnd : public CQBaseEditorWnd
+{
+	Q_OBJECT
+
+public:
+	explicit CQZolMainWnd( QWidget *pParent = nullptr );
+
+	void RunFrame();
+	void SessionActivated( CZolSession *pOld, CZolSession *pNew );
+	// The session is going away: drop every pointer to it.
+	void ForgetSession( CZolSession *pSession );
+	void ResetLayout();
+
+	QDockWidget *GetUndoDock() const { return m_pUndoDock; }
+	CQUndoHistoryWidget *GetUndoHistoryWidget() const { return m_pUndoHistoryWidget; }
+	QMenu *GetEditMenu() const { return m_pEditMenu; }
+	QAction *GetEditAction( int nIndex ) const { return m_EditActions[ nIndex ]; }
+
+	enum EditAction_t
+	{
+		EDIT_CUT,
+		EDIT_COPY,
+		EDIT_PASTE,
+		EDIT_UNDO,
+		EDIT_REDO,
+		EDIT_ACTION_COUNT
+	};
+
+public slots:
+	void UpdateEditMenu();
+	void OnToggleWindwLock( bool bLocked );
+	void OnEditCut();
+	void OnEditCopy();
+	void OnEditPaste();
+	void OnEditUndo();
+	void OnEditRedo();
+
+protected:
+	void CreateChildren() override;
+	void CreateFileMenu( QMenu *pMenu ) override;
+
+private:
+	QDockWidget *MakeDock( const char *pTitle, const char *pObjectName, QWidget *pContent, int nWidth, int nHeight );
+	CZolSession *GetCurrentSession() const;
+
+	QDockWidget *m_pAssetPaneDock = nullptr;
+	QDockWidget *m_pFunctionDock = nullptr;
+	QDockWidget *m_pControlsDock = nullptr;
+	QDockWidget *m_pUndoDock = nullptr;
+	QStatusBar *m_pStatusBar = nullptr;
+	QDockWidget *m_pPropertyDock = nullptr;
+	QMenu *m_pViewMenu = nullptr;
+	QMenu *m_pEditMenu = nullptr;
+	QAction *m_EditActions[ EDIT_ACTION_COUNT ] = {};
+	CQUndoHistoryWidget *m_pUndoHistoryWidget = nullptr;
+	QLabel *m_pPreviewPlaceholder = nullptr;
+};

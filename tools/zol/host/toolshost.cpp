@@ -1,0 +1,225 @@
+#include "tools/zol/host/toolshost.h"
+
+#include <dlfcn.h>
+
+#include <QApplication>
+#include <QDir>
+#include <QFileInfo>
+#include <QImage>
+#include <QPixmap>
+#include <QTimer>
+
+#include <cstdio>
+#include <cstring>
+#include <memory>
+#include <vector>
+
+#include "core/host/filesystem.h"
+#include "core/host/iprompt.h"
+#include "core/platform/platformtime.h"
+#include "tools/toolutils2/baseeditorapp/baseeditorapp.h"
+#include "tools/toolutils2/baseeditorapp/baseeditorsession.h"
+#include "tools/toolutils2/widgets/baseeditorwnd/baseeditorwnd.h"
+#include "tools/toolutils2/widgets/baseeditorwnd/qtprompt.h"
+
+namespace
+{
+struct ToolsHostOptions_t
+{
+	QString m_GameRoot;
+	QString m_ContentRoot;
+	QString m_ScreenshotPath;
+	int m_nFrames = 30;
+	std::vector<QString> m_Files;
+};
+
+void PrintHostUsage( FILE *pOut )
+{
+	fprintf( pOut, "usage: zol [--game DIR] [--content DIR] [--screenshot PATH [--frames N]] [FILE...]\n" );
+}
+
+bool ParseOptions( int argc, char **argv, ToolsHostOptions_t *pOptions )
+{
+	for ( int i = 1; i < argc; ++i )
+	{
+		const char *pArg = argv[ i ];
+		bool bHasValue = i + 1 < argc;
+		if ( !strcmp( pArg, "--game" ) && bHasValue )
+			pOptions->m_GameRoot = QString::fromLocal8Bit( argv[ ++i ] );
+		else if ( !strcmp( pArg, "--content" ) && bHasValue )
+			pOptions->m_ContentRoot = QString::fromLocal8Bit( argv[ ++i ] );
+		else if ( !strcmp( pArg, "--screenshot" ) && bHasValue )
+			pOptions->m_ScreenshotPath = QString::fromLocal8Bit( argv[ ++i ] );
+		else if ( !strcmp( pArg, "--frames" ) && bHasValue )
+			pOptions->m_nFrames = atoi( argv[ ++i ] );
+		else if ( pArg[ 0 ] == '-' && pArg[ 1 ] == '-' )
+		{
+			fprintf( stderr, "zol: unknown or incomplete option \"%s\"\n", pArg );
+			return false;
+		}
+		else
+			pOptions->m_Files.push_back( QFileInfo( QString::fromLocal8Bit( pArg ) ).absoluteFilePath() );
+	}
+	return pOptions->m_nFrames > 0;
+}
+
+// The shipped "content/" roots: beside or above the executable (an installed or built
+// tree), else the source tree it was built from.
+QString FindShippedContent( const char *pSubDirectory )
+{
+	QDir dir( QCoreApplication::applicationDirPath() );
+	for ( int nUp = 0; nUp < 4; ++nUp )
+	{
+		QString candidate = dir.absoluteFilePath( QString( "content/" ) + pSubDirectory );
+		if ( QFileInfo( candidate ).isDir() )
+			return candidate;
+		if ( !dir.cdUp() )
+			break;
+	}
+#ifdef ZOL_SOURCE_DIR
+	QString fromSource = QString( ZOL_SOURCE_DIR ) + "/content/" + pSubDirectory;
+	if ( QFileInfo( fromSource ).isDir() )
+		return fromSource;
+#endif
+	return QString();
+}
+
+using CreateInterfaceFn_t = void *( * )( const char *, int * );
+using InstallSchemaBindingsFn_t = bool ( * )( const char *, void * );
+
+// The host's own services by versioned name, for the tool's Connect.
+void *HostCreateInterface( const char *pName, int *pReturnCode )
+{
+	void *pInterface = nullptr;
+	if ( pName && !strcmp( pName, FILESYSTEM_INTERFACE_NAME ) )
+		pInterface = GetFileSystem();
+	if ( pReturnCode )
+		*pReturnCode = pInterface ? 0 : 1;
+	return pInterface;
+}
+} // namespace
+
+int RunToolsHost( int argc, char **argv )
+{
+	ToolsHostOptions_t options;
+	if ( !ParseOptions( argc, argv, &options ) )
+	{
+		PrintHostUsage( stderr );
+		return 2;
+	}
+
+	QApplication app( argc, argv );
+	app.setApplicationName( "zol" );
+	app.setQuitOnLastWindowClosed( false );
+
+	if ( options.m_GameRoot.isEmpty() )
+		options.m_GameRoot = FindShippedContent( "game" );
+	if ( options.m_ContentRoot.isEmpty() )
+		options.m_ContentRoot = FindShippedContent( "content" );
+	if ( options.m_GameRoot.isEmpty() || options.m_ContentRoot.isEmpty() )
+	{
+		fprintf( stderr, "zol: no game or content directory; give --game DIR and --content DIR\n" );
+		return 1;
+	}
+	CFileSystem fileSystem;
+	fileSystem.SetupFromRoots( QFileInfo( options.m_GameRoot ).absoluteFilePath().toUtf8().constData(), QFileInfo( options.m_ContentRoot ).absoluteFilePath().toUtf8().constData() );
+	SetFileSystem( &fileSystem );
+
+	CQtPrompt prompt;
+	CScopedPrompt scopedPrompt( &prompt );
+
+	// The module lies beside the executable.
+	QString modulePath = QCoreApplication::applicationDirPath() + "/libzol_editor.so";
+	void *pModule = dlopen( modulePath.toUtf8().constData(), RTLD_NOW | RTLD_LOCAL );
+	if ( !pModule )
+	{
+		fprintf( stderr, "zol: cannot load the editor module %s: %s\n", modulePath.toUtf8().constData(), dlerror() );
+		return 1;
+	}
+	auto fnCreateInterface = reinterpret_cast<CreateInterfaceFn_t>( dlsym( pModule, "CreateInterface" ) );
+	auto fnInstallSchemaBindings = reinterpret_cast<InstallSchemaBindingsFn_t>( dlsym( pModule, "InstallSchemaBindings" ) );
+	if ( !fnCreateInterface || !fnInstallSchemaBindings )
+	{
+		fprintf( stderr, "zol: %s is not an editor module (missing exports)\n", modulePath.toUtf8().constData() );
+		return 1;
+	}
+	fnInstallSchemaBindings( "SchemaSystem_001", nullptr );
+
+	int nCode = 0;
+	auto *pTool = static_cast<CBaseEditorApp *>( static_cast<CBaseToolSystem2 *>( fnCreateInterface( TOOLSYSTEM2_INTERFACE_VERSION, &nCode ) ) );
+	if ( !pTool || nCode != 0 )
+	{
+		fprintf( stderr, "zol: the module has no \"%s\"\n", TOOLSYSTEM2_INTERFACE_VERSION );
+		return 1;
+	}
+	if ( !pTool->Connect( &HostCreateInterface ) )
+	{
+		fprintf( stderr, "zol: the tool could not connect to the host's services\n" );
+		return 1;
+	}
+	for ( const char *const *ppName = pTool->GetNeededInterfaces(); *ppName; ++ppName )
+	{
+		if ( !HostCreateInterface( *ppName, nullptr ) )
+		{
+			fprintf( stderr, "zol: the host has no \"%s\", which the tool needs\n", *ppName );
+			return 1;
+		}
+	}
+	if ( !pTool->InitTool() || !pTool->StartTool( 0 ) )
+	{
+		fprintf( stderr, "zol: the tool did not start\n" );
+		return 1;
+	}
+
+	auto *pWindow = dynamic_cast<CQBaseEditorWnd *>( pTool->GetMainWindow() );
+	if ( pWindow )
+	{
+		prompt.SetDefaultParent( pWindow );
+		pWindow->show();
+	}
+
+	ToolOpenRequest_t request;
+	request.m_nKind = TOOL_OPEN_REQUEST_FILES;
+	for ( const QString &file : options.m_Files )
+		request.m_Names.emplace_back( QDir::toNativeSeparators( file ).replace( '/', '\\' ).toUtf8().constData() );
+	if ( !request.m_Names.empty() )
+		pTool->OnOpenRequest( request );
+
+	int nExitCode = 0;
+	int nFramesRun = 0;
+	QTimer frameTimer;
+	QObject::connect( &frameTimer, &QTimer::timeout, [ & ]() {
+		pTool->Frame();
+		++nFramesRun;
+		if ( options.m_ScreenshotPath.isEmpty() || nFramesRun < options.m_nFrames )
+			return;
+		frameTimer.stop();
+		QWidget *pShot = pWindow ? static_cast<QWidget *>( pWindow ) : nullptr;
+		if ( !pShot || !pShot->grab().save( options.m_ScreenshotPath ) )
+		{
+			fprintf( stderr, "zol: could not write the screenshot %s\n", options.m_ScreenshotPath.toUtf8().constData() );
+			nExitCode = 1;
+		}
+		QCoreApplication::quit();
+	} );
+	if ( pWindow )
+	{
+		// Quitting asks the framework's close questions; a hidden window means all closed.
+		QObject::connect( pWindow, &CQBaseEditorWnd::EditorWindowHidden, &app, &QCoreApplication::quit );
+	}
+	frameTimer.start( 16 );
+	int nLoopCode = app.exec();
+	if ( nExitCode == 0 )
+		nExitCode = nLoopCode;
+
+	if ( !options.m_ScreenshotPath.isEmpty() )
+	{
+		// A screenshot run writes nothing back and asks nothing.
+		for ( CBaseEditorSession *pSession : pTool->GetSessions() )
+			pSession->SetModified( false );
+	}
+	pTool->ShutdownTool();
+	pTool->Disconnect();
+	SetFileSystem( nullptr );
+	return nExitCode;
+}
