@@ -10,6 +10,8 @@
 #include "core/schema/schemaenuminfo.h"
 #include "core/schema/schematype.h"
 #include "core/text/friendlyname.h"
+#include "tools/toolutils2/fgd/entitysubclasshost.h"
+#include "tools/toolutils2/fgd/fgdvalue.h"
 #include "tools/toolutils2/fgd/gamedata.h"
 #include "tools/toolutils2/fgd/gamedataclass.h"
 #include "tools/toolutils2/fgd/gamedatavariable.h"
@@ -455,6 +457,16 @@ bool CZolFgdFromSchema::ConvertTypeAtDepth( CGameDataVariable *pVar, const CSche
 			meta.SetMemberBool( "mapkeys_is_suggestion", true );
 		return ConvertTypeAtDepth( pVar, field, pType->GetElementType(), pOutType, nDepth + 1 );
 	}
+	case SCHEMA_ATOMIC_TYPED_DATA_REF:
+	{
+		// Edited as a table of the generated class whose selector offers the host's subclasses.
+		CUtlVector<CUtlString> subclassNames;
+		ListEntitySubclasses( pType->GetTypedDataElementType(), pType->GetTypedDataScope(), &subclassNames );
+		CGameDataClass *pEmbedded = FindOrMakeEmbeddedSubClass( pType->GetTypedDataElementType(), pType->GetTypedDataScope(), subclassNames );
+		SetTypeAtDepth( pOutType, nDepth, GDTYPE_STRUCT );
+		pOutType->m_Param = pEmbedded->m_Name;
+		return true;
+	}
 	case SCHEMA_ATOMIC_NONE:
 		break;
 	}
@@ -509,6 +521,14 @@ CGameDataVariable *CZolFgdFromSchema::ConvertField( CGameDataClass *pClass, cons
 		pVar->m_DefaultKV3.CopyFrom( *pDefault );
 	else if ( const KeyValues3 *pByTransferName = pDefaults->FindMember( pszName ) )
 		pVar->m_DefaultKV3.CopyFrom( *pByTransferName );
+	// An embedded subclass has no default of its own but must stay a tagged table.
+	if ( const CGameDataClass *pStruct = pVar->GetStructClass();
+		 pVar->GetType() == GDTYPE_STRUCT && pStruct && pStruct->GetMetaBool( "IsEmbeddedSubClass" ) )
+	{
+		if ( !pVar->m_DefaultKV3.IsTable() )
+			WriteFGDValue( &pVar->m_DefaultKV3, *pVar, 0, "" );
+		pVar->m_DefaultKV3.SetSubType( KV3_SUBTYPE_TABLE_EMBEDDED_SUBCLASS );
+	}
 
 	CopyProvider( pVar, field, "MPropertyAttributeChoiceName", "MPropertyLeafChoiceProviderFn", "choice_name" );
 	if ( !meta.HasMember( "choice_name" ) )
