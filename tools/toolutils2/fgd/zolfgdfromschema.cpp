@@ -181,6 +181,16 @@ void CopyProvider( CGameDataVariable *pVar, const CSchemaClassField &field, cons
 		pVar->m_KV3Metadata.SetMemberString( pszFgdKey, generated.Get() );
 	}
 }
+
+CUtlString EmbeddedSubClassName( const char *pszElementType, int nScope )
+{
+	CUtlString name;
+	if ( pszElementType && *pszElementType )
+		name.Format( "EmbeddedSubClass_%s", pszElementType );
+	else
+		name.Format( "EmbeddedSubClass_Scope_%d", nScope );
+	return name;
+}
 } // namespace
 
 CZolFgdFromSchema::CZolFgdFromSchema( CGameData *pGameData, const char *pszHelpContext )
@@ -205,11 +215,7 @@ CGameDataClass *CZolFgdFromSchema::FindOrConvertClass( const CSchemaClassInfo *p
 
 CGameDataClass *CZolFgdFromSchema::FindOrMakeEmbeddedSubClass( const char *pszElementType, int nScope, const CUtlVector<CUtlString> &subclassNames )
 {
-	CUtlString name;
-	if ( pszElementType && *pszElementType )
-		name.Format( "EmbeddedSubClass_%s", pszElementType );
-	else
-		name.Format( "EmbeddedSubClass_Scope_%d", nScope );
+	CUtlString name = EmbeddedSubClassName( pszElementType, nScope );
 	if ( CGameDataClass *pKnown = m_pGameData->FindClass( name ) )
 		return pKnown;
 
@@ -459,10 +465,16 @@ bool CZolFgdFromSchema::ConvertTypeAtDepth( CGameDataVariable *pVar, const CSche
 	}
 	case SCHEMA_ATOMIC_TYPED_DATA_REF:
 	{
-		// Edited as a table of the generated class whose selector offers the host's subclasses.
-		CUtlVector<CUtlString> subclassNames;
-		ListEntitySubclasses( pType->GetTypedDataElementType(), pType->GetTypedDataScope(), &subclassNames );
-		CGameDataClass *pEmbedded = FindOrMakeEmbeddedSubClass( pType->GetTypedDataElementType(), pType->GetTypedDataScope(), subclassNames );
+		// Edited as a table of the generated class whose selector offers the host's subclasses;
+		// the host is asked once per family.
+		const char *pszElementType = pType->GetTypedDataElementType();
+		CGameDataClass *pEmbedded = m_pGameData->FindClass( EmbeddedSubClassName( pszElementType, pType->GetTypedDataScope() ) );
+		if ( !pEmbedded )
+		{
+			CUtlVector<CUtlString> subclassNames;
+			ListEntitySubclasses( pszElementType, pType->GetTypedDataScope(), &subclassNames );
+			pEmbedded = FindOrMakeEmbeddedSubClass( pszElementType, pType->GetTypedDataScope(), subclassNames );
+		}
 		SetTypeAtDepth( pOutType, nDepth, GDTYPE_STRUCT );
 		pOutType->m_Param = pEmbedded->m_Name;
 		return true;
