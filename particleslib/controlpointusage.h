@@ -8,6 +8,9 @@
 #include "core/particles/particleparamid.h"
 #include "pulse_runtime_lib/valuetypes/pulsevaluefulltype.h"
 
+// Control points are numbered 0 to this.
+constexpr int32_t MAX_PARTICLE_CONTROL_POINT = 63;
+
 // Access flags.
 constexpr uint8_t CONTROL_POINT_ACCESS_READ = 1 << 0;
 constexpr uint8_t CONTROL_POINT_ACCESS_WRITE = 1 << 1;

@@ -1,5 +1,7 @@
 #include "particleslib/particletransforminput.h"
 
+#include <algorithm>
+
 #include "particleslib/particlenamedvaluebindings.h"
 
 void CParticleTransformInput::CollectControlPointUsage( CUtlVector<ControlPointUsage_t> &list ) const
@@ -13,8 +15,10 @@ void CParticleTransformInput::CollectControlPointUsage( CUtlVector<ControlPointU
 	{
 		// The first control point counts even when the range is empty or reversed.
 		AddControlPointRead( list, m_nControlPoint, nKind );
-		for ( int32_t nControlPoint = m_nControlPoint + 1; nControlPoint <= m_nControlPointRangeMax; ++nControlPoint )
-			AddControlPointRead( list, nControlPoint, nKind );
+		// Numbers end at the last control point, so a wild maximum can't flood the list.
+		const int32_t nLast = std::min( m_nControlPointRangeMax, MAX_PARTICLE_CONTROL_POINT );
+		for ( int64_t nControlPoint = int64_t( m_nControlPoint ) + 1; nControlPoint <= nLast; ++nControlPoint )
+			AddControlPointRead( list, static_cast<int32_t>( nControlPoint ), nKind );
 	}
 }
 

@@ -38,6 +38,15 @@ TEST( ParticleTransformInput, UsageOfOnePointAndOfARange )
 	input.m_nControlPointRangeMax = 0; // below the start: the start still counts
 	EXPECT_EQ( ReportedNumbers( input ), std::vector<int>{ 2 } );
 
+	// A hostile maximum stops at the last control point.
+	input.m_nControlPoint = 60;
+	input.m_nControlPointRangeMax = 2000000000;
+	EXPECT_EQ( ReportedNumbers( input ), ( std::vector<int>{ 60, 61, 62, 63 } ) );
+	input.m_nControlPoint = 2147483647;
+	EXPECT_EQ( ReportedNumbers( input ), std::vector<int>{ 2147483647 } );
+	input.m_nControlPoint = 2;
+	input.m_nControlPointRangeMax = 0;
+
 	input.m_bUseOrientation = false;
 	ReportedNumbers( input, &nKind );
 	EXPECT_EQ( nKind, 2 );
