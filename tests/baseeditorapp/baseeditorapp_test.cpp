@@ -10,6 +10,7 @@
 
 #include "core/host/filesystem.h"
 #include "core/host/scriptedprompt.h"
+#include "core/host/toolsettingsstore.h"
 #include "core/platform/platformmode.h"
 #include "core/text/pathtools.h"
 #include "tools/toolutils2/baseeditorapp/baseeditorapp.h"
@@ -58,6 +59,7 @@ public:
 	}
 	IBaseEditorWindow *GetMainWindow() override { return nullptr; }
 	void UseDefaultDirectory( const char *pDirectory ) { SetDefaultDirectory( pDirectory ); }
+	void UseToolName( const char *pName ) { SetToolName( pName ); }
 
 	int m_nOpenResult = EDITOR_OPEN_LOADED;
 	int m_nDestroyed = 0;
@@ -213,7 +215,15 @@ TEST_F( BaseEditorAppTest, SaveAsLowerCasesTheNewNameAndRefusesBadCharacters )
 	m_Prompt.ExpectCancelledDialog( PROMPT_KIND_SAVE_FILE, "Save Session" );
 	EXPECT_FALSE( m_App.SaveSessionAs( pA ) );
 	EXPECT_FALSE( fs::exists( m_Root / "content" / "Bad" / "c.txt" ) );
-	EXPECT_NE( strstr( m_Prompt.FindRecord( "Save session" )->m_strText, "lower case" ), nullptr );
+	// The refusal says why; the dialog records share its title, so look for the message.
+	const CScriptedPrompt::Record_t *pRefusal = nullptr;
+	for ( const CScriptedPrompt::Record_t &record : m_Prompt.GetRecords() )
+	{
+		if ( record.m_eKind == PROMPT_KIND_MESSAGE )
+			pRefusal = &record;
+	}
+	ASSERT_NE( pRefusal, nullptr );
+	EXPECT_NE( strstr( pRefusal->m_strText, "lower case" ), nullptr );
 }
 
 TEST_F( BaseEditorAppTest, SavingANewSessionGoesThroughSaveAsAndLeavesTheNewFilesList )
@@ -328,4 +338,47 @@ TEST_F( BaseEditorAppTest, ReloadAsksBeforeDiscardingChanges )
 	ASSERT_NE( pRecord, nullptr );
 	EXPECT_EQ( pRecord->m_eDefaultButton, PROMPT_BUTTON_NO );
 	EXPECT_TRUE( pA->IsModified() );
+	// The changes are still there, so closing asks about them.
+	m_Prompt.ExpectQuestion( PROMPT_BUTTON_NO, "Save changes?" );
+}
+
+TEST_F( BaseEditorAppTest, NamedToolKeepsItsRecentFilesInTheUserSettingsAcrossRuns )
+{
+	fs::create_directories( m_Root / "settings" );
+	GetToolSettingsStore().SetDirectory( ( m_Root / "settings" ).c_str() );
+	CUtlString strA = MakeFile( "particles/a.txt" );
+	{
+		CTestApp first;
+		first.UseToolName( "testtool" );
+		ASSERT_TRUE( first.StartTool( 1 ) );
+		first.OpenFile( strA, true );
+		first.ShutdownTool();
+	}
+	EXPECT_TRUE( fs::exists( m_Root / "settings" / "testtool_settings.kv3" ) );
+
+	CTestApp second;
+	second.UseToolName( "testtool" );
+	ASSERT_TRUE( second.StartTool( 1 ) );
+	const auto &recent = second.GetAutosaveManager().GetRecentFiles();
+	ASSERT_EQ( recent.size(), 1u );
+	EXPECT_TRUE( V_PathsMatch( recent[ 0 ].m_strFileName, strA ) );
+	second.ShutdownTool();
+	GetToolSettingsStore().SetDirectory( "" );
+}
+
+TEST_F( BaseEditorAppTest, DamagedSettingsFileStartsTheToolWithDefaults )
+{
+	fs::create_directories( m_Root / "settings" );
+	GetToolSettingsStore().SetDirectory( ( m_Root / "settings" ).c_str() );
+	std::ofstream( m_Root / "settings" / "testtool_settings.kv3" ) << "{ this is not kv3 \"";
+	CTestApp app;
+	app.UseToolName( "testtool" );
+	ASSERT_TRUE( app.StartTool( 1 ) );
+	EXPECT_TRUE( app.GetAutosaveManager().GetRecentFiles().empty() );
+	// Shutting down writes good settings over the damaged file.
+	app.ShutdownTool();
+	KeyValues3 stored;
+	EXPECT_TRUE( GetToolSettingsStore().Load( "testtool", &stored ) );
+	EXPECT_TRUE( stored.IsTable() );
+	GetToolSettingsStore().SetDirectory( "" );
 }

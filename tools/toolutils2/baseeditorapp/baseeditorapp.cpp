@@ -3,7 +3,9 @@
 #include <algorithm>
 
 #include "core/host/iprompt.h"
+#include "core/host/toolsettingsstore.h"
 #include "core/logging/logging.h"
+#include "core/logging/logonce.h"
 #include "core/platform/platformmode.h"
 #include "core/platform/platformtime.h"
 #include "core/text/pathtools.h"
@@ -113,8 +115,16 @@ void CBaseEditorApp::OnOpenRequest( const ToolOpenRequest_t &request )
 // ---------------------------------------------------------------------------------------
 // Settings
 
+// A tool with a name keeps its settings in the user's settings store; one without (a
+// bare framework in tests) keeps them in memory only.
 bool CBaseEditorApp::LoadSettingsTable( KeyValues3 *pTable )
 {
+	if ( !m_strToolName.IsEmpty() )
+	{
+		CUtlString strError;
+		if ( !GetToolSettingsStore().Load( m_strToolName, &m_StoredSettings, &strError ) && !strError.IsEmpty() )
+			Log_Warning( LOG_GENERAL, "%s: the settings could not be read, the defaults are used: %s\n", m_strToolName.Get(), strError.Get() );
+	}
 	*pTable = m_StoredSettings;
 	return pTable->IsTable();
 }
@@ -122,6 +132,11 @@ bool CBaseEditorApp::LoadSettingsTable( KeyValues3 *pTable )
 void CBaseEditorApp::StoreSettingsTable( const KeyValues3 &table )
 {
 	m_StoredSettings = table;
+	if ( m_strToolName.IsEmpty() )
+		return;
+	CUtlString strError;
+	if ( !GetToolSettingsStore().Save( m_strToolName, table, &strError ) )
+		Log_Once( LOG_GENERAL, LS_WARNING, "%s: the settings could not be saved: %s\n", m_strToolName.Get(), strError.Get() );
 }
 
 void CBaseEditorApp::SaveSettings( IBaseEditorWindow *pWindow )
@@ -135,9 +150,11 @@ void CBaseEditorApp::SaveSettings( IBaseEditorWindow *pWindow )
 	}
 	else
 	{
-		if ( !m_RememberedLayout.IsTable() )
-			return;
-		settings = m_RememberedLayout;
+		// Without a window the last layout it gave is kept as it was.
+		if ( m_RememberedLayout.IsTable() )
+			settings = m_RememberedLayout;
+		else
+			settings.SetToEmptyTable();
 	}
 	m_EditorSettings.Write( settings.FindOrCreateMember( "General" ) );
 	m_AutosaveManager.WriteSettings( settings.FindOrCreateMember( "RecentFiles" ), settings.FindOrCreateMember( "NewFiles" ) );
