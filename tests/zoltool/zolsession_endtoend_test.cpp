@@ -8,8 +8,12 @@
 #include <sstream>
 #include <unistd.h>
 
-#include "core/host/filesystem.h"
+#include "core/host/hostservices.h"
+#include "core/host/interfaceregistry.h"
 #include "core/host/scriptedprompt.h"
+#include "core/host/toolsettingsstore.h"
+#include "core/particles/hostparticlesystemmgr.h"
+#include "particleslib/particleinputclasses.h"
 #include "core/platform/platformmode.h"
 #include "tools/zol/editor/zolapp.h"
 #include "tools/zol/editor/zolmoduleexports.h"
@@ -20,14 +24,6 @@
 namespace
 {
 namespace fs = std::filesystem;
-
-void *TestHostFactory( const char *pName, int *pReturnCode )
-{
-	void *pInterface = ( pName && !strcmp( pName, FILESYSTEM_INTERFACE_NAME ) ) ? GetFileSystem() : nullptr;
-	if ( pReturnCode )
-		*pReturnCode = pInterface ? 0 : 1;
-	return pInterface;
-}
 
 struct CNodesModifiedCounter
 {
@@ -57,9 +53,13 @@ TEST( ZolSessionEndToEnd, EditCompilesOnTheFrameSavesUndoesAndReloads )
 	fs::create_directories( root / "content" / "particles" );
 	fs::copy( fs::path( ZOL_SOURCE_DIR ) / "content" / "game", root / "game", fs::copy_options::recursive );
 	fs::copy_file( fs::path( ZOL_SOURCE_DIR ) / "content/content/particles/samples/fire.tfxs", root / "content/particles/fire.tfxs" );
-	CFileSystem fileSystem;
-	fileSystem.SetupFromRoots( ( root / "game" ).c_str(), ( root / "content" ).c_str() );
-	SetFileSystem( &fileSystem );
+	fs::create_directories( root / "settings" );
+	GetToolSettingsStore().SetDirectory( ( root / "settings" ).c_str() );
+	CHostServices services;
+	CUtlString strError;
+	ASSERT_TRUE( services.Init( ( root / "game" ).c_str(), ( root / "content" ).c_str(), &strError ) ) << strError.Get();
+	RegisterParticleInputClasses();
+	SetParticleSystemMgr( HostParticleSystemMgr() );
 	CScriptedPrompt prompt;
 	CScopedPrompt scopedPrompt( &prompt );
 
@@ -70,7 +70,7 @@ TEST( ZolSessionEndToEnd, EditCompilesOnTheFrameSavesUndoesAndReloads )
 	EXPECT_EQ( CreateInterface( "toolsystem2_001", &nCode ), nullptr );
 	EXPECT_EQ( nCode, 1 );
 	pApp->SetCreatesMainWindow( false );
-	ASSERT_TRUE( pApp->Connect( &TestHostFactory ) );
+	ASSERT_TRUE( pApp->Connect( &Host_CreateInterface ) );
 	ASSERT_TRUE( pApp->StartTool( 0 ) );
 
 	CUtlString strPath( ( root / "content/particles/fire.tfxs" ).c_str() );
@@ -114,7 +114,8 @@ TEST( ZolSessionEndToEnd, EditCompilesOnTheFrameSavesUndoesAndReloads )
 	EXPECT_TRUE( pApp->CloseAllSessions() );
 	pApp->ShutdownTool();
 	pApp->Disconnect();
-	SetFileSystem( nullptr );
+	SetParticleSystemMgr( nullptr );
+	GetToolSettingsStore().SetDirectory( "" );
 	fs::remove_all( root );
 	EXPECT_FALSE( prompt.HasFailures() );
 }

@@ -1,5 +1,6 @@
 #include "tools/toolutils2/baseeditorapp/basetoolsystem2.h"
 
+#include "core/host/ifilesystem.h"
 #include "core/text/strtools.h"
 
 const char *const *CBaseToolSystem2::GetNeededInterfaces() const
@@ -46,12 +47,12 @@ void *CBaseToolSystem2::FindInterface( const char *pName ) const
 		return nullptr;
 	int nReturnCode = 0;
 	void *pInterface = m_fnFactory( pName, &nReturnCode );
-	return nReturnCode == 0 ? pInterface : nullptr;
+	return nReturnCode == IFACE_OK ? pInterface : nullptr;
 }
 
 const std::vector<const char *> &CBaseToolSystem2::GetFrameworkInterfaces()
 {
 	// The file system; this host has no version control service to insist on.
-	static const std::vector<const char *> s_Names = { FILESYSTEM_INTERFACE_NAME };
+	static const std::vector<const char *> s_Names = { FILESYSTEM_INTERFACE_VERSION };
 	return s_Names;
 }

@@ -4,17 +4,17 @@
 
 #include <vector>
 
+#include "core/host/interfaceregistry.h"
 #include "core/text/utlstring.h"
 
 class CUtlString;
 
-// The host's named factory: the object of that versioned name, or null (code 1).
-using ToolCreateInterfaceFn_t = void *( * )( const char *pName, int *pReturnCode );
+// The host's named factory (Host_CreateInterface): the object of that versioned name, or
+// null with IFACE_FAILED.
+using ToolCreateInterfaceFn_t = CreateInterfaceFn_t;
 
 // Version name under which the host finds a tool.
 #define TOOLSYSTEM2_INTERFACE_VERSION "ToolSystem2_001"
-// Name under which the host hands out its file system.
-#define FILESYSTEM_INTERFACE_NAME "FileSystem_001"
 
 // What the host asks a tool to open.
 enum ToolOpenRequestKind_t : int

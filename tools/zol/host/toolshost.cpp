@@ -14,8 +14,13 @@
 #include <memory>
 #include <vector>
 
-#include "core/host/filesystem.h"
+#include "core/host/hostservices.h"
+#include "core/host/interfaceregistry.h"
 #include "core/host/iprompt.h"
+#include "core/logging/logging.h"
+#include "core/particles/hostparticlesystemmgr.h"
+#include "particleslib/particleinputclasses.h"
+#include "tools/toolutils2/toolattr/toolattrhost.h"
 #include "core/platform/platformtime.h"
 #include "tools/toolutils2/baseeditorapp/baseeditorapp.h"
 #include "tools/toolutils2/baseeditorapp/baseeditorsession.h"
@@ -84,19 +89,7 @@ QString FindShippedContent( const char *pSubDirectory )
 	return QString();
 }
 
-using CreateInterfaceFn_t = void *( * )( const char *, int * );
 using InstallSchemaBindingsFn_t = bool ( * )( const char *, void * );
-
-// The host's own services by versioned name, for the tool's Connect.
-void *HostCreateInterface( const char *pName, int *pReturnCode )
-{
-	void *pInterface = nullptr;
-	if ( pName && !strcmp( pName, FILESYSTEM_INTERFACE_NAME ) )
-		pInterface = GetFileSystem();
-	if ( pReturnCode )
-		*pReturnCode = pInterface ? 0 : 1;
-	return pInterface;
-}
 } // namespace
 
 int RunToolsHost( int argc, char **argv )
@@ -121,9 +114,22 @@ int RunToolsHost( int argc, char **argv )
 		fprintf( stderr, "zol: no game or content directory; give --game DIR and --content DIR\n" );
 		return 1;
 	}
-	CFileSystem fileSystem;
-	fileSystem.SetupFromRoots( QFileInfo( options.m_GameRoot ).absoluteFilePath().toUtf8().constData(), QFileInfo( options.m_ContentRoot ).absoluteFilePath().toUtf8().constData() );
-	SetFileSystem( &fileSystem );
+	// The file system, resources, assets, help, property editors and game information,
+	// each answering Host_CreateInterface under its versioned name.
+	CHostServices services;
+	CUtlString strError;
+	if ( !services.Init( QFileInfo( options.m_GameRoot ).absoluteFilePath().toUtf8().constData(), QFileInfo( options.m_ContentRoot ).absoluteFilePath().toUtf8().constData(), &strError ) )
+	{
+		fprintf( stderr, "zol: %s\n", strError.Get() );
+		return 1;
+	}
+	if ( !strError.IsEmpty() )
+		Log_Warning( LOG_GENERAL, "%s\n", strError.Get() );
+
+	// The particle classes and their inputs, before any definition is read.
+	RegisterParticleInputClasses();
+	RegisterParticleInputDefaultTests( ToolAttrHost() );
+	SetParticleSystemMgr( HostParticleSystemMgr() );
 
 	CQtPrompt prompt;
 	CScopedPrompt scopedPrompt( &prompt );
@@ -152,14 +158,14 @@ int RunToolsHost( int argc, char **argv )
 		fprintf( stderr, "zol: the module has no \"%s\"\n", TOOLSYSTEM2_INTERFACE_VERSION );
 		return 1;
 	}
-	if ( !pTool->Connect( &HostCreateInterface ) )
+	if ( !pTool->Connect( &Host_CreateInterface ) )
 	{
 		fprintf( stderr, "zol: the tool could not connect to the host's services\n" );
 		return 1;
 	}
 	for ( const char *const *ppName = pTool->GetNeededInterfaces(); *ppName; ++ppName )
 	{
-		if ( !HostCreateInterface( *ppName, nullptr ) )
+		if ( !Host_CreateInterface( *ppName, nullptr ) )
 		{
 			fprintf( stderr, "zol: the host has no \"%s\", which the tool needs\n", *ppName );
 			return 1;
@@ -220,6 +226,6 @@ int RunToolsHost( int argc, char **argv )
 	}
 	pTool->ShutdownTool();
 	pTool->Disconnect();
-	SetFileSystem( nullptr );
+	SetParticleSystemMgr( nullptr );
 	return nExitCode;
 }
