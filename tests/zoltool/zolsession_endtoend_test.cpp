@@ -8,7 +8,9 @@
 #include <sstream>
 #include <unistd.h>
 
+#include "core/host/assetsystem.h"
 #include "core/host/hostservices.h"
+#include "core/host/iasset.h"
 #include "core/host/interfaceregistry.h"
 #include "core/host/scriptedprompt.h"
 #include "core/host/toolsettingsstore.h"
@@ -97,8 +99,14 @@ TEST( ZolSessionEndToEnd, EditCompilesOnTheFrameSavesUndoesAndReloads )
 	EXPECT_EQ( counter.m_nLastNodeCount, 1 );
 	EXPECT_EQ( pSession->GetCompileCount(), nCompilesBefore + 1 );
 	EXPECT_NE( strstr( pSession->GetLastCompiledText(), "4321" ), nullptr );
+	// The definition's asset took the edit from memory.
+	IAsset *pAsset = services.GetAssetSystem()->FindAssetByAbsolutePath( strPath );
+	ASSERT_NE( pAsset, nullptr );
+	EXPECT_STREQ( pAsset->GetLastCompileError(), "" );
+	uint32_t nCompileStamp = pAsset->GetCompileStamp();
 	pApp->Frame();
 	EXPECT_EQ( counter.m_nCount, 1 );
+	EXPECT_EQ( pAsset->GetCompileStamp(), nCompileStamp );
 
 	ASSERT_TRUE( pApp->SaveSession( pSession ) );
 	EXPECT_FALSE( pSession->IsModified() );

@@ -1,6 +1,8 @@
 #include "tools/zol/editor/zolsession.h"
 
 #include "core/containers/utlbuffer.h"
+#include "core/host/iasset.h"
+#include "core/host/iassetsystem.h"
 #include "core/host/iprompt.h"
 #include "core/kv3/keyvalues3.h"
 #include "core/kv3/kv3serialize.h"
@@ -31,6 +33,12 @@ CZolSession::CZolSession( CBaseEditorApp *pApp ) : CSimpleSharedWindowEditorSess
 
 CZolSession::~CZolSession()
 {
+	// The resource goes back to what the file holds.
+	if ( m_bAssetEdited )
+	{
+		if ( IAsset *pAsset = FindEditedAsset() )
+			pAsset->EndEditing();
+	}
 	m_EventMap.Detach( TOOL_EVENT_SLOT_DOCUMENT );
 	m_pDoc.reset();
 }
@@ -210,7 +218,29 @@ bool CZolSession::RecompileResource()
 	}
 	m_LastCompiledText.Set( reinterpret_cast<const char *>( static_cast<const CUtlBuffer &>( buffer ).Base() ), size_t( buffer.TellPut() ) );
 	++m_nCompileCount;
+
+	// The definition's resource takes the edited text, so that the preview and whatever
+	// refers to it see the edit before it is saved. A file outside the content tree (or
+	// not yet saved) has no asset, and only the text is kept.
+	if ( IAsset *pAsset = FindEditedAsset() )
+	{
+		if ( !pAsset->CompileFromBuffer( buffer, &strError ) )
+		{
+			LoggingSystem_LogOnceByKey( LOG_ZOL, LS_WARNING, GetFileName(), "Unable to compile '%s': %s\n", GetFileName(), strError.Get() );
+			return false;
+		}
+		m_bAssetEdited = true;
+	}
 	return true;
+}
+
+IAsset *CZolSession::FindEditedAsset() const
+{
+	IAssetSystem *pAssetSystem = GetAssetSystem();
+	const char *pFileName = GetFileName();
+	if ( !pAssetSystem || !pFileName || !*pFileName || IsNewFile() )
+		return nullptr;
+	return pAssetSystem->FindAssetByAbsolutePath( pFileName );
 }
 
 void CZolSession::RunFrame()

@@ -14,6 +14,7 @@
 
 class CZolApp;
 class CZolDoc;
+class IAsset;
 class KeyValues3;
 struct ZolControlPointConfiguration_t;
 
@@ -49,6 +50,8 @@ public:
 	// Saves into memory and has the asset compile from it; false when either step failed
 	// (the last good compiled form stays).
 	bool RecompileResource();
+	// The asset of the session's file; null for a new file or one outside the content tree.
+	IAsset *FindEditedAsset() const;
 	// The frame's part of a session: compile when an edit asked for it, then tell the
 	// written nodes once.
 	void RunFrame();
@@ -97,4 +100,6 @@ private:
 	// The compiled form as text, for the asset compile and for whoever reads it back.
 	CUtlString m_LastCompiledText;
 	int m_nCompileCount = 0;
+	// Whether the definition's resource holds edited text that the file doesn't.
+	bool m_bAssetEdited = false;
 };
