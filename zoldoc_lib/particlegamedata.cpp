@@ -11,6 +11,8 @@
 #include "core/schema/schemasystemtypescope.h"
 #include "core/text/utlstring.h"
 #include "tools/toolutils2/fgd/gamedata.h"
+#include "tools/toolutils2/toolattr/toolattrhost.h"
+#include "zoldoc_lib/zolchoiceproviders.h"
 #include "zoldoc_lib/particledomains.h"
 #include "zoldoc_lib/particlefgdfromschema.h"
 
@@ -60,6 +62,8 @@ ParticleGameData_t *BuildGameData()
 		Log_Warning( LOG_ZOL, "%s", report.Get() );
 	AddParticleDomainClasses( &pData->m_Table, domains, &pData->m_DomainClasses );
 
+	// The choice lists that class fields name; the first registration of a name stands.
+	RegisterParticleChoiceProviders( ToolAttrHost() );
 	if ( s_fnRegisterDefaultTests )
 		s_fnRegisterDefaultTests();
 	return pData;

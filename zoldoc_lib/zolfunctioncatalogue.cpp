@@ -1,5 +1,7 @@
 #include "zoldoc_lib/zolfunctioncatalogue.h"
 
+#include <vector>
+
 #include "core/kv3/keyvalues3.h"
 #include "core/particles/iparticlesystemmgr.h"
 #include "core/particles/particlefunctionclasses.h"
@@ -51,6 +53,22 @@ void RemoveFieldsOutsideVersion( KeyValues3 *pTable, const char *pSchemaClass, i
 		if ( !IsFieldValidForVersion( pSchemaClass, pTable->GetMemberName( i ), nVersion ) )
 			pTable->RemoveMember( i );
 	}
+}
+
+// The field stored under that key: by its own name, or by the name it is transferred under.
+const CSchemaClassField *FindFieldByKey( const CSchemaClassInfo *pClass, const char *pKey )
+{
+	if ( const CSchemaClassField *pField = pClass->FindField( pKey ) )
+		return pField;
+	std::vector<const CSchemaClassField *> fields;
+	pClass->GetAllFields( fields );
+	for ( const CSchemaClassField *pField : fields )
+	{
+		const SchemaMetadataEntry_t *pName = pField->FindMetadata( "MKV3TransferName" );
+		if ( pName && pName->m_eType == SCHEMA_METADATA_STRING && !V_strcmp( pName->m_pszValue, pKey ) )
+			return pField;
+	}
+	return nullptr;
 }
 
 const char *SchemaClassOfNode( const CBaseZolNode *pNode )
@@ -112,7 +130,7 @@ bool IsFieldValidForVersion( const char *pSchemaClass, const char *pField, int n
 	const CSchemaClassInfo *pClass = FindParticleSchemaClass( pSchemaClass );
 	if ( !pClass )
 		return true;
-	const CSchemaClassField *pSchemaField = pClass->FindField( pField );
+	const CSchemaClassField *pSchemaField = FindFieldByKey( pClass, pField );
 	return pSchemaField && AreVersionLimitsMet( *pSchemaField, nVersion );
 }
 
@@ -200,7 +218,7 @@ void ApplyDefaultArrayRule( CZolRootNode *pRoot, ParticleFunctionType_t eType, C
 			const char *pName = pTable->GetMemberName( nMember );
 			if ( !V_strcmp( pName, "_class" ) )
 				continue;
-			const CSchemaClassField *pField = pSchemaClass->FindField( pName );
+			const CSchemaClassField *pField = FindFieldByKey( pSchemaClass, pName );
 			KeyValues3 *pValue = pTable->GetMember( nMember );
 			if ( !pField || !pField->HasMetadata( "MParticleRequireDefaultArrayEntry" ) || !pValue->IsArray() || pValue->GetArrayElementCount() )
 				continue;

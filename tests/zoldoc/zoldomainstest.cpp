@@ -5,6 +5,8 @@
 #include "tests/zoldoc/zoldoctestsupport.h"
 #include "tools/toolutils2/fgd/fgdreader.h"
 #include "tools/toolutils2/fgd/gamedata.h"
+#include "tools/toolutils2/toolattr/toolattrhost.h"
+#include "zoldoc_lib/zolrootnode.h"
 #include "zoldoc_lib/particledomains.h"
 #include "zoldoc_lib/particlegamedata.h"
 #include "zoldoc_lib/zolchoiceproviders.h"
@@ -113,4 +115,22 @@ TEST_F( ZolDocFixture, AttributeChoicesListOnlyLabelledAttributesOfTheirKind )
 	EXPECT_FALSE( GetParticleAttributeChoices( "not_a_list", &m_Doc, &choices ) );
 	ASSERT_TRUE( GetParticleAttributeChoices( "vector_component", nullptr, &choices ) );
 	EXPECT_EQ( JoinChoices( choices ), "-1=Disabled, 0=X Component, 1=Y Component, 2=Z Component" );
+}
+
+TEST_F( ZolDocFixture, RegisteredAttributeChoicesFindTheDocumentThroughTheEditedNode )
+{
+	m_Mgr.m_Usage[ "C_OP_RenderSprites" ] = { { 12, -1, "Spin" } };
+	AddRenderer();
+	GetParticleGameData();
+	const ToolAttrChoiceProviderFn_t &fnProvider = ToolAttrHost()->FindChoiceProvider( "particlefield_rotation" );
+	ASSERT_TRUE( fnProvider );
+
+	CUtlVector<ToolAttrGenericChoice_t> choices;
+	fnProvider( m_Doc.GetRoot()->GetTableInstance(), nullptr, &choices );
+	EXPECT_EQ( JoinChoices( choices ), "4=Attribute 4, 5=Attribute 5, 12=Spin, 20=Attribute 20" );
+
+	// A table that isn't a node of a document has no attributes to offer.
+	choices.RemoveAll();
+	fnProvider( HToolAttrTableInstance(), nullptr, &choices );
+	EXPECT_EQ( choices.Count(), 0 );
 }
