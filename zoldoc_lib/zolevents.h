@@ -6,7 +6,7 @@
 #include <unordered_set>
 
 #include "tools/toolutils2/toolevents/tooleventtype.h"
-#include "zoldoc_lib/particleparamid.h"
+#include "core/particles/particleparamid.h"
 
 class CBaseZolNode;
 class CZolSession;

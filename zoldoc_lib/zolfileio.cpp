@@ -6,6 +6,7 @@
 #include <system_error>
 
 #include "core/containers/utlbuffer.h"
+#include "core/host/ifilesystem.h"
 
 namespace
 {
@@ -24,10 +25,23 @@ std::filesystem::path ToFilePath( const char *pPath )
 }
 } // namespace
 
-bool ZolReadWholeFile( const char *pPath, const char *, CUtlBuffer *pBuffer )
+bool ZolReadWholeFile( const char *pPath, const char *pPathId, CUtlBuffer *pBuffer )
 {
 	if ( !pPath || !*pPath )
 		return false;
+	// A path id needs the host's search paths; without an id the path is taken as given.
+	if ( pPathId && *pPathId )
+	{
+		if ( IFileSystem *pFileSystem = GetFileSystem() )
+		{
+			CUtlBuffer read;
+			if ( pFileSystem->ReadFile( pPath, pPathId, &read ) )
+			{
+				pBuffer->Put( read.Base(), read.Size() );
+				return true;
+			}
+		}
+	}
 	FILE *pFile = fopen( ToFilePath( pPath ).string().c_str(), "rb" );
 	if ( !pFile )
 		return false;

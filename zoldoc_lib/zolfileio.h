@@ -1,6 +1,7 @@
 #pragma once
-// Whole-file reads and writes of the document. Paths may come with a path id; until the
-// host's file system resolves ids, "" and unknown ids both mean the path as given.
+// Whole-file reads and writes of the document. A read may name a path id, which the host's
+// file system resolves when one is connected; "" and ids it can't resolve mean the path
+// as given.
 
 class CUtlBuffer;
 

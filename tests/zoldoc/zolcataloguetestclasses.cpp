@@ -33,6 +33,29 @@ void WriteTestDefaults( KeyValues3 *pTable )
 		pTable->SetMemberEmptyArray( pName );
 }
 
+void WriteTestDefinitionDefaults( KeyValues3 *pTable )
+{
+	pTable->SetToEmptyTable();
+	pTable->SetMemberInt( "m_nBehaviorVersion", 0 );
+	pTable->SetMemberBool( "m_bEnableNamedValues", false );
+	pTable->SetMemberString( "m_NamedValueDomain", "" );
+	pTable->SetMemberInt( "m_nMaxParticles", 1000 );
+}
+
+// The definition's own class, for as long as the host's classes don't declare it.
+void RegisterDefinitionIfAbsent()
+{
+	CSchemaSystemTypeScope *pScope = ParticleTypeScope();
+	CSchemaClassInfo *pClass = pScope->CreateClass( "CParticleSystemDefinition" );
+	if ( !pClass )
+		return;
+	pClass->AddMetadata( SchemaMetadataEntry_t( "MGetKV3ClassDefaults", &WriteTestDefinitionDefaults ) );
+	pClass->AddField( "m_nBehaviorVersion", pScope->GetBuiltinType( SCHEMA_BUILTIN_INT32 ) );
+	pClass->AddField( "m_bEnableNamedValues", pScope->GetBuiltinType( SCHEMA_BUILTIN_BOOL ) );
+	pClass->AddField( "m_NamedValueDomain", pScope->GetAtomicType( SCHEMA_ATOMIC_STRING ) );
+	pClass->AddField( "m_nMaxParticles", pScope->GetBuiltinType( SCHEMA_BUILTIN_INT32 ) );
+}
+
 void RegisterOperator( const char *pName, std::initializer_list<SchemaMetadataEntry_t> metadata, std::initializer_list<TestField_t> fields = {} )
 {
 	CSchemaSystemTypeScope *pScope = ParticleTypeScope();
@@ -59,6 +82,7 @@ void RegisterCatalogueTestClasses()
 {
 	static const bool s_bRegistered = [] {
 		RegisterParticleFunctionClasses();
+		RegisterDefinitionIfAbsent();
 		RegisterOperator( "C_OP_TestMaxThree", { { "MParticleMaxVersion", 3 }, { "MParticleReplacementOp", "C_OP_TestNoMax" } },
 			{ { "m_flShared", {} }, { "m_flOnlyOld", {} } } );
 		RegisterOperator( "C_OP_TestNoMax", {}, { { "m_flShared", {} } } );

@@ -103,6 +103,30 @@ m_Operators = [
 	EXPECT_EQ( SaveText( m_Doc ).find( "FromAnotherBuild" ), std::string::npos );
 }
 
+TEST_F( ZolCatalogueFixture, RootKeyTheDefinitionDoesNotDeclareIsDroppedOnLoad )
+{
+	std::string path = WriteFile( "rootkey.tfxs", MakeDefinitionText( R"(_class = "CParticleSystemDefinition"
+m_nBehaviorVersion = 5
+m_nMaxParticles = 77
+m_flNotADefinitionMember = 2.0)" ) );
+	CUtlString error;
+	ASSERT_TRUE( m_Doc.LoadFromFile( path.c_str(), "", &error ) ) << error.Get();
+	const KeyValues3 *pRoot = m_Doc.GetRoot()->GetReadKV3();
+	EXPECT_EQ( pRoot->GetMemberInt( "m_nMaxParticles" ), 77 );
+	EXPECT_FALSE( pRoot->HasMember( "m_flNotADefinitionMember" ) );
+	// The root keeps what it is.
+	EXPECT_STREQ( pRoot->GetMemberString( "_class" ), "CParticleSystemDefinition" );
+}
+
+TEST_F( ZolCatalogueFixture, EmptyDefinitionSavesOnlyItsClassAndVersion )
+{
+	KeyValues3 tree = ParseText( SaveText( m_Doc ) );
+	ASSERT_EQ( tree.GetMemberCount(), 2 );
+	EXPECT_STREQ( tree.GetMemberName( 0 ), "_class" );
+	EXPECT_STREQ( tree.GetMemberName( 1 ), "m_nBehaviorVersion" );
+	EXPECT_EQ( tree.GetMemberInt( "m_nBehaviorVersion" ), m_Mgr.m_nCurrentVersion );
+}
+
 //-----------------------------------------------------------------------------
 // Lenient reads of configurations
 //-----------------------------------------------------------------------------

@@ -1,6 +1,6 @@
 #include "tests/zoldoc/zoldoctestsupport.h"
 
-#include "core/particles/particlefunctionclasses.h"
+#include "tests/zoldoc/zolcataloguetestclasses.h"
 #include "tools/toolutils2/undo/undohistory.h"
 #include "zoldoc_lib/particlegamedata.h"
 #include "zoldoc_lib/zolfunctionnode.h"
@@ -108,7 +108,7 @@ std::string CEventRecorder::Joined() const
 
 ZolDocFixture::ZolDocFixture()
 {
-	RegisterParticleFunctionClasses();
+	RegisterCatalogueTestClasses();
 	SetParticleSystemMgr( &m_Mgr );
 	ResetParticleGameData();
 	m_Doc.SetEventHub( &m_Hub );
