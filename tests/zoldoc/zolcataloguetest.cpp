@@ -2,6 +2,7 @@
 
 #include "core/text/strtools.h"
 
+#include "core/particles/hostparticlesystemmgr.h"
 #include "tests/zoldoc/zolcataloguetestclasses.h"
 #include "tools/toolutils2/fgd/gamedata.h"
 #include "zoldoc_lib/particlegamedata.h"
@@ -266,4 +267,32 @@ TEST_F( ZolCatalogueFixture, EmptyListHasNoConflicts )
 	conflicts.AddToTail( 1 );
 	GetParticleWriteConflicts( m_Doc.GetRoot(), PARTICLE_FUNCTION_OPERATOR, &conflicts );
 	EXPECT_EQ( conflicts.Count(), 0 );
+}
+
+//-----------------------------------------------------------------------------
+// The host's own classes
+//-----------------------------------------------------------------------------
+
+TEST( ZolHostCatalogue, HostClassesFollowTheirChainAndHideObsoleteOnes )
+{
+	SetParticleSystemMgr( HostParticleSystemMgr() );
+	ResetParticleGameData();
+	const int nVersion = GetParticleSystemMgr()->GetCurrentBehaviorVersion();
+
+	EXPECT_EQ( Replacement( PARTICLE_FUNCTION_OPERATOR, "C_OP_NoiseLegacy", nVersion ), "'C_OP_Noise'" );
+	CUtlVector<ZolFunctionOffer_t> offers;
+	GetParticleFunctionOffers( nullptr, PARTICLE_FUNCTION_OPERATOR, nVersion, "", &offers );
+	EXPECT_EQ( FindOffer( offers, "C_OP_AlphaDecay" ), nullptr );
+	EXPECT_EQ( FindOffer( offers, "C_OP_NoiseLegacy" ), nullptr );
+	ASSERT_NE( FindOffer( offers, "C_OP_Noise" ), nullptr );
+	// Every function class of the manager is in the class table.
+	for ( int nType = 0; nType < PARTICLE_FUNCTION_CLASS_LIST_COUNT; ++nType )
+	{
+		const ParticleFunctionType_t eType = ParticleFunctionType_t( nType );
+		for ( int i = 0; i < GetParticleSystemMgr()->GetFunctionCount( eType ); ++i )
+			EXPECT_NE( FindParticleGameDataClass( GetParticleSystemMgr()->GetFunctionSchemaClass( eType, i ) ), nullptr );
+	}
+
+	SetParticleSystemMgr( nullptr );
+	ResetParticleGameData();
 }
