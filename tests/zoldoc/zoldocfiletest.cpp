@@ -314,3 +314,21 @@ TEST( ZolAutosaveName, NumberedNameAndItsSourceMapBothWays )
 	GetZolAutosaveSourceName( "", "autosave", "content", &source );
 	EXPECT_STREQ( source.Get(), "recovered_autosave" );
 }
+
+TEST_F( ZolCatalogueFixture, InputWrittenAsABareNumberKeepsItsValueThroughLoadAndSave )
+{
+	std::string path = WriteFile( "literal.tfxs", MakeDefinitionText( R"(_class = "CParticleSystemDefinition"
+m_nBehaviorVersion = 5
+m_Emitters = [ { _class = "C_OP_ContinuousEmitter" m_flEmitRate = 40.0 } ])" ) );
+	CUtlString error;
+	ASSERT_TRUE( m_Doc.LoadFromFile( path.c_str(), "", &error ) ) << error.Get();
+
+	KeyValues3 tree = ParseText( SaveText( m_Doc ) );
+	const KeyValues3 *pRate = tree.FindMember( "m_Emitters" )->GetArrayElement( 0 )->FindMember( "m_flEmitRate" );
+	ASSERT_NE( pRate, nullptr );
+	// Either form is the same input: the number itself, or the literal table of it.
+	if ( pRate->IsTable() )
+		EXPECT_DOUBLE_EQ( pRate->GetMemberDouble( "m_flLiteralValue" ), 40.0 );
+	else
+		EXPECT_DOUBLE_EQ( pRate->GetDouble(), 40.0 );
+}
