@@ -47,6 +47,7 @@ enum KV3SubType_t : uint8_t
 	KV3_SUBTYPE_STRING_SOUNDEVENT,    // a string naming a sound event
 	KV3_SUBTYPE_STRING_INTERFACE,     // reserved for user interface strings
 	KV3_SUBTYPE_BINARY_BLOB_COMPRESSED, // reserved; stored uncompressed in memory
+	KV3_SUBTYPE_TABLE_EMBEDDED_SUBCLASS, // a table holding one embedded subclass
 	KV3_SUBTYPE_COUNT,
 };
 

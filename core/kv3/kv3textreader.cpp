@@ -576,7 +576,7 @@ bool CKV3TextReader::ReadValueInto( size_t nSlot )
 			if ( bTagged )
 				return Fail( pWord, "a value can have only one type tag" );
 			if ( !KV3SubTypeFromTagName( pWord, nWordLength, &eTag ) )
-				return Fail( pWord, "unknown type tag %s (known: resource soundevent interface compressed int8 int16 int32 int64 uint8 uint16 uint32 uint64 float32 float64 unspecified)",
+				return Fail( pWord, "unknown type tag %s (known: resource soundevent interface compressed subclass int8 int16 int32 int64 uint8 uint16 uint32 uint64 float32 float64 unspecified)",
 				             Quote( pWord, nWordLength ).c_str() );
 			bTagged = true;
 			++m_p;

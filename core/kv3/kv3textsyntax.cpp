@@ -32,7 +32,7 @@ constexpr std::array<uint8_t, 256> MakeCharClasses()
 
 const char *const s_TagNames[ KV3_SUBTYPE_COUNT ] = {
 	"unspecified", "int8", "int16", "int32", "int64", "uint8", "uint16", "uint32", "uint64",
-	"float32", "float64", "resource", "soundevent", "interface", "compressed",
+	"float32", "float64", "resource", "soundevent", "interface", "compressed", "subclass",
 };
 } // namespace
 

@@ -8,6 +8,7 @@
 #include "core/particles/particleoperators.h"
 #include "core/particles/particlepreemission.h"
 #include "core/particles/particlerenderers.h"
+#include "core/particles/particlesystemdefinition.h"
 #include "core/schema/schemasystem.h"
 
 CSchemaSystemTypeScope *ParticleTypeScope()
@@ -41,6 +42,8 @@ void RegisterOnce()
 	RegisterAll<C_OP_TurbulenceForce, C_OP_AttractToControlPoint, C_OP_TwistAroundAxis, C_OP_RandomForce>( pScope );
 	RegisterAll<C_OP_PlanarConstraint, C_OP_ConstrainDistance, C_OP_CollideWithPlane>( pScope );
 	RegisterAll<C_OP_RenderSprites, C_OP_RenderTrails, C_OP_RenderModels>( pScope );
+	// The definition and its records, for loading whole files and for their FGD classes.
+	RegisterAll<CParticleSystemDefinition, ParticleChildrenInfo_t, ParticleNamedValueSource_t, ParticleControlPointConfiguration_t>( pScope );
 }
 } // namespace
 

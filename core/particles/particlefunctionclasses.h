@@ -6,6 +6,7 @@ class CSchemaSystemTypeScope;
 // The scope that particle classes live in.
 CSchemaSystemTypeScope *ParticleTypeScope();
 
-// Registers every particle function class with its schema and KV3 transfer. Safe to call
-// any number of times; only the first call does work.
+// Registers every particle function class, CParticleSystemDefinition and its records
+// with their schema and KV3 transfer. Safe to call any number of times; only the first
+// call does work.
 void RegisterParticleFunctionClasses();

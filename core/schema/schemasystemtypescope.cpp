@@ -247,3 +247,24 @@ const CSchemaType *CSchemaSystemTypeScope::GetResourceHandleType( const char *ps
 	}
 	return pType;
 }
+
+const CSchemaType *CSchemaSystemTypeScope::GetTypedDataRefType( const char *pszElementType, int nScope, size_t nSize )
+{
+	bool bByElementType = pszElementType && *pszElementType;
+	CUtlString name;
+	if ( bByElementType )
+		name.Format( "CTypedDataRef< %s >", pszElementType );
+	else
+		name.Format( "CTypedDataRef< scope %d >", nScope );
+	bool bCreated;
+	CSchemaType *pType = FindOrAddType( name, &bCreated );
+	if ( bCreated )
+	{
+		pType->m_eCategory = SCHEMA_TYPE_ATOMIC;
+		pType->m_eAtomic = SCHEMA_ATOMIC_TYPED_DATA_REF;
+		pType->m_TypedDataElementType.Set( bByElementType ? pszElementType : "" );
+		pType->m_nTypedDataScope = bByElementType ? -1 : nScope;
+		pType->m_nSize = nSize;
+	}
+	return pType;
+}

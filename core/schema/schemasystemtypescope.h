@@ -47,6 +47,8 @@ public:
 	const CSchemaType *GetMapType( const CSchemaType *pKey, const CSchemaType *pValue, size_t nSize );
 	const CSchemaType *GetOptionalType( const CSchemaType *pElement, size_t nSize );
 	const CSchemaType *GetResourceHandleType( const char *pszResourceType, size_t nSize );
+	// A typed data reference by element type; with an empty element type, by scope number.
+	const CSchemaType *GetTypedDataRefType( const char *pszElementType, int nScope, size_t nSize );
 
 private:
 	CSchemaType *FindOrAddType( const CUtlString &name, bool *pCreated );

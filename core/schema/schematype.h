@@ -52,6 +52,7 @@ enum SchemaAtomicType_t : uint8_t
 	SCHEMA_ATOMIC_COLLECTION,      // a growable vector of GetElementType()
 	SCHEMA_ATOMIC_MAP,             // GetKeyType() to GetElementType()
 	SCHEMA_ATOMIC_OPTIONAL,        // GetElementType() or nothing
+	SCHEMA_ATOMIC_TYPED_DATA_REF,  // data of a subclass picked by name; GetTypedDataElementType() or GetTypedDataScope()
 };
 
 // The text name of a builtin type, such as "int32" or "float32".
@@ -76,6 +77,11 @@ public:
 	int GetCount() const { return m_nCount; }
 	const char *GetResourceType() const { return m_ResourceType.Get(); }
 
+	// A typed data reference names its family of subclasses by element type, or, when
+	// that is empty, by the number of the scope that lists them.
+	const char *GetTypedDataElementType() const { return m_TypedDataElementType.Get(); }
+	int GetTypedDataScope() const { return m_nTypedDataScope; }
+
 	bool IsBuiltin( SchemaBuiltinType_t eType ) const { return m_eCategory == SCHEMA_TYPE_BUILTIN && m_eBuiltin == eType; }
 	bool IsAtomic( SchemaAtomicType_t eType ) const { return m_eCategory == SCHEMA_TYPE_ATOMIC && m_eAtomic == eType; }
 	bool IsInteger() const { return m_eCategory == SCHEMA_TYPE_BUILTIN && m_eBuiltin >= SCHEMA_BUILTIN_INT8 && m_eBuiltin <= SCHEMA_BUILTIN_UINT64; }
@@ -96,4 +102,7 @@ private:
 	const CSchemaType *m_pKey = nullptr;
 	int m_nCount = 0;
 	CUtlString m_ResourceType;
+
+	CUtlString m_TypedDataElementType;
+	int m_nTypedDataScope = -1;
 };

@@ -149,6 +149,12 @@ struct DisplayCase_t
 	const char *m_pDisplay;
 };
 
+// Names the case in test output instead of dumping its bytes.
+[[maybe_unused]] void PrintTo( const DisplayCase_t &testCase, std::ostream *pOut )
+{
+	*pOut << testCase.m_pTypeText;
+}
+
 class FullTypeDisplayText : public ::testing::TestWithParam<DisplayCase_t>
 {
 };

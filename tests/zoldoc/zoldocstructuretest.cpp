@@ -19,6 +19,12 @@ struct MoveCase_t
 	const char *m_pResult;
 };
 
+// Names the case in test output instead of dumping its bytes.
+[[maybe_unused]] void PrintTo( const MoveCase_t &testCase, std::ostream *pOut )
+{
+	*pOut << "from " << testCase.m_nFrom << " to gap " << testCase.m_nGap;
+}
+
 class ZolDocMove : public ZolDocFixture, public ::testing::WithParamInterface<MoveCase_t>
 {
 };
@@ -57,6 +63,12 @@ struct ChildIndexCase_t
 	int m_nChild;
 	int m_nRuntimeIndex;
 };
+
+// Names the case in test output instead of dumping its bytes.
+[[maybe_unused]] void PrintTo( const ChildIndexCase_t &testCase, std::ostream *pOut )
+{
+	*pOut << "version " << testCase.m_nVersion << " child " << testCase.m_nChild;
+}
 
 class ZolDocRuntimeChildIndex : public ZolDocFixture, public ::testing::WithParamInterface<ChildIndexCase_t>
 {

@@ -168,6 +168,12 @@ struct KeyValuesErrorCase_t
 	const char *m_pError;
 };
 
+// Names the case in test output instead of dumping its bytes.
+[[maybe_unused]] static void PrintTo( const KeyValuesErrorCase_t &testCase, std::ostream *pOut )
+{
+	*pOut << testing::PrintToString( testCase.m_pText );
+}
+
 class KeyValuesBadText : public testing::TestWithParam<KeyValuesErrorCase_t>
 {
 };

@@ -11,7 +11,9 @@
 #include "core/kv3transfer/kv3transfercontext.h"
 #include "core/kv3transfer/kv3transferobject.h"
 #include "core/particles/particlefunction.h"
+#include "core/particles/hostparticlesystemmgr.h"
 #include "core/particles/particlefunctionclasses.h"
+#include "core/particles/particlesystemdefinition.h"
 #include "core/schema/schemaclassinfo.h"
 #include "core/schema/schemasystem.h"
 #include "core/schema/schemasystemtypescope.h"
@@ -185,6 +187,7 @@ TEST( ParticleFunctionClasses, ShippedSampleFunctionsLoadWithoutErrorsAndSaveBac
 		KeyValues3 root;
 		std::string error;
 		ASSERT_TRUE( LoadSample( pszFile, &root, &error ) ) << pszFile << ": " << error;
+		CheckFunctionList<CParticleFunctionPreEmission>( pszFile, root, "m_PreEmissionOperators", &nChecked );
 		CheckFunctionList<CParticleFunctionEmitter>( pszFile, root, "m_Emitters", &nChecked );
 		CheckFunctionList<CParticleFunctionInitializer>( pszFile, root, "m_Initializers", &nChecked );
 		CheckFunctionList<CParticleFunctionOperator>( pszFile, root, "m_Operators", &nChecked );
@@ -194,4 +197,122 @@ TEST( ParticleFunctionClasses, ShippedSampleFunctionsLoadWithoutErrorsAndSaveBac
 	}
 	// None found would mean the lists were never read and nothing was checked.
 	EXPECT_GT( nChecked, 0 );
+}
+
+namespace
+{
+// Whether a class may stand in a file of that version, by its version limits.
+bool IsValidAtVersion( const CSchemaClassInfo *pClass, int nVersion )
+{
+	const SchemaMetadataEntry_t *pMin = pClass->FindMetadata( "MParticleMinVersion" );
+	const SchemaMetadataEntry_t *pMax = pClass->FindMetadata( "MParticleMaxVersion" );
+	return ( !pMin || nVersion >= pMin->m_nValue ) && ( !pMax || nVersion <= pMax->m_nValue );
+}
+} // namespace
+
+TEST( ParticleFunctionClasses, ShippedSamplesLoadWholeAsDefinitionsWithOnlyValidFunctions )
+{
+	const IParticleSystemMgr *pMgr = HostParticleSystemMgr();
+	int nOldFiles = 0;
+	bool bHasChildren = false;
+	for ( const char *pszFile : s_SampleFiles )
+	{
+		SCOPED_TRACE( pszFile );
+		KeyValues3 root;
+		std::string error;
+		ASSERT_TRUE( LoadSample( pszFile, &root, &error ) ) << error;
+		EXPECT_STREQ( root.GetMemberString( "_class", "" ), "CParticleSystemDefinition" );
+
+		// Every key of the file is a member of the definition, or a document load drops it.
+		const CSchemaClassInfo *pDefinitionClass = ParticleTypeScope()->FindDeclaredClass( "CParticleSystemDefinition" );
+		ASSERT_NE( pDefinitionClass, nullptr );
+		for ( int i = 0; i < root.GetMemberCount(); ++i )
+		{
+			const std::string key = root.GetMemberName( i );
+			if ( key != "_class" )
+			{
+				EXPECT_NE( pDefinitionClass->FindField( key.c_str() ), nullptr ) << key;
+			}
+		}
+
+		CParticleSystemDefinition definition;
+		CUtlString errors;
+		EXPECT_TRUE( LoadKV3ObjectInPlace( &definition, &root, &errors ) );
+		EXPECT_STREQ( errors.Get(), "" );
+		const int nVersion = definition.m_nBehaviorVersion;
+		EXPECT_EQ( nVersion, root.GetMemberInt( "m_nBehaviorVersion", 0 ) );
+		if ( nVersion < pMgr->GetCurrentBehaviorVersion() )
+			++nOldFiles;
+		bHasChildren = bHasChildren || !definition.m_Children.empty();
+
+		// Each function's class is offered for its list and valid at the file's version,
+		// else opening the file would silently lose it.
+		for ( int nType = 0; nType < PARTICLE_FUNCTION_CLASS_LIST_COUNT; ++nType )
+		{
+			const KeyValues3 *pList = root.FindMember( CKV3MemberName( GetParticleFunctionListKey( nType ) ) );
+			for ( int i = 0; pList && i < pList->GetArrayElementCount(); ++i )
+			{
+				const char *pszClass = pList->GetArrayElement( i )->GetMemberString( "_class", "" );
+				bool bOffered = false;
+				for ( int c = 0; c < pMgr->GetFunctionCount( static_cast<ParticleFunctionType_t>( nType ) ); ++c )
+					bOffered = bOffered || strcmp( pMgr->GetFunctionClassName( static_cast<ParticleFunctionType_t>( nType ), c ), pszClass ) == 0;
+				EXPECT_TRUE( bOffered ) << pszClass << " in list " << nType;
+				const CSchemaClassInfo *pClass = ParticleTypeScope()->FindDeclaredClass( pszClass );
+				ASSERT_NE( pClass, nullptr ) << pszClass;
+				EXPECT_TRUE( IsValidAtVersion( pClass, nVersion ) ) << pszClass << " at version " << nVersion;
+			}
+		}
+		EXPECT_EQ( definition.m_PreEmissionOperators.size(), size_t( root.FindMember( "m_PreEmissionOperators" ) ? root.FindMember( "m_PreEmissionOperators" )->GetArrayElementCount() : 0 ) );
+		EXPECT_EQ( definition.m_Renderers.size(), size_t( root.FindMember( "m_Renderers" ) ? root.FindMember( "m_Renderers" )->GetArrayElementCount() : 0 ) );
+
+		// A delta save of the whole definition writes nothing that the file didn't have.
+		CKV3TransferSaveContext saveContext;
+		saveContext.SetSaveDeltaFromDefaults( true );
+		KeyValues3 saved;
+		EXPECT_TRUE( SaveKV3Object( definition, &saved, &errors, &saveContext ) );
+		for ( int i = 0; i < saved.GetMemberCount(); ++i )
+			EXPECT_NE( root.FindMember( CKV3MemberName( saved.GetMemberName( i ) ) ), nullptr ) << "saved a default: " << saved.GetMemberName( i );
+	}
+	EXPECT_EQ( nOldFiles, 1 ) << "one sample shows the upgrade bar";
+	EXPECT_TRUE( bHasChildren );
+}
+
+TEST( ParticleFunctionClasses, DefinitionRecordsHaveTheDefaultsANewRecordNeeds )
+{
+	RegisterParticleFunctionClasses();
+	ParticleControlPointConfiguration_t configuration;
+	EXPECT_EQ( configuration.m_previewState.m_groundType, ZOL_GROUND_GRID );
+	EXPECT_EQ( configuration.m_previewState.m_flPlaybackSpeed, 1.0f );
+	EXPECT_EQ( configuration.m_previewState.m_flParticleSimulationRate, 1.0f );
+	EXPECT_EQ( configuration.m_previewState.m_vecPreviewGravity.z, -800.0f );
+
+	// A driver names its control point by number unless a name is given.
+	KeyValues3 driverTable;
+	driverTable.SetToEmptyTable();
+	driverTable.SetMemberString( "m_iControlPoint", "5" );
+	driverTable.SetMemberString( "m_iAttachType", "PATTACH_POINT_FOLLOW" );
+	ParticleControlPointDriver_t driver;
+	EXPECT_EQ( driver.m_iAttachType, PATTACH_ABSORIGIN_FOLLOW );
+	EXPECT_EQ( driver.m_iControlPoint.GetType(), KV3_TYPE_INT );
+	CUtlString errors;
+	EXPECT_TRUE( LoadKV3ObjectInPlace( &driver, &driverTable, &errors ) );
+	EXPECT_STREQ( errors.Get(), "" );
+	EXPECT_EQ( driver.m_iAttachType, PATTACH_POINT_FOLLOW );
+	// "5" stays a name; it must not turn into control point 5.
+	EXPECT_TRUE( driver.m_iControlPoint.IsString() );
+	EXPECT_STREQ( driver.m_iControlPoint.GetString(), "5" );
+
+	ParticleNamedValueConfiguration_t namedValue;
+	EXPECT_EQ( namedValue.m_iAttachType, PATTACH_WORLDORIGIN );
+	EXPECT_STREQ( namedValue.m_strEntityScope.Get(), "self" );
+
+	// Lenient numbers: an int wider than the field is cut, and said so.
+	KeyValues3 previewTable;
+	previewTable.SetToEmptyTable();
+	previewTable.SetMemberDouble( "m_nFireParticleOnSequenceFrame", 12.0 );
+	previewTable.SetMemberInt( "m_groundType", 2 );
+	ParticlePreviewState_t preview;
+	EXPECT_TRUE( LoadKV3ObjectInPlace( &preview, &previewTable, &errors ) );
+	EXPECT_EQ( preview.m_nFireParticleOnSequenceFrame, 12 );
+	EXPECT_EQ( preview.m_groundType, ZOL_GROUND_PLANE );
 }

@@ -11,6 +11,12 @@ struct FriendlyNameCase_t
 	const char *m_pExpected;
 };
 
+// Names the case in test output instead of dumping its bytes.
+[[maybe_unused]] static void PrintTo( const FriendlyNameCase_t &testCase, std::ostream *pOut )
+{
+	*pOut << testCase.m_pCppName;
+}
+
 class FriendlyNameFromCppName : public testing::TestWithParam<FriendlyNameCase_t>
 {
 };

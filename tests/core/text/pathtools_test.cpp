@@ -10,6 +10,12 @@ struct PathsMatchCase_t
 	bool m_bMatch;
 };
 
+// Names the case in test output instead of dumping its bytes.
+[[maybe_unused]] static void PrintTo( const PathsMatchCase_t &testCase, std::ostream *pOut )
+{
+	*pOut << testing::PrintToString( testCase.m_pA ) << " vs " << testing::PrintToString( testCase.m_pB );
+}
+
 class PathsMatch : public testing::TestWithParam<PathsMatchCase_t>
 {
 };

@@ -54,6 +54,12 @@ struct AtoiCase_t
 	int m_nExpected;
 };
 
+// Names the case in test output instead of dumping its bytes.
+[[maybe_unused]] static void PrintTo( const AtoiCase_t &testCase, std::ostream *pOut )
+{
+	*pOut << testing::PrintToString( testCase.m_pText );
+}
+
 class AtoiReads : public testing::TestWithParam<AtoiCase_t>
 {
 };

@@ -27,6 +27,12 @@ struct FgdErrorCase_t
 	const char *m_pszMessage;
 };
 
+// Names the case in test output instead of dumping its bytes.
+[[maybe_unused]] void PrintTo( const FgdErrorCase_t &testCase, std::ostream *pOut )
+{
+	*pOut << testCase.m_pszName;
+}
+
 class FgdReaderErrors : public testing::TestWithParam<FgdErrorCase_t>
 {
 };

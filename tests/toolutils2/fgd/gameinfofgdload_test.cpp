@@ -77,6 +77,12 @@ struct BadGameInfoCase_t
 	const char *m_pszReport;
 };
 
+// Names the case in test output instead of dumping its bytes.
+[[maybe_unused]] void PrintTo( const BadGameInfoCase_t &testCase, std::ostream *pOut )
+{
+	*pOut << testCase.m_pszName;
+}
+
 class GameInfoFgdLoadBadFile : public GameInfoFgdLoad, public testing::WithParamInterface<BadGameInfoCase_t>
 {
 };

@@ -151,6 +151,12 @@ struct FloatArrayCase_t
 	int m_nCount;
 };
 
+// Names the case in test output instead of dumping its bytes.
+[[maybe_unused]] void PrintTo( const FloatArrayCase_t &testCase, std::ostream *pOut )
+{
+	*pOut << testCase.m_pszField;
+}
+
 class ZolFgdFromSchemaFloatArray : public ZolFgdFromSchema, public testing::WithParamInterface<FloatArrayCase_t>
 {
 };

@@ -152,6 +152,11 @@ struct BadMapKey_t
 	const char *m_pszMap;
 	const char *m_pszKey;
 };
+// Names the case in test output instead of dumping its bytes.
+[[maybe_unused]] void PrintTo( const BadMapKey_t &testCase, std::ostream *pOut )
+{
+	*pOut << testCase.m_pszCase;
+}
 class ToolAttrMapBadKey : public ToolAttrMap, public ::testing::WithParamInterface<BadMapKey_t>
 {
 };

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "core/kv3/keyvalues3.h"
+#include "tools/toolutils2/fgd/entitysubclasshost.h"
 #include "tools/toolutils2/fgd/fgdvalue.h"
 #include "tools/toolutils2/fgd/gamedata.h"
 #include "tools/toolutils2/toolattr/toolattrhost.h"
@@ -36,6 +37,8 @@ void ImprintValue( KeyValues3 *pValue, const CGameDataVariable &var, int nDepth 
 	{
 		if ( !pValue->IsTable() )
 			pValue->SetToEmptyTable();
+		if ( eType == GDTYPE_STRUCT && pClass->GetMetaBool( "IsEmbeddedSubClass" ) )
+			pValue->SetSubType( KV3_SUBTYPE_TABLE_EMBEDDED_SUBCLASS );
 		ImprintFGDClassOnKV3( pValue, pClass );
 		return;
 	}
@@ -96,7 +99,11 @@ const CGameDataClass *ResolveFGDClass( const CGameDataClass *pClass, const KeyVa
 	const KeyValues3 *pName = pTable->FindMember( pszKey );
 	if ( !pName || !pName->IsString() )
 		return pClass;
-	const CGameDataClass *pReal = pClass->m_pGameData->FindClass( pName->GetString() );
+	const char *pszClassName = pName->GetString();
+	// A linked selector stores an entity subclass name, which only the host can map to a class.
+	if ( pSelector && pSelector->GetMetadataBool( "LinkedEntityClass" ) )
+		pszClassName = LookupEntitySubclassClassName( pszClassName );
+	const CGameDataClass *pReal = pszClassName ? pClass->m_pGameData->FindClass( pszClassName ) : nullptr;
 	return pReal ? pReal : pClass;
 }
 
@@ -157,22 +164,31 @@ void ImprintFGDClassOnKV3( KeyValues3 *pTable, const CGameDataClass *pClass )
 		pTable->SetToEmptyTable();
 	const CGameDataClass *pReal = ResolveFGDClass( pClass, pTable );
 	bool bPolymorphic = pClass->IsPolymorphic() || pReal->IsPolymorphic();
-	if ( pClass->GetSelectorVariable() || bPolymorphic )
+	const CGameDataVariable *pSelector = pClass->GetSelectorVariable();
+	// The host's class behind a linked selector doesn't derive from the declared class, so
+	// the table keeps the declared members too, the picked subclass name among them.
+	bool bLinked = pSelector && pSelector->GetMetadataBool( "LinkedEntityClass" );
+	if ( pSelector || bPolymorphic )
 	{
 		if ( !pTable->HasMember( "_class" ) && !pReal->FindVariable( "_class" ) )
 			pTable->SetMemberString( "_class", pReal->GetName() );
 	}
-	if ( !bPolymorphic && !pReal->FindVariable( "_class" ) )
+	if ( !bPolymorphic && !bLinked && !pReal->FindVariable( "_class" ) )
 		pTable->RemoveMember( "_class" );
 
-	for ( const CGameDataVariable *pVar : pReal->m_Variables )
-	{
-		bool bCreated = false;
-		KeyValues3 *pValue = pTable->FindOrCreateMember( pVar->m_Name.Get(), &bCreated );
-		if ( bCreated )
-			pValue->CopyFrom( pVar->m_DefaultKV3 );
-		ImprintValue( pValue, *pVar, 0 );
-	}
+	auto imprintVariables = [ pTable ]( const CGameDataClass *pFrom ) {
+		for ( const CGameDataVariable *pVar : pFrom->m_Variables )
+		{
+			bool bCreated = false;
+			KeyValues3 *pValue = pTable->FindOrCreateMember( pVar->m_Name.Get(), &bCreated );
+			if ( bCreated )
+				pValue->CopyFrom( pVar->m_DefaultKV3 );
+			ImprintValue( pValue, *pVar, 0 );
+		}
+	};
+	if ( bLinked && pReal != pClass )
+		imprintVariables( pClass );
+	imprintVariables( pReal );
 }
 
 void StripUnknownKeys( KeyValues3 *pTree, const CGameData *pGameData )

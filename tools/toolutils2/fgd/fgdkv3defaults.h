@@ -10,6 +10,8 @@ class CGameDataVariable;
 
 // The class a table really is: the one its selector variable (or, for a polymorphic
 // class, its "_class" key) names; the given class when the name is missing or unknown.
+// A selector with "LinkedEntityClass" holds an entity subclass name that the host maps to
+// the class name first.
 const CGameDataClass *ResolveFGDClass( const CGameDataClass *pClass, const KeyValues3 *pTable );
 
 // Whether a stored value equals the variable's default at nDepth of its type, by the

@@ -921,7 +921,7 @@ bool CFgdFileParser::ParseVariable( CGameDataClass *pClass, const FgdToken_t &na
 		case GDDEFAULT_NONE: break;
 		}
 	}
-	WriteFGDValue( &pVar->m_DefaultKV3, pVar->m_FullType, 0, bHasDefault ? defaultText.Get() : "" );
+	WriteFGDValue( &pVar->m_DefaultKV3, *pVar, 0, bHasDefault ? defaultText.Get() : "" );
 
 	bool bItemSetFromProvider = pVar->HasMetadata( "choice_name" ) || pVar->HasMetadata( "suggestion_name" );
 	if ( m_Tokens.Peek().Is( '=' ) )

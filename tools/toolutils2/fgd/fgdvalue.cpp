@@ -164,6 +164,17 @@ void WriteFGDValue( KeyValues3 *pOut, const GameDataFullType_t &type, int nDepth
 	WriteFGDValue( pOut, type.GetTypeAtDepth( nDepth ), pszText );
 }
 
+void WriteFGDValue( KeyValues3 *pOut, const CGameDataVariable &var, int nDepth, const char *pszText )
+{
+	GameDataType_t eType = var.GetTypeAtDepth( nDepth );
+	WriteFGDValue( pOut, eType, pszText );
+	if ( eType != GDTYPE_STRUCT )
+		return;
+	const CGameDataClass *pClass = var.GetStructClass();
+	if ( pClass && pClass->GetMetaBool( "IsEmbeddedSubClass" ) )
+		pOut->SetSubType( KV3_SUBTYPE_TABLE_EMBEDDED_SUBCLASS );
+}
+
 uint32_t ReadFGDColor( const KeyValues3 &value )
 {
 	KeyValues3 parsed;

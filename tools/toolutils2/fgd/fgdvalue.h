@@ -14,6 +14,9 @@ class CGameDataVariable;
 // the type's empty value (zero vector, 0, false, "", empty array or table).
 void WriteFGDValue( KeyValues3 *pOut, const GameDataFullType_t &type, int nDepth, const char *pszText );
 void WriteFGDValue( KeyValues3 *pOut, GameDataType_t eType, const char *pszText );
+// As above for a variable's type, which also knows the struct class: the table of an
+// embedded subclass is tagged as one.
+void WriteFGDValue( KeyValues3 *pOut, const CGameDataVariable &var, int nDepth, const char *pszText );
 
 // The text of a value as a read shows it, by the variable type.
 void FormatFGDValue( const KeyValues3 &value, GameDataType_t eType, CUtlString *pOut );

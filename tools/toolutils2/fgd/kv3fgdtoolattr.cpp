@@ -73,7 +73,7 @@ CKV3FGDToolAttr::CKV3FGDToolAttr( IKV3FGDTargetResolver *pResolver, const char *
 		if ( nDepth == 0 )
 			m_Default.CopyFrom( m_pVar->m_DefaultKV3 );
 		else
-			WriteFGDValue( &m_Default, m_pVar->m_FullType, nDepth, "" );
+			WriteFGDValue( &m_Default, *m_pVar, nDepth, "" );
 		if ( m_pVar->HasMetadata( "min" ) && m_pVar->HasMetadata( "max" ) )
 		{
 			m_bHasRange = true;
@@ -220,6 +220,13 @@ KeyValues3 *CKV3FGDToolAttr::ResolveForWrite( HToolAttrTableInstance handle, int
 	}
 	if ( pValue && pValue->IsString() && m_Default.IsString() && m_Default.GetSubType() != KV3_SUBTYPE_UNSPECIFIED )
 		pValue->SetSubType( m_Default.GetSubType() );
+	// The table of an embedded subclass keeps its tag whatever was stored before.
+	if ( pValue && m_Default.IsTable() && m_Default.GetSubType() == KV3_SUBTYPE_TABLE_EMBEDDED_SUBCLASS )
+	{
+		if ( !pValue->IsTable() )
+			pValue->SetToEmptyTable();
+		pValue->SetSubType( KV3_SUBTYPE_TABLE_EMBEDDED_SUBCLASS );
+	}
 	return pValue;
 }
 
@@ -238,7 +245,7 @@ void CKV3FGDToolAttr::EndWrite( HToolAttrTableInstance handle, int nFlags )
 void CKV3FGDToolAttr::WriteText( KeyValues3 *pValue, const char *pszText, int nDepth ) const
 {
 	if ( m_pVar )
-		WriteFGDValue( pValue, m_pVar->m_FullType, nDepth, pszText );
+		WriteFGDValue( pValue, *m_pVar, nDepth, pszText );
 	else
 		WriteFGDValue( pValue, nDepth == m_nDepth ? GetOwnType() : GDTYPE_STRING, pszText );
 }

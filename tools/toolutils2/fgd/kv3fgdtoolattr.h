@@ -82,6 +82,7 @@ public:
 	void SetOverride( HToolAttrTableInstance handle, bool bOverride ) override;
 	bool IsAtDefault( HToolAttrTableInstance handle, bool *pHasDefault ) const override;
 	bool ResetToDefault( HToolAttrTableInstance handle ) override;
+	// A key's default belongs to its class description, which saving also strips against; a captured one would change what removed keys read back as.
 	bool CaptureAsDefault( HToolAttrTableInstance ) override { return false; }
 	bool ApplyCapturedDefault( HToolAttrTableInstance, HToolAttrTableInstance ) override { return false; }
 	void GetCustomCommands( HToolAttrTableInstance handle, CUtlVector<ToolAttrCustomCommand_t> *pCommands ) const override;

@@ -10,6 +10,8 @@
 #include "core/schema/schemaenuminfo.h"
 #include "core/schema/schematype.h"
 #include "core/text/friendlyname.h"
+#include "tools/toolutils2/fgd/entitysubclasshost.h"
+#include "tools/toolutils2/fgd/fgdvalue.h"
 #include "tools/toolutils2/fgd/gamedata.h"
 #include "tools/toolutils2/fgd/gamedataclass.h"
 #include "tools/toolutils2/fgd/gamedatavariable.h"
@@ -179,6 +181,16 @@ void CopyProvider( CGameDataVariable *pVar, const CSchemaClassField &field, cons
 		pVar->m_KV3Metadata.SetMemberString( pszFgdKey, generated.Get() );
 	}
 }
+
+CUtlString EmbeddedSubClassName( const char *pszElementType, int nScope )
+{
+	CUtlString name;
+	if ( pszElementType && *pszElementType )
+		name.Format( "EmbeddedSubClass_%s", pszElementType );
+	else
+		name.Format( "EmbeddedSubClass_Scope_%d", nScope );
+	return name;
+}
 } // namespace
 
 CZolFgdFromSchema::CZolFgdFromSchema( CGameData *pGameData, const char *pszHelpContext )
@@ -203,11 +215,7 @@ CGameDataClass *CZolFgdFromSchema::FindOrConvertClass( const CSchemaClassInfo *p
 
 CGameDataClass *CZolFgdFromSchema::FindOrMakeEmbeddedSubClass( const char *pszElementType, int nScope, const CUtlVector<CUtlString> &subclassNames )
 {
-	CUtlString name;
-	if ( pszElementType && *pszElementType )
-		name.Format( "EmbeddedSubClass_%s", pszElementType );
-	else
-		name.Format( "EmbeddedSubClass_Scope_%d", nScope );
+	CUtlString name = EmbeddedSubClassName( pszElementType, nScope );
 	if ( CGameDataClass *pKnown = m_pGameData->FindClass( name ) )
 		return pKnown;
 
@@ -455,6 +463,22 @@ bool CZolFgdFromSchema::ConvertTypeAtDepth( CGameDataVariable *pVar, const CSche
 			meta.SetMemberBool( "mapkeys_is_suggestion", true );
 		return ConvertTypeAtDepth( pVar, field, pType->GetElementType(), pOutType, nDepth + 1 );
 	}
+	case SCHEMA_ATOMIC_TYPED_DATA_REF:
+	{
+		// Edited as a table of the generated class whose selector offers the host's subclasses;
+		// the host is asked once per family.
+		const char *pszElementType = pType->GetTypedDataElementType();
+		CGameDataClass *pEmbedded = m_pGameData->FindClass( EmbeddedSubClassName( pszElementType, pType->GetTypedDataScope() ) );
+		if ( !pEmbedded )
+		{
+			CUtlVector<CUtlString> subclassNames;
+			ListEntitySubclasses( pszElementType, pType->GetTypedDataScope(), &subclassNames );
+			pEmbedded = FindOrMakeEmbeddedSubClass( pszElementType, pType->GetTypedDataScope(), subclassNames );
+		}
+		SetTypeAtDepth( pOutType, nDepth, GDTYPE_STRUCT );
+		pOutType->m_Param = pEmbedded->m_Name;
+		return true;
+	}
 	case SCHEMA_ATOMIC_NONE:
 		break;
 	}
@@ -509,6 +533,14 @@ CGameDataVariable *CZolFgdFromSchema::ConvertField( CGameDataClass *pClass, cons
 		pVar->m_DefaultKV3.CopyFrom( *pDefault );
 	else if ( const KeyValues3 *pByTransferName = pDefaults->FindMember( pszName ) )
 		pVar->m_DefaultKV3.CopyFrom( *pByTransferName );
+	// An embedded subclass has no default of its own but must stay a tagged table.
+	if ( const CGameDataClass *pStruct = pVar->GetStructClass();
+		 pVar->GetType() == GDTYPE_STRUCT && pStruct && pStruct->GetMetaBool( "IsEmbeddedSubClass" ) )
+	{
+		if ( !pVar->m_DefaultKV3.IsTable() )
+			WriteFGDValue( &pVar->m_DefaultKV3, *pVar, 0, "" );
+		pVar->m_DefaultKV3.SetSubType( KV3_SUBTYPE_TABLE_EMBEDDED_SUBCLASS );
+	}
 
 	CopyProvider( pVar, field, "MPropertyAttributeChoiceName", "MPropertyLeafChoiceProviderFn", "choice_name" );
 	if ( !meta.HasMember( "choice_name" ) )
