@@ -17,6 +17,7 @@
 #include "zoldoc_lib/zoldoc.h"
 #include "zoldoc_lib/zolfileio.h"
 #include "zoldoc_lib/zolfunctioncatalogue.h"
+#include "zoldoc_lib/zolnode.h"
 #include "zoldoc_lib/zolrootnode.h"
 
 namespace
@@ -139,6 +140,28 @@ void ReadConfigurations( KeyValues3 *pTree, CUtlString *pWarnings )
 	pWarnings->Append( context.GetErrorText() );
 }
 
+// Members in the order their class declares them, the rest after: a node that keeps some
+// members aside writes the same text however it was made.
+void OrderLikeClass( KeyValues3 *pTable, const char *pClassName )
+{
+	const CGameDataClass *pClass = FindParticleGameDataClass( pClassName );
+	if ( !pClass || !pTable->IsTable() )
+		return;
+	KeyValues3 ordered;
+	ordered.SetToEmptyTable();
+	for ( const CGameDataVariable *pVar : pClass->m_Variables )
+	{
+		if ( KeyValues3 *pValue = pTable->FindMember( pVar->m_Name.Get() ) )
+			*ordered.FindOrCreateMember( pVar->m_Name.Get() ) = static_cast<KeyValues3 &&>( *pValue );
+	}
+	for ( int i = 0; i < pTable->GetMemberCount(); ++i )
+	{
+		if ( !ordered.HasMember( pTable->GetMemberName( i ) ) )
+			*ordered.FindOrCreateMember( pTable->GetMemberNameEx( i ) ) = static_cast<KeyValues3 &&>( *pTable->GetMember( i ) );
+	}
+	*pTable = static_cast<KeyValues3 &&>( ordered );
+}
+
 void RemoveDefaults( KeyValues3 *pTable, const char *pClassName )
 {
 	if ( const CGameDataClass *pClass = FindParticleGameDataClass( pClassName ) )
@@ -189,8 +212,9 @@ bool CZolDoc::BuildSaveTree( KeyValues3 *pOut ) const
 {
 	if ( !m_pRoot )
 		return false;
+	const CZolRootNode *pRoot = m_pRoot;
 	KeyValues3 definition;
-	m_pRoot->SaveRootToKV3( &definition );
+	pRoot->SaveRootToKV3( &definition );
 
 	// The root's own members, less those at their default.
 	KeyValues3 baseProperties;
@@ -222,6 +246,8 @@ bool CZolDoc::BuildSaveTree( KeyValues3 *pOut ) const
 			CUtlString className( element.GetMemberString( "_class", "" ) );
 			if ( nType < PARTICLE_FUNCTION_CLASS_LIST_COUNT )
 				RemoveDefaults( &element, className.Get() );
+			else
+				OrderLikeClass( &element, pRoot->GetNode( ParticleFunctionType_t( nType ), i )->GetClassName() );
 			CopyWithClassFirst( pOutList->ArrayAddToTail(), element, className.Get() );
 		}
 	}
