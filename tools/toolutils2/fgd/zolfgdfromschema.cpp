@@ -76,13 +76,50 @@ const char *MetadataText( const SchemaMetadataEntry_t *pEntry )
 }
 
 // Metadata text in KV3 form, merged into a table. Bad text leaves the table as it was.
+// Metadata texts in code quote their strings with single quotes, so that they sit in C++
+// string literals unescaped; KV3 text wants double quotes.
+CUtlString DoubleQuoteMetadataStrings( const char *pszText )
+{
+	CUtlString result;
+	char cOpenQuote = 0;
+	for ( const char *p = pszText; *p; ++p )
+	{
+		char c = *p;
+		if ( cOpenQuote != 0 && c == '\\' && p[ 1 ] )
+		{
+			// An escape stays as written, with the character it escapes.
+			result.Append( p, 2 );
+			++p;
+			continue;
+		}
+		if ( cOpenQuote == 0 && ( c == '\'' || c == '"' ) )
+		{
+			cOpenQuote = c;
+			c = '"';
+		}
+		else if ( c == cOpenQuote )
+		{
+			cOpenQuote = 0;
+			c = '"';
+		}
+		else if ( cOpenQuote == '\'' && c == '"' )
+		{
+			result.Append( "\\\"" );
+			continue;
+		}
+		result.Append( &c, 1 );
+	}
+	return result;
+}
+
 void MergeCustomFgdMetadata( KeyValues3 *pTable, const char *pszText, bool bOverwrite )
 {
 	if ( !pszText || !*pszText )
 		return;
 	KeyValues3 parsed;
 	CUtlString error;
-	if ( !LoadKV3FromText( &parsed, &error, pszText, strlen( pszText ), KV3_FORMAT_GENERIC, KV3_LOAD_FRAGMENT ) || !parsed.IsTable() )
+	CUtlString text = DoubleQuoteMetadataStrings( pszText );
+	if ( !LoadKV3FromText( &parsed, &error, text.Get(), text.Length(), KV3_FORMAT_GENERIC, KV3_LOAD_FRAGMENT ) || !parsed.IsTable() )
 		return;
 	for ( int i = 0; i < parsed.GetMemberCount(); ++i )
 	{

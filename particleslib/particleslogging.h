@@ -1,0 +1,6 @@
+#pragma once
+// The "Particles" logging channel, registered on first use.
+
+#include "core/logging/logging.h"
+
+LoggingChannelID_t ParticlesLogChannel();
