@@ -10,6 +10,7 @@
 #include "core/particles/particlefunctionclasses.h"
 #include "core/schema/schemasystemtypescope.h"
 #include "core/text/utlstring.h"
+#include "particleslib/particleinputclasses.h"
 #include "tools/toolutils2/fgd/gamedata.h"
 #include "tools/toolutils2/toolattr/toolattrhost.h"
 #include "zoldoc_lib/zolchoiceproviders.h"
@@ -30,7 +31,6 @@ std::atomic<ParticleGameData_t *> s_pGameData{ nullptr };
 // end of the process: a caller may still hold a class of one.
 std::vector<std::unique_ptr<ParticleGameData_t>> s_Tables;
 CUtlString s_GameRoot;
-ParticleDefaultTestRegistrar_t s_fnRegisterDefaultTests = nullptr;
 
 void AddSchemaClass( CParticleFgdFromSchema *pConverter, const char *pName )
 {
@@ -40,6 +40,8 @@ void AddSchemaClass( CParticleFgdFromSchema *pConverter, const char *pName )
 
 ParticleGameData_t *BuildGameData()
 {
+	// Input fields of the functions are typed by the input classes, which must exist first.
+	RegisterParticleInputClasses();
 	ParticleGameData_t *pData = new ParticleGameData_t;
 	CParticleFgdFromSchema converter( &pData->m_Table );
 	for ( const char *pName : { "CParticleSystemDefinition", "ParticleChildrenInfo_t", "ParticleNamedValueSource_t" } )
@@ -62,10 +64,10 @@ ParticleGameData_t *BuildGameData()
 		Log_Warning( LOG_ZOL, "%s", report.Get() );
 	AddParticleDomainClasses( &pData->m_Table, domains, &pData->m_DomainClasses );
 
-	// The choice lists that class fields name; the first registration of a name stands.
+	// The choice lists that class fields name, and the comparisons that tell whether an
+	// input stands at its default; the first registration of a name stands.
 	RegisterParticleChoiceProviders( ToolAttrHost() );
-	if ( s_fnRegisterDefaultTests )
-		s_fnRegisterDefaultTests();
+	RegisterParticleInputDefaultTests( ToolAttrHost() );
 	return pData;
 }
 
@@ -110,10 +112,4 @@ void ResetParticleGameData()
 {
 	std::lock_guard<std::mutex> lock( s_BuildMutex );
 	s_pGameData.store( nullptr );
-}
-
-void SetParticleDefaultTestRegistrar( ParticleDefaultTestRegistrar_t fnRegister )
-{
-	std::lock_guard<std::mutex> lock( s_BuildMutex );
-	s_fnRegisterDefaultTests = fnRegister;
 }

@@ -22,11 +22,6 @@ const CUtlVector<const CGameDataClass *> &GetParticleDomainClasses();
 // first use; without one the table has no domains.
 void SetParticleGameRoot( const char *pGameRoot );
 // Throws the table away, so that the next use builds it from the manager connected then.
-// For hosts that connect another manager; no node may be alive.
+// For hosts that connect another manager; classes of earlier tables stay valid.
 void ResetParticleGameData();
 
-// The four comparisons of particle inputs that the remove-at-default step calls by name.
-// The catalogue registers whatever is set here when it builds the table; the particle
-// input library sets them at load.
-using ParticleDefaultTestRegistrar_t = void ( * )();
-void SetParticleDefaultTestRegistrar( ParticleDefaultTestRegistrar_t fnRegister );

@@ -35,6 +35,10 @@ void ImprintValue( KeyValues3 *pValue, const CGameDataVariable &var, int nDepth 
 	}
 	if ( const CGameDataClass *pClass = StructClassAt( var, nDepth ) )
 	{
+		// Classes that keep their own KV3 forms (an input written as a bare number) are
+		// left as they stand: turning the value into a table would lose it.
+		if ( pClass->GetMetaBool( "SkipImprintFGDClassOnKV3" ) )
+			return;
 		if ( !pValue->IsTable() )
 			pValue->SetToEmptyTable();
 		if ( eType == GDTYPE_STRUCT && pClass->GetMetaBool( "IsEmbeddedSubClass" ) )
