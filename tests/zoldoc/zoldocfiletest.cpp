@@ -332,3 +332,19 @@ m_Emitters = [ { _class = "C_OP_ContinuousEmitter" m_flEmitRate = 40.0 } ])" ) )
 	else
 		EXPECT_DOUBLE_EQ( pRate->GetDouble(), 40.0 );
 }
+
+TEST_F( ZolCatalogueFixture, InputEqualToItsDefaultInAnotherFormIsLeftOutOfTheFile )
+{
+	// The emitter's rate defaults to the literal 100; a bare 100 is the same input.
+	std::string path = WriteFile( "inputdefault.tfxs", MakeDefinitionText( R"(_class = "CParticleSystemDefinition"
+m_nBehaviorVersion = 5
+m_Emitters = [ { _class = "C_OP_ContinuousEmitter" m_flEmitRate = 100 }, { _class = "C_OP_ContinuousEmitter" m_flEmitRate = 25 } ])" ) );
+	CUtlString error;
+	ASSERT_TRUE( m_Doc.LoadFromFile( path.c_str(), "", &error ) ) << error.Get();
+
+	KeyValues3 tree = ParseText( SaveText( m_Doc ) );
+	const KeyValues3 *pEmitters = tree.FindMember( "m_Emitters" );
+	ASSERT_EQ( pEmitters->GetArrayElementCount(), 2 );
+	EXPECT_FALSE( pEmitters->GetArrayElement( 0 )->HasMember( "m_flEmitRate" ) );
+	EXPECT_TRUE( pEmitters->GetArrayElement( 1 )->HasMember( "m_flEmitRate" ) );
+}
