@@ -1,0 +1,85 @@
+// Emitters: how many particles are born in a step.
+
+#include <cmath>
+
+#include "core/particles/sim/particlecollection.h"
+#include "core/particles/sim/particlefunctionreader.h"
+#include "core/particles/sim/particlesimfunctionlist.h"
+
+namespace
+{
+class CContinuousEmitter final : public CParticleSimFunction
+{
+public:
+	void Read( CParticleFunctionReader &reader ) override
+	{
+		m_EmitRate = CSimFloatInput( 100.0f );
+		reader.FloatInput( "m_flEmitRate", &m_EmitRate, false );
+		m_flStartTime = reader.Float( "m_flStartTime", 0.0f );
+		m_EmissionDuration = CSimFloatInput( 0.0f );
+		reader.FloatInput( "m_flEmissionDuration", &m_EmissionDuration, false );
+	}
+
+	int Emit( CParticleCollection &collection, ParticleEmitterState_t &state, float flTime, float flDt ) const override
+	{
+		float flDuration = m_EmissionDuration.EvaluateCollection( collection );
+		float flWindowStart = std::max( flTime - flDt, m_flStartTime );
+		float flWindowEnd = flDuration > 0.0f ? std::min( flTime, m_flStartTime + flDuration ) : flTime;
+		if ( flWindowEnd <= flWindowStart )
+			return 0;
+		float flRate = std::max( 0.0f, m_EmitRate.EvaluateCollection( collection ) );
+		state.m_flAccumulated += double( flRate ) * double( flWindowEnd - flWindowStart );
+		double flWhole = std::floor( state.m_flAccumulated );
+		state.m_flAccumulated -= flWhole;
+		return int( flWhole );
+	}
+
+	bool IsEmissionFinished( const ParticleEmitterState_t &, float flTime ) const override
+	{
+		// A literal duration is known ahead; anything else runs until stopped.
+		return m_EmissionDuration.IsConstant() && m_EmissionDuration.m_flLiteralValue > 0.0f && flTime >= m_flStartTime + m_EmissionDuration.m_flLiteralValue;
+	}
+
+private:
+	CSimFloatInput m_EmitRate;
+	CSimFloatInput m_EmissionDuration;
+	float m_flStartTime = 0.0f;
+};
+
+class CInstantaneousEmitter final : public CParticleSimFunction
+{
+public:
+	void Read( CParticleFunctionReader &reader ) override
+	{
+		m_ParticlesToEmit = CSimFloatInput( 100.0f );
+		reader.FloatInput( "m_nParticlesToEmit", &m_ParticlesToEmit, false );
+		m_StartTime = CSimFloatInput( 0.0f );
+		reader.FloatInput( "m_flStartTime", &m_StartTime, false );
+	}
+
+	int Emit( CParticleCollection &collection, ParticleEmitterState_t &state, float flTime, float ) const override
+	{
+		if ( state.m_bEmittedOnce || flTime < m_StartTime.EvaluateCollection( collection ) )
+			return 0;
+		state.m_bEmittedOnce = true;
+		return std::max( 0, int( std::lround( m_ParticlesToEmit.EvaluateCollection( collection ) ) ) );
+	}
+
+	bool IsEmissionFinished( const ParticleEmitterState_t &state, float ) const override { return state.m_bEmittedOnce; }
+
+private:
+	CSimFloatInput m_ParticlesToEmit;
+	CSimFloatInput m_StartTime;
+};
+
+const ParticleSimFunctionEntry_t s_Emitters[] = {
+	{ "C_OP_ContinuousEmitter", CreateParticleSimFunction<CContinuousEmitter> },
+	{ "C_OP_InstantaneousEmitter", CreateParticleSimFunction<CInstantaneousEmitter> },
+};
+} // namespace
+
+const ParticleSimFunctionEntry_t *GetParticleEmitterFunctions( int *pCount )
+{
+	*pCount = int( sizeof( s_Emitters ) / sizeof( s_Emitters[ 0 ] ) );
+	return s_Emitters;
+}
