@@ -1,5 +1,6 @@
 // Emitters: how many particles are born in a step.
 
+#include <algorithm>
 #include <cmath>
 
 #include "core/particles/sim/particlecollection.h"
@@ -29,8 +30,9 @@ public:
 			return 0;
 		float flRate = std::max( 0.0f, m_EmitRate.EvaluateCollection( collection ) );
 		state.m_flAccumulated += double( flRate ) * double( flWindowEnd - flWindowStart );
-		double flWhole = std::floor( state.m_flAccumulated );
-		state.m_flAccumulated -= flWhole;
+		// A hair of slack, so that a rate of one per frame isn't lost to float rounding.
+		double flWhole = std::floor( state.m_flAccumulated + 1e-4 );
+		state.m_flAccumulated = std::max( 0.0, state.m_flAccumulated - flWhole );
 		return int( flWhole );
 	}
 
