@@ -15,7 +15,7 @@ for f in "${samples[@]}"; do
   [ "$lines" -eq 6 ] || fail "expected one line per second for $f, got $lines: $out"
   # Particles appear (counting children, for a system made only of children).
   peak=$(echo "$out" | sed -n 's/^summary: .*, with children \([0-9]*\), .*/\1/p')
-  [ "${peak:-0}" -gt 0 ] || fail "no particles ever appeared in $f: $out""
+  [ "${peak:-0}" -gt 0 ] || fail "no particles ever appeared in $f: $out"
   echo "$out" | grep -q '^summary: 6.00 s at 60 fps' || fail "no summary for $f: $out"
 done
 

@@ -44,9 +44,9 @@ public:
 			for ( int i = 0; i < nCount; ++i )
 			{
 				float x = pX[ i ] * s + flTime, y = pY[ i ] * s, z = pZ[ i ] * s;
-				pFX[ i ] += ParticleGradientNoise( x, y, z ) * a.x * 100.0f;
-				pFY[ i ] += ParticleGradientNoise( x + 19.1f, y - 7.3f, z + 3.7f ) * a.y * 100.0f;
-				pFZ[ i ] += ParticleGradientNoise( x - 5.9f, y + 13.3f, z - 17.1f ) * a.z * 100.0f;
+				pFX[ i ] += ParticleGradientNoise( x, y, z ) * a.x;
+				pFY[ i ] += ParticleGradientNoise( x + 19.1f, y - 7.3f, z + 3.7f ) * a.y;
+				pFZ[ i ] += ParticleGradientNoise( x - 5.9f, y + 13.3f, z - 17.1f ) * a.z;
 			}
 		}
 	}
