@@ -1,13 +1,4 @@
 #pragma once
-// The host's record of one asset file. The document only reads the path; the asset
-// system and the rest of the record belong to the host services.
+// The host's record of one asset; the document only reads its path.
 
-class IAsset
-{
-public:
-	// The content path of the asset's file.
-	virtual const char *GetPath() const = 0;
-
-protected:
-	~IAsset() = default;
-};
+#include "core/host/iasset.h"

@@ -218,10 +218,33 @@ concept KV3CustomMemberDefaultTest = requires( const C &object, const char *pszM
 	{ object.KV3IsMemberAtDefault( pszMember, object ) } -> std::same_as<int>;
 };
 
+// A class may read forms other than its table itself (a bare number standing for a whole
+// object) by defining
+//	static bool KV3PreLoad( C &object, const KeyValues3 *pValue, CKV3TransferLoadContext *pContext );
+// which answers true when it has taken the value, so that no member is read.
+template <typename C>
+concept KV3PreLoadHook = requires( C &object, const KeyValues3 *pValue, CKV3TransferLoadContext *pContext ) {
+	{ C::KV3PreLoad( object, pValue, pContext ) } -> std::same_as<bool>;
+};
+
+// A class may restore its own rules (order, derived values) after its members are read by
+// defining
+//	static void KV3PostLoad( C &object, const KeyValues3 *pTable, CKV3TransferLoadContext *pContext );
+// pTable is the table that was read, or null when the value was no table.
+template <typename C>
+concept KV3PostLoadHook = requires( C &object, const KeyValues3 *pTable, CKV3TransferLoadContext *pContext ) {
+	{ C::KV3PostLoad( object, pTable, pContext ) };
+};
+
 template <SchemaDeclaredClass C> struct KV3Transfer_t<C>
 {
 	static void Load( C &object, const KeyValues3 *pValue, CKV3TransferLoadContext *pContext )
 	{
+		if constexpr ( KV3PreLoadHook<C> )
+		{
+			if ( C::KV3PreLoad( object, pValue, pContext ) )
+				return;
+		}
 		const KeyValues3 *pTable = nullptr;
 		if ( pValue && pValue->IsTable() )
 			pTable = pValue;
@@ -238,6 +261,8 @@ template <SchemaDeclaredClass C> struct KV3Transfer_t<C>
 		{
 			FieldLoader_t loader{ &object, pTable, pContext };
 			SchemaVisitAllFields<C>( loader );
+			if constexpr ( KV3PostLoadHook<C> )
+				C::KV3PostLoad( object, pTable, pContext );
 		}
 		pContext->LeaveValue();
 	}

@@ -20,6 +20,12 @@ public:
 	// The schema binding of the class (in the "particles" scope); usually its own name.
 	virtual const char *GetFunctionSchemaClass( ParticleFunctionType_t eType, int nIndex ) const = 0;
 	virtual int GetCurrentBehaviorVersion() const = 0;
+	// What moving a definition up to nVersion changes. Managers without a history answer "".
+	virtual const char *GetBehaviorVersionChange( int nVersion ) const
+	{
+		(void)nVersion;
+		return "";
+	}
 	virtual const char *GetParticleAttributeName( int nAttribute ) const = 0;
 	virtual void GetFunctionInfo( const KeyValues3 *pFunction, ParticleFunctionInfo_t *pInfo ) const = 0;
 

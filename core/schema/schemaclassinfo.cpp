@@ -136,3 +136,9 @@ CSchemaClassField &CSchemaClassInfo::AddField( const char *pszName, const CSchem
 	field.m_nOffset = nOffset;
 	return field;
 }
+
+const CSchemaType *CSchemaClassField::GetNamedClassType() const
+{
+	const CSchemaClassInfo *pClass = m_pNamedClassScope ? m_pNamedClassScope->FindDeclaredClass( m_pszNamedClass ) : nullptr;
+	return pClass ? m_pNamedClassScope->GetClassType( pClass ) : m_pType;
+}

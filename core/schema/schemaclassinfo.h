@@ -26,7 +26,11 @@ class CSchemaClassField
 {
 public:
 	const char *GetName() const { return m_pszName; }
-	const CSchemaType *GetType() const { return m_pType; }
+	// For a field declared with SCHEMA_FIELD_NAMED_CLASS this is the named class once its
+	// scope has it, and the stored KV3 type until then.
+	const CSchemaType *GetType() const { return m_pszNamedClass ? GetNamedClassType() : m_pType; }
+	// The class name of a SCHEMA_FIELD_NAMED_CLASS field, else null.
+	const char *GetNamedClass() const { return m_pszNamedClass; }
 	// Byte offset in the declaring class, or -1 when the class can't be instantiated.
 	ptrdiff_t GetOffset() const { return m_nOffset; }
 
@@ -39,6 +43,12 @@ public:
 	const CSchemaType *m_pType = nullptr;
 	ptrdiff_t m_nOffset = -1;
 	std::vector<SchemaMetadataEntry_t> m_Metadata;
+	// Resolved on each request: the class may be registered by a module loaded later.
+	const char *m_pszNamedClass = nullptr;
+	CSchemaSystemTypeScope *m_pNamedClassScope = nullptr;
+
+private:
+	const CSchemaType *GetNamedClassType() const;
 };
 
 // The operations that a declaration supplies for a class; any may be null.

@@ -25,6 +25,8 @@
 
 #include "core/schema/schemametadata.h"
 
+class KeyValues3;
+
 template <int N> struct SchemaFieldSlot_t
 {
 };
@@ -62,6 +64,17 @@ public:                                                                         
 		visitor.template Field<Type, &SchemaThisClass_t::Name>( #Name, Default, { __VA_ARGS__ } );                     \
 		SchemaVisitField( visitor, SchemaFieldSlot_t<s_nSchemaSlot_##Name + 1>() );                                    \
 	}
+
+// A KV3 member that holds an instance of a schema class known here only by its name,
+// because the module that declares the class registers it later (or not at all). The
+// field's schema type is that class once the field's scope has it, and plain KeyValues3
+// before; loads and saves always treat the member as KV3.
+//
+//	SCHEMA_FIELD_NAMED_CLASS( KeyValues3, m_Rate, "CRateInput", {}, { "MPropertyFriendlyName", "Rate" } )
+#define SCHEMA_NAMED_CLASS_METADATA "MSchemaNamedClass"
+#define SCHEMA_FIELD_NAMED_CLASS( Type, Name, ClassName, Default, ... )                                     \
+	static_assert( std::is_same_v<Type, KeyValues3>, "a field typed by class name is stored as KeyValues3" ); \
+	SCHEMA_FIELD( Type, Name, Default, { SCHEMA_NAMED_CLASS_METADATA, ClassName } __VA_OPT__(, ) __VA_ARGS__ )
 
 // A member that editors must change through the class's own accessors, so that its rules
 // (clamping, derived state) hold: T Getter() const and void Setter( const T & ). Loads and

@@ -166,7 +166,13 @@ template <typename C> struct ClassBuilder_t
 		if ( m_pInstance )
 			nOffset = reinterpret_cast<const char *>( &( m_pInstance->*pMember ) ) - reinterpret_cast<const char *>( m_pInstance );
 		const CSchemaType *pType = SchemaTypeOf<T>( m_pScope );
-		m_pClass->AddField( pszName, pType, nOffset ).m_Metadata.assign( metadata.begin(), metadata.end() );
+		CSchemaClassField &field = m_pClass->AddField( pszName, pType, nOffset );
+		field.m_Metadata.assign( metadata.begin(), metadata.end() );
+		if ( const SchemaMetadataEntry_t *pNamedClass = FindSchemaMetadata( metadata, SCHEMA_NAMED_CLASS_METADATA ) )
+		{
+			field.m_pszNamedClass = pNamedClass->m_pszValue;
+			field.m_pNamedClassScope = m_pScope;
+		}
 	}
 	CSchemaClassInfo *m_pClass;
 	CSchemaSystemTypeScope *m_pScope;

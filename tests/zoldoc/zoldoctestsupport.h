@@ -10,6 +10,7 @@
 
 #include "core/kv3/keyvalues3.h"
 #include "tools/toolutils2/toolevents/tooleventdispatcher.h"
+#include "core/host/asset.h"
 #include "zoldoc_lib/iasset.h"
 #include "core/particles/iparticlesystemmgr.h"
 #include "zoldoc_lib/izoleventhub.h"
@@ -55,10 +56,10 @@ public:
 	CToolEventDispatcher m_Events;
 };
 
-class CTestAsset : public IAsset
+class CTestAsset : public CAsset
 {
 public:
-	explicit CTestAsset( const char *pPath ) : m_Path( pPath ) {}
+	explicit CTestAsset( const char *pPath ) : CAsset( nullptr, pPath ), m_Path( pPath ) {}
 	const char *GetPath() const override { return m_Path.c_str(); }
 	std::string m_Path;
 };

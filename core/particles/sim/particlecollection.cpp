@@ -305,11 +305,11 @@ void CParticleCollection::SpawnParticles( int nCount )
 			float flValue = GetParticleAttributeDefault( a, k );
 			switch ( a )
 			{
-			case PARTICLE_ATTRIBUTE_XYZ:
-			case PARTICLE_ATTRIBUTE_PREV_XYZ:
+			case PARTICLE_ATTRIBUTE_POSITION:
+			case PARTICLE_ATTRIBUTE_PREVIOUS_POSITION:
 				flValue = m_ControlPoints[ 0 ].m_vPosition[ k ];
 				break;
-			case PARTICLE_ATTRIBUTE_TINT_RGB:
+			case PARTICLE_ATTRIBUTE_COLOR:
 				flValue = def.m_ConstantColor[ k ];
 				break;
 			case PARTICLE_ATTRIBUTE_ALPHA:
@@ -321,10 +321,10 @@ void CParticleCollection::SpawnParticles( int nCount )
 			case PARTICLE_ATTRIBUTE_LIFE_DURATION:
 				flValue = def.m_flConstantLifespan;
 				break;
-			case PARTICLE_ATTRIBUTE_ROTATION:
+			case PARTICLE_ATTRIBUTE_ROLL:
 				flValue = def.m_flConstantRotation;
 				break;
-			case PARTICLE_ATTRIBUTE_ROTATION_SPEED:
+			case PARTICLE_ATTRIBUTE_ROLL_SPEED:
 				flValue = def.m_flConstantRotationSpeed;
 				break;
 			case PARTICLE_ATTRIBUTE_SEQUENCE_NUMBER:
@@ -609,7 +609,7 @@ bool CParticleCollection::RecalculateBounds()
 		const float *pRadius = m_pStreams[ PARTICLE_ATTRIBUTE_RADIUS ][ 0 ];
 		for ( int k = 0; k < 3; ++k )
 		{
-			const float *pPos = m_pStreams[ PARTICLE_ATTRIBUTE_XYZ ][ k ];
+			const float *pPos = m_pStreams[ PARTICLE_ATTRIBUTE_POSITION ][ k ];
 			float flLo = vMin[ k ], flHi = vMax[ k ];
 			for ( int i = 0; i < m_nActive; ++i )
 			{

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "core/particles/sim/iparticlecollection.h"
-#include "core/particles/sim/particleattributes.h"
+#include "core/particles/sim/particleattributestorage.h"
 #include "core/particles/sim/particlerandom.h"
 #include "core/particles/sim/particlesystemdefinition.h"
 

@@ -3,7 +3,7 @@
 #include <cstdarg>
 
 #include "core/kv3/keyvalues3.h"
-#include "core/particles/sim/particleattributes.h"
+#include "core/particles/sim/particleattributestorage.h"
 #include "core/particles/sim/particlekv3read.h"
 
 CParticleFunctionReader::CParticleFunctionReader( const KeyValues3 *pTable, CParticleSimFunction *pFunction, ParticleInputCompileContext_t *pContext, const char *pWhere )

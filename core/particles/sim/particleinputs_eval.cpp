@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "core/particles/sim/particleattributes.h"
+#include "core/particles/sim/particleattributestorage.h"
 #include "core/particles/sim/particlecollection.h"
 #include "core/particles/sim/particleinputs.h"
 #include "core/particles/sim/particlenoise.h"
@@ -43,8 +43,8 @@ inline uint32_t ParticleKey( const CParticleCollection &collection, int i )
 inline Vector ParticleVelocity( const CParticleCollection &collection, int i )
 {
 	float flInvDt = collection.GetPreviousDt() > 0.0f ? 1.0f / collection.GetPreviousDt() : 0.0f;
-	Vector vPos = AttributeVector( collection, PARTICLE_ATTRIBUTE_XYZ, i, false );
-	Vector vPrev = AttributeVector( collection, PARTICLE_ATTRIBUTE_PREV_XYZ, i, false );
+	Vector vPos = AttributeVector( collection, PARTICLE_ATTRIBUTE_POSITION, i, false );
+	Vector vPrev = AttributeVector( collection, PARTICLE_ATTRIBUTE_PREVIOUS_POSITION, i, false );
 	return Scale( Sub( vPos, vPrev ), flInvDt );
 }
 
@@ -296,7 +296,7 @@ float CSimFloatInput::EvaluateSource( const CParticleCollection &c, int i ) cons
 	case PF_TYPE_PARTICLE_ROPE_SEGMENT:
 	case PF_TYPE_PARTICLE_ROPE_SEGMENT_NORMALIZED:
 	{
-		const float *pSegment = c.Stream( PARTICLE_ATTRIBUTE_SEGMENT_NUMBER );
+		const float *pSegment = c.Stream( PARTICLE_ATTRIBUTE_ROPE_SEGMENT_POSITION );
 		float flSegment = pSegment ? pSegment[ i ] : float( i );
 		if ( m_bReverseOrder )
 			flSegment = float( c.Count() - 1 ) - flSegment;

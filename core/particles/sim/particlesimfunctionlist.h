@@ -4,6 +4,7 @@
 
 #include <memory>
 
+#include "core/particles/particlefunctionenums.h"
 #include "core/particles/sim/particlesimfunction.h"
 
 struct ParticleSimFunctionEntry_t
@@ -24,16 +25,7 @@ const ParticleSimFunctionEntry_t *GetParticleOperatorFunctions( int *pCount );
 const ParticleSimFunctionEntry_t *GetParticleForceAndConstraintFunctions( int *pCount );
 const ParticleSimFunctionEntry_t *GetParticleRendererFunctions( int *pCount );
 
-// How an initializer or setter combines its value with what the attribute holds.
-enum ParticleSetMethod_t : int
-{
-	PARTICLE_SET_REPLACE_VALUE = 0,
-	PARTICLE_SET_SCALE_INITIAL_VALUE,
-	PARTICLE_SET_ADD_TO_INITIAL_VALUE,
-	PARTICLE_SET_RAMP_CURRENT_VALUE,
-	PARTICLE_SET_SCALE_CURRENT_VALUE,
-	PARTICLE_SET_ADD_TO_CURRENT_VALUE,
-};
+// The names of the set methods, by value, as files store them.
 extern const char *const g_ParticleSetMethodNames[ 6 ];
 
 // Combines pValues into pTarget for n particles.

@@ -16,9 +16,9 @@ namespace
 void AddVelocity( CParticleCollection &c, int i, const Vector &v )
 {
 	float flDt = c.GetPreviousDt();
-	c.Stream( PARTICLE_ATTRIBUTE_PREV_XYZ, 0 )[ i ] -= v.x * flDt;
-	c.Stream( PARTICLE_ATTRIBUTE_PREV_XYZ, 1 )[ i ] -= v.y * flDt;
-	c.Stream( PARTICLE_ATTRIBUTE_PREV_XYZ, 2 )[ i ] -= v.z * flDt;
+	c.Stream( PARTICLE_ATTRIBUTE_PREVIOUS_POSITION, 0 )[ i ] -= v.x * flDt;
+	c.Stream( PARTICLE_ATTRIBUTE_PREVIOUS_POSITION, 1 )[ i ] -= v.y * flDt;
+	c.Stream( PARTICLE_ATTRIBUTE_PREVIOUS_POSITION, 2 )[ i ] -= v.z * flDt;
 }
 
 float RandomExponent( CParticleRandom &random, float flMin, float flMax, float flExponent )
@@ -43,16 +43,16 @@ public:
 		m_vLocalSpeedMax = reader.Vec( "m_LocalCoordinateSystemSpeedMax", Vector() );
 		m_nControlPoint = reader.Int( "m_nControlPointNumber", 0 );
 		reader.ReadsControlPoint( m_nControlPoint, m_vLocalSpeedMin == Vector() && m_vLocalSpeedMax == Vector() ? 2 : 4 );
-		reader.Writes( PARTICLE_ATTRIBUTE_XYZ );
-		reader.Writes( PARTICLE_ATTRIBUTE_PREV_XYZ );
+		reader.Writes( PARTICLE_ATTRIBUTE_POSITION );
+		reader.Writes( PARTICLE_ATTRIBUTE_PREVIOUS_POSITION );
 	}
 
 	void InitNewParticles( CParticleCollection &c, int nStart, int nCount ) const override
 	{
 		const ParticleControlPoint_t &cp = c.GetControlPoint( m_nControlPoint );
 		CParticleRandom &random = c.Random();
-		float *pX = c.Stream( PARTICLE_ATTRIBUTE_XYZ, 0 ), *pY = c.Stream( PARTICLE_ATTRIBUTE_XYZ, 1 ), *pZ = c.Stream( PARTICLE_ATTRIBUTE_XYZ, 2 );
-		float *pPX = c.Stream( PARTICLE_ATTRIBUTE_PREV_XYZ, 0 ), *pPY = c.Stream( PARTICLE_ATTRIBUTE_PREV_XYZ, 1 ), *pPZ = c.Stream( PARTICLE_ATTRIBUTE_PREV_XYZ, 2 );
+		float *pX = c.Stream( PARTICLE_ATTRIBUTE_POSITION, 0 ), *pY = c.Stream( PARTICLE_ATTRIBUTE_POSITION, 1 ), *pZ = c.Stream( PARTICLE_ATTRIBUTE_POSITION, 2 );
+		float *pPX = c.Stream( PARTICLE_ATTRIBUTE_PREVIOUS_POSITION, 0 ), *pPY = c.Stream( PARTICLE_ATTRIBUTE_PREVIOUS_POSITION, 1 ), *pPZ = c.Stream( PARTICLE_ATTRIBUTE_PREVIOUS_POSITION, 2 );
 		float flDt = c.GetPreviousDt();
 		bool bLocalSpeed = !( m_vLocalSpeedMin == Vector() && m_vLocalSpeedMax == Vector() );
 		for ( int i = nStart; i < nStart + nCount; ++i )
@@ -123,8 +123,8 @@ public:
 		m_nOutputField = reader.OutputAttribute( "m_nOutputField", 0 );
 		reader.VecInput( "m_InputValue", &m_InputValue, true );
 		m_nSetMethod = reader.Enum( "m_nSetMethod", g_ParticleSetMethodNames, 6, PARTICLE_SET_REPLACE_VALUE );
-		if ( m_nOutputField == PARTICLE_ATTRIBUTE_XYZ )
-			reader.Writes( PARTICLE_ATTRIBUTE_PREV_XYZ );
+		if ( m_nOutputField == PARTICLE_ATTRIBUTE_POSITION )
+			reader.Writes( PARTICLE_ATTRIBUTE_PREVIOUS_POSITION );
 	}
 
 	void InitNewParticles( CParticleCollection &c, int nStart, int nCount ) const override
@@ -135,10 +135,10 @@ public:
 		for ( int nComponent = 0; nComponent < nComponents; ++nComponent )
 		{
 			float *pTarget = c.Stream( m_nOutputField, nComponent ) + nStart;
-			if ( m_nOutputField == PARTICLE_ATTRIBUTE_XYZ )
+			if ( m_nOutputField == PARTICLE_ATTRIBUTE_POSITION )
 			{
 				// Moving a particle keeps the velocity it was given: the previous position moves too.
-				float *pPrev = c.Stream( PARTICLE_ATTRIBUTE_PREV_XYZ, nComponent ) + nStart;
+				float *pPrev = c.Stream( PARTICLE_ATTRIBUTE_PREVIOUS_POSITION, nComponent ) + nStart;
 				float *pDelta = c.Scratch( 3 );
 				for ( int i = 0; i < nCount; ++i )
 					pDelta[ i ] = pTarget[ i ];
@@ -215,7 +215,7 @@ public:
 	}
 };
 
-class CRandomRotation final : public CParticleSimFunction
+class CRandomRotation : public CParticleSimFunction
 {
 public:
 	void Read( CParticleFunctionReader &reader ) override
@@ -223,8 +223,9 @@ public:
 		m_flDegreesMin = reader.Float( "m_flDegreesMin", 0.0f );
 		m_flDegreesMax = reader.Float( "m_flDegreesMax", 360.0f );
 		m_flDegrees = reader.Float( "m_flDegrees", 0.0f );
-		m_bRandomlyFlip = reader.Bool( "m_bRandomlyFlipDirection", false );
-		m_nOutputField = reader.OutputAttribute( "m_nFieldOutput", PARTICLE_ATTRIBUTE_ROTATION );
+		m_bRandomlyFlip = reader.Bool( "m_bRandomlyFlipDirection", true );
+		m_flExponent = reader.Float( "m_flRotationRandExponent", 1.0f );
+		m_nOutputField = reader.OutputAttribute( "m_nFieldOutput", DefaultField() );
 	}
 
 	void InitNewParticles( CParticleCollection &c, int nStart, int nCount ) const override
@@ -233,17 +234,68 @@ public:
 		CParticleRandom &random = c.Random();
 		for ( int i = nStart; i < nStart + nCount; ++i )
 		{
-			float flValue = m_flDegrees + random.RandomFloat( m_flDegreesMin, m_flDegreesMax );
+			float flValue = m_flDegrees + RandomExponent( random, m_flDegreesMin, m_flDegreesMax, m_flExponent );
 			if ( m_bRandomlyFlip && random.NextFloat() < 0.5f )
 				flValue = -flValue;
 			pOut[ i ] = flValue;
 		}
 	}
 
+protected:
+	virtual int DefaultField() const { return PARTICLE_ATTRIBUTE_ROLL; }
+
 private:
-	float m_flDegreesMin = 0.0f, m_flDegreesMax = 360.0f, m_flDegrees = 0.0f;
-	bool m_bRandomlyFlip = false;
-	int m_nOutputField = PARTICLE_ATTRIBUTE_ROTATION;
+	float m_flDegreesMin = 0.0f, m_flDegreesMax = 360.0f, m_flDegrees = 0.0f, m_flExponent = 1.0f;
+	bool m_bRandomlyFlip = true;
+	int m_nOutputField = PARTICLE_ATTRIBUTE_ROLL;
+};
+
+class CRandomYaw final : public CRandomRotation
+{
+protected:
+	int DefaultField() const override { return PARTICLE_ATTRIBUTE_YAW; }
+};
+
+class CRandomRotationSpeed final : public CRandomRotation
+{
+protected:
+	int DefaultField() const override { return PARTICLE_ATTRIBUTE_ROLL_SPEED; }
+};
+
+class CCreateWithinBox final : public CParticleSimFunction
+{
+public:
+	void Read( CParticleFunctionReader &reader ) override
+	{
+		m_vMin = reader.Vec( "m_vecMin", Vector() );
+		m_vMax = reader.Vec( "m_vecMax", Vector() );
+		m_nControlPoint = reader.Int( "m_nControlPointNumber", 0 );
+		m_bLocal = reader.Bool( "m_bLocalSpace", false );
+		reader.ReadsControlPoint( m_nControlPoint, m_bLocal ? 4 : 2 );
+		reader.Writes( PARTICLE_ATTRIBUTE_POSITION );
+		reader.Writes( PARTICLE_ATTRIBUTE_PREVIOUS_POSITION );
+	}
+
+	void InitNewParticles( CParticleCollection &c, int nStart, int nCount ) const override
+	{
+		const ParticleControlPoint_t &cp = c.GetControlPoint( m_nControlPoint );
+		CParticleRandom &random = c.Random();
+		for ( int i = nStart; i < nStart + nCount; ++i )
+		{
+			Vector v( random.RandomFloat( m_vMin.x, m_vMax.x ), random.RandomFloat( m_vMin.y, m_vMax.y ), random.RandomFloat( m_vMin.z, m_vMax.z ) );
+			Vector vPos = m_bLocal ? LocalToWorld( cp.m_vPosition, cp.m_vForward, cp.m_vRight, cp.m_vUp, v ) : Add( cp.m_vPosition, v );
+			for ( int k = 0; k < 3; ++k )
+			{
+				c.Stream( PARTICLE_ATTRIBUTE_POSITION, k )[ i ] = vPos[ k ];
+				c.Stream( PARTICLE_ATTRIBUTE_PREVIOUS_POSITION, k )[ i ] = vPos[ k ];
+			}
+		}
+	}
+
+private:
+	Vector m_vMin, m_vMax;
+	int m_nControlPoint = 0;
+	bool m_bLocal = false;
 };
 
 class CRandomColor final : public CParticleSimFunction
@@ -253,7 +305,7 @@ public:
 	{
 		m_vColorMin = reader.Color( "m_ColorMin", Vector( 1.0f, 1.0f, 1.0f ) );
 		m_vColorMax = reader.Color( "m_ColorMax", Vector( 1.0f, 1.0f, 1.0f ) );
-		m_nOutputField = reader.OutputAttribute( "m_nFieldOutput", PARTICLE_ATTRIBUTE_TINT_RGB );
+		m_nOutputField = reader.OutputAttribute( "m_nFieldOutput", PARTICLE_ATTRIBUTE_COLOR );
 	}
 
 	void InitNewParticles( CParticleCollection &c, int nStart, int nCount ) const override
@@ -271,7 +323,7 @@ public:
 
 private:
 	Vector m_vColorMin, m_vColorMax;
-	int m_nOutputField = PARTICLE_ATTRIBUTE_TINT_RGB;
+	int m_nOutputField = PARTICLE_ATTRIBUTE_COLOR;
 };
 
 class CRandomAlpha final : public CParticleSimFunction
@@ -304,18 +356,19 @@ public:
 	{
 		m_vOutputMin = reader.Vec( "m_vecOutputMin", Vector() );
 		m_vOutputMax = reader.Vec( "m_vecOutputMax", Vector() );
-		m_flNoiseScale = reader.Float( "m_flNoiseScale", 1.0f );
+		m_NoiseScale = CSimFloatInput( 1.0f );
+		reader.FloatInput( "m_flNoiseScale", &m_NoiseScale, false );
 		m_flNoiseScaleLoc = reader.Float( "m_flNoiseScaleLoc", 0.01f );
 		m_flOffset = reader.Float( "m_flOffset", 0.0f );
-		reader.Reads( PARTICLE_ATTRIBUTE_XYZ );
-		reader.Writes( PARTICLE_ATTRIBUTE_PREV_XYZ );
+		reader.Reads( PARTICLE_ATTRIBUTE_POSITION );
+		reader.Writes( PARTICLE_ATTRIBUTE_PREVIOUS_POSITION );
 	}
 
 	void InitNewParticles( CParticleCollection &c, int nStart, int nCount ) const override
 	{
-		const float *pX = c.Stream( PARTICLE_ATTRIBUTE_XYZ, 0 ), *pY = c.Stream( PARTICLE_ATTRIBUTE_XYZ, 1 ), *pZ = c.Stream( PARTICLE_ATTRIBUTE_XYZ, 2 );
+		const float *pX = c.Stream( PARTICLE_ATTRIBUTE_POSITION, 0 ), *pY = c.Stream( PARTICLE_ATTRIBUTE_POSITION, 1 ), *pZ = c.Stream( PARTICLE_ATTRIBUTE_POSITION, 2 );
 		const float *pID = c.Stream( PARTICLE_ATTRIBUTE_PARTICLE_ID );
-		float flTime = c.GetTime() * m_flNoiseScale + m_flOffset;
+		float flTime = c.GetTime() * m_NoiseScale.EvaluateCollection( c ) + m_flOffset;
 		for ( int i = nStart; i < nStart + nCount; ++i )
 		{
 			// Particles born at one place in one step still differ: the id shifts the sample.
@@ -332,7 +385,8 @@ public:
 
 private:
 	Vector m_vOutputMin, m_vOutputMax;
-	float m_flNoiseScale = 1.0f, m_flNoiseScaleLoc = 0.01f, m_flOffset = 0.0f;
+	CSimFloatInput m_NoiseScale;
+	float m_flNoiseScaleLoc = 0.01f, m_flOffset = 0.0f;
 };
 
 class CVelocityRandom final : public CParticleSimFunction
@@ -340,13 +394,13 @@ class CVelocityRandom final : public CParticleSimFunction
 public:
 	void Read( CParticleFunctionReader &reader ) override
 	{
-		m_flSpeedMin = reader.Float( "m_fSpeedMin", 0.0f );
-		m_flSpeedMax = reader.Float( "m_fSpeedMax", 0.0f );
-		m_vLocalMin = reader.Vec( "m_LocalCoordinateSystemSpeedMin", Vector() );
-		m_vLocalMax = reader.Vec( "m_LocalCoordinateSystemSpeedMax", Vector() );
+		reader.FloatInput( "m_fSpeedMin", &m_SpeedMin, true );
+		reader.FloatInput( "m_fSpeedMax", &m_SpeedMax, true );
+		reader.VecInput( "m_LocalCoordinateSystemSpeedMin", &m_LocalMin, true );
+		reader.VecInput( "m_LocalCoordinateSystemSpeedMax", &m_LocalMax, true );
 		m_nControlPoint = reader.Int( "m_nControlPointNumber", 0 );
 		reader.ReadsControlPoint( m_nControlPoint, 3 );
-		reader.Writes( PARTICLE_ATTRIBUTE_PREV_XYZ );
+		reader.Writes( PARTICLE_ATTRIBUTE_PREVIOUS_POSITION );
 	}
 
 	void InitNewParticles( CParticleCollection &c, int nStart, int nCount ) const override
@@ -355,17 +409,22 @@ public:
 		CParticleRandom &random = c.Random();
 		for ( int i = nStart; i < nStart + nCount; ++i )
 		{
+			float flMin = 0.0f, flMax = 0.0f;
+			Vector vMin, vMax;
+			m_SpeedMin.EvaluatePerParticle( c, i, 1, &flMin );
+			m_SpeedMax.EvaluatePerParticle( c, i, 1, &flMax );
+			m_LocalMin.EvaluatePerParticle( c, i, 1, &vMin.x, &vMin.y, &vMin.z );
+			m_LocalMax.EvaluatePerParticle( c, i, 1, &vMax.x, &vMax.y, &vMax.z );
 			Vector vDir = Normalized( Vector( random.NextFloat() * 2.0f - 1.0f, random.NextFloat() * 2.0f - 1.0f, random.NextFloat() * 2.0f - 1.0f ) );
-			Vector vLocal( random.RandomFloat( m_vLocalMin.x, m_vLocalMax.x ), random.RandomFloat( m_vLocalMin.y, m_vLocalMax.y ),
-				random.RandomFloat( m_vLocalMin.z, m_vLocalMax.z ) );
-			Vector v = Add( Scale( vDir, random.RandomFloat( m_flSpeedMin, m_flSpeedMax ) ), LocalToWorld( Vector(), cp.m_vForward, cp.m_vRight, cp.m_vUp, vLocal ) );
+			Vector vLocal( random.RandomFloat( vMin.x, vMax.x ), random.RandomFloat( vMin.y, vMax.y ), random.RandomFloat( vMin.z, vMax.z ) );
+			Vector v = Add( Scale( vDir, random.RandomFloat( flMin, flMax ) ), LocalToWorld( Vector(), cp.m_vForward, cp.m_vRight, cp.m_vUp, vLocal ) );
 			AddVelocity( c, i, v );
 		}
 	}
 
 private:
-	float m_flSpeedMin = 0.0f, m_flSpeedMax = 0.0f;
-	Vector m_vLocalMin, m_vLocalMax;
+	CSimFloatInput m_SpeedMin, m_SpeedMax;
+	CSimVecInput m_LocalMin, m_LocalMax;
 	int m_nControlPoint = 0;
 };
 
@@ -380,8 +439,8 @@ public:
 		m_nControlPoint = reader.Int( "m_nControlPointNumber", 0 );
 		if ( m_bLocal )
 			reader.ReadsControlPoint( m_nControlPoint, 3 );
-		reader.Writes( PARTICLE_ATTRIBUTE_XYZ );
-		reader.Writes( PARTICLE_ATTRIBUTE_PREV_XYZ );
+		reader.Writes( PARTICLE_ATTRIBUTE_POSITION );
+		reader.Writes( PARTICLE_ATTRIBUTE_PREVIOUS_POSITION );
 	}
 
 	void InitNewParticles( CParticleCollection &c, int nStart, int nCount ) const override
@@ -396,8 +455,8 @@ public:
 				v = LocalToWorld( Vector(), cp.m_vForward, cp.m_vRight, cp.m_vUp, v );
 			for ( int k = 0; k < 3; ++k )
 			{
-				c.Stream( PARTICLE_ATTRIBUTE_XYZ, k )[ i ] += v[ k ];
-				c.Stream( PARTICLE_ATTRIBUTE_PREV_XYZ, k )[ i ] += v[ k ];
+				c.Stream( PARTICLE_ATTRIBUTE_POSITION, k )[ i ] += v[ k ];
+				c.Stream( PARTICLE_ATTRIBUTE_PREVIOUS_POSITION, k )[ i ] += v[ k ];
 			}
 		}
 	}
@@ -416,6 +475,9 @@ const ParticleSimFunctionEntry_t s_Initializers[] = {
 	{ "C_INIT_RandomLifeTime", CreateParticleSimFunction<CRandomLifeTime> },
 	{ "C_INIT_RandomTrailLength", CreateParticleSimFunction<CRandomTrailLength> },
 	{ "C_INIT_RandomRotation", CreateParticleSimFunction<CRandomRotation> },
+	{ "C_INIT_RandomYaw", CreateParticleSimFunction<CRandomYaw> },
+	{ "C_INIT_RandomRotationSpeed", CreateParticleSimFunction<CRandomRotationSpeed> },
+	{ "C_INIT_CreateWithinBox", CreateParticleSimFunction<CCreateWithinBox> },
 	{ "C_INIT_RandomColor", CreateParticleSimFunction<CRandomColor> },
 	{ "C_INIT_RandomAlpha", CreateParticleSimFunction<CRandomAlpha> },
 	{ "C_INIT_InitialVelocityNoise", CreateParticleSimFunction<CInitialVelocityNoise> },

@@ -20,9 +20,9 @@ public:
 		reader.VecInput( "m_Gravity", &m_Gravity, false );
 		m_Drag = CSimFloatInput( 0.0f );
 		reader.FloatInput( "m_fDrag", &m_Drag, false );
-		reader.Reads( PARTICLE_ATTRIBUTE_XYZ );
-		reader.Writes( PARTICLE_ATTRIBUTE_XYZ );
-		reader.Writes( PARTICLE_ATTRIBUTE_PREV_XYZ );
+		reader.Reads( PARTICLE_ATTRIBUTE_POSITION );
+		reader.Writes( PARTICLE_ATTRIBUTE_POSITION );
+		reader.Writes( PARTICLE_ATTRIBUTE_PREVIOUS_POSITION );
 	}
 
 	void Operate( CParticleCollection &c, float flDt ) const override
@@ -37,8 +37,8 @@ public:
 		int n = c.Count();
 		for ( int k = 0; k < 3; ++k )
 		{
-			float *__restrict pPos = c.Stream( PARTICLE_ATTRIBUTE_XYZ, k );
-			float *__restrict pPrev = c.Stream( PARTICLE_ATTRIBUTE_PREV_XYZ, k );
+			float *__restrict pPos = c.Stream( PARTICLE_ATTRIBUTE_POSITION, k );
+			float *__restrict pPrev = c.Stream( PARTICLE_ATTRIBUTE_PREVIOUS_POSITION, k );
 			const float *__restrict pForce = c.GetDefinition()->m_bHasForces ? c.Force( k ) : nullptr;
 			float flAccel = vGravity[ k ] * flDtSq;
 			if ( pForce )
@@ -198,7 +198,7 @@ public:
 		m_vColorFade = reader.Color( "m_ColorFade", Vector( 1.0f, 1.0f, 1.0f ) );
 		m_flFadeStartTime = reader.Float( "m_flFadeStartTime", 0.0f );
 		m_flFadeEndTime = reader.Float( "m_flFadeEndTime", 1.0f );
-		m_nField = reader.OutputAttribute( "m_nFieldOutput", PARTICLE_ATTRIBUTE_TINT_RGB );
+		m_nField = reader.OutputAttribute( "m_nFieldOutput", PARTICLE_ATTRIBUTE_COLOR );
 		reader.ReadsInitial( m_nField );
 	}
 
@@ -226,7 +226,7 @@ public:
 private:
 	Vector m_vColorFade{ 1.0f, 1.0f, 1.0f };
 	float m_flFadeStartTime = 0.0f, m_flFadeEndTime = 1.0f;
-	int m_nField = PARTICLE_ATTRIBUTE_TINT_RGB;
+	int m_nField = PARTICLE_ATTRIBUTE_COLOR;
 };
 
 class CSpinUpdate final : public CParticleSimFunction
@@ -234,14 +234,14 @@ class CSpinUpdate final : public CParticleSimFunction
 public:
 	void Read( CParticleFunctionReader &reader ) override
 	{
-		reader.Reads( PARTICLE_ATTRIBUTE_ROTATION_SPEED );
-		reader.Writes( PARTICLE_ATTRIBUTE_ROTATION );
+		reader.Reads( PARTICLE_ATTRIBUTE_ROLL_SPEED );
+		reader.Writes( PARTICLE_ATTRIBUTE_ROLL );
 	}
 
 	void Operate( CParticleCollection &c, float flDt ) const override
 	{
-		float *pRotation = c.Stream( PARTICLE_ATTRIBUTE_ROTATION );
-		const float *pSpeed = c.Stream( PARTICLE_ATTRIBUTE_ROTATION_SPEED );
+		float *pRotation = c.Stream( PARTICLE_ATTRIBUTE_ROLL );
+		const float *pSpeed = c.Stream( PARTICLE_ATTRIBUTE_ROLL_SPEED );
 		int n = c.Count();
 		for ( int i = 0; i < n; ++i )
 			pRotation[ i ] += pSpeed[ i ] * flDt;
@@ -296,7 +296,7 @@ class CSetVec final : public CParticleSimFunction
 public:
 	void Read( CParticleFunctionReader &reader ) override
 	{
-		m_nOutputField = reader.OutputAttribute( "m_nOutputField", 0 );
+		m_nOutputField = reader.OutputAttribute( "m_nOutputField", PARTICLE_ATTRIBUTE_COLOR );
 		reader.VecInput( "m_InputValue", &m_InputValue, true );
 		m_nSetMethod = reader.Enum( "m_nSetMethod", g_ParticleSetMethodNames, 6, PARTICLE_SET_REPLACE_VALUE );
 		m_Lerp = CSimFloatInput( 1.0f );
@@ -325,10 +325,185 @@ public:
 	}
 
 private:
-	int m_nOutputField = 0;
+	int m_nOutputField = PARTICLE_ATTRIBUTE_COLOR;
 	int m_nSetMethod = 0;
 	CSimVecInput m_InputValue;
 	CSimFloatInput m_Lerp;
+};
+
+// Fades alpha in and out over normalized age and kills at the end of life.
+class CFadeAndKill final : public CParticleSimFunction
+{
+public:
+	void Read( CParticleFunctionReader &reader ) override
+	{
+		m_flStartFadeIn = reader.Float( "m_flStartFadeInTime", 0.0f );
+		m_flEndFadeIn = reader.Float( "m_flEndFadeInTime", 0.5f );
+		m_flStartFadeOut = reader.Float( "m_flStartFadeOutTime", 0.5f );
+		m_flEndFadeOut = reader.Float( "m_flEndFadeOutTime", 1.0f );
+		m_flStartAlpha = reader.Float( "m_flStartAlpha", 1.0f );
+		m_flEndAlpha = reader.Float( "m_flEndAlpha", 0.0f );
+		reader.Writes( PARTICLE_ATTRIBUTE_ALPHA );
+		reader.ReadsInitial( PARTICLE_ATTRIBUTE_ALPHA );
+	}
+
+	void Operate( CParticleCollection &c, float ) const override
+	{
+		float *pAge = c.Scratch( 0 );
+		NormalizedAge( c, pAge );
+		float *pAlpha = c.Stream( PARTICLE_ATTRIBUTE_ALPHA );
+		const float *pInitial = c.InitialStream( PARTICLE_ATTRIBUTE_ALPHA );
+		int n = c.Count();
+		for ( int i = 0; i < n; ++i )
+		{
+			float t = pAge[ i ], flScale;
+			if ( t >= 1.0f )
+			{
+				c.KillParticle( i );
+				continue;
+			}
+			if ( t < m_flEndFadeIn )
+				flScale = Lerp( m_flStartAlpha, 1.0f, Clamp( ( t - m_flStartFadeIn ) / std::max( m_flEndFadeIn - m_flStartFadeIn, 1e-6f ), 0.0f, 1.0f ) );
+			else if ( t >= m_flStartFadeOut )
+				flScale = Lerp( 1.0f, m_flEndAlpha, Clamp( ( t - m_flStartFadeOut ) / std::max( m_flEndFadeOut - m_flStartFadeOut, 1e-6f ), 0.0f, 1.0f ) );
+			else
+				flScale = 1.0f;
+			pAlpha[ i ] = pInitial[ i ] * flScale;
+		}
+	}
+
+private:
+	float m_flStartFadeIn = 0.0f, m_flEndFadeIn = 0.5f, m_flStartFadeOut = 0.5f, m_flEndFadeOut = 1.0f, m_flStartAlpha = 1.0f, m_flEndAlpha = 0.0f;
+};
+
+// Moves an attribute from its initial value to a target over a window of normalized age.
+class CLerpScalar final : public CParticleSimFunction
+{
+public:
+	void Read( CParticleFunctionReader &reader ) override
+	{
+		m_nField = reader.OutputAttribute( "m_nFieldOutput", PARTICLE_ATTRIBUTE_RADIUS );
+		reader.ReadsInitial( m_nField );
+		m_Output = CSimFloatInput( 1.0f );
+		reader.FloatInput( "m_flOutput", &m_Output, true );
+		m_flStartTime = reader.Float( "m_flStartTime", 0.0f );
+		m_flEndTime = reader.Float( "m_flEndTime", 1.0f );
+	}
+
+	void Operate( CParticleCollection &c, float ) const override
+	{
+		int n = c.Count();
+		float *pAge = c.Scratch( 0 );
+		float *pTarget = c.Scratch( 1 );
+		NormalizedAge( c, pAge );
+		m_Output.EvaluatePerParticle( c, 0, n, pTarget );
+		float flInv = 1.0f / std::max( m_flEndTime - m_flStartTime, 1e-6f );
+		for ( int k = 0; k < GetParticleAttributeComponentCount( m_nField ); ++k )
+		{
+			float *pOut = c.Stream( m_nField, k );
+			const float *pInitial = c.InitialStream( m_nField, k );
+			for ( int i = 0; i < n; ++i )
+				pOut[ i ] = Lerp( pInitial[ i ], pTarget[ i ], Clamp( ( pAge[ i ] - m_flStartTime ) * flInv, 0.0f, 1.0f ) );
+		}
+	}
+
+private:
+	int m_nField = PARTICLE_ATTRIBUTE_RADIUS;
+	CSimFloatInput m_Output;
+	float m_flStartTime = 0.0f, m_flEndTime = 1.0f;
+};
+
+class CLerpVector final : public CParticleSimFunction
+{
+public:
+	void Read( CParticleFunctionReader &reader ) override
+	{
+		m_nField = reader.OutputAttribute( "m_nFieldOutput", PARTICLE_ATTRIBUTE_COLOR );
+		reader.ReadsInitial( m_nField );
+		m_vOutput = reader.Vec( "m_vecOutput", Vector() );
+		m_flStartTime = reader.Float( "m_flStartTime", 0.0f );
+		m_flEndTime = reader.Float( "m_flEndTime", 1.0f );
+	}
+
+	void Operate( CParticleCollection &c, float ) const override
+	{
+		if ( GetParticleAttributeComponentCount( m_nField ) != 3 )
+			return;
+		int n = c.Count();
+		float *pAge = c.Scratch( 0 );
+		NormalizedAge( c, pAge );
+		float flInv = 1.0f / std::max( m_flEndTime - m_flStartTime, 1e-6f );
+		for ( int k = 0; k < 3; ++k )
+		{
+			float *pOut = c.Stream( m_nField, k );
+			const float *pInitial = c.InitialStream( m_nField, k );
+			for ( int i = 0; i < n; ++i )
+				pOut[ i ] = Lerp( pInitial[ i ], m_vOutput[ k ], Clamp( ( pAge[ i ] - m_flStartTime ) * flInv, 0.0f, 1.0f ) );
+		}
+	}
+
+private:
+	int m_nField = PARTICLE_ATTRIBUTE_COLOR;
+	Vector m_vOutput;
+	float m_flStartTime = 0.0f, m_flEndTime = 1.0f;
+};
+
+class CClampScalar final : public CParticleSimFunction
+{
+public:
+	void Read( CParticleFunctionReader &reader ) override
+	{
+		m_nField = reader.OutputAttribute( "m_nFieldOutput", PARTICLE_ATTRIBUTE_RADIUS );
+		m_Min = CSimFloatInput( 0.0f );
+		m_Max = CSimFloatInput( 1.0f );
+		reader.FloatInput( "m_flOutputMin", &m_Min, true );
+		reader.FloatInput( "m_flOutputMax", &m_Max, true );
+	}
+
+	void Operate( CParticleCollection &c, float ) const override
+	{
+		int n = c.Count();
+		float *pMin = c.Scratch( 1 ), *pMax = c.Scratch( 2 );
+		m_Min.EvaluatePerParticle( c, 0, n, pMin );
+		m_Max.EvaluatePerParticle( c, 0, n, pMax );
+		for ( int k = 0; k < GetParticleAttributeComponentCount( m_nField ); ++k )
+		{
+			float *pOut = c.Stream( m_nField, k );
+			for ( int i = 0; i < n; ++i )
+				pOut[ i ] = Clamp( pOut[ i ], pMin[ i ], pMax[ i ] );
+		}
+	}
+
+private:
+	int m_nField = PARTICLE_ATTRIBUTE_RADIUS;
+	CSimFloatInput m_Min, m_Max;
+};
+
+// Roll at a fixed rate (degrees per second) that stops at a given age.
+class CSpin final : public CParticleSimFunction
+{
+public:
+	void Read( CParticleFunctionReader &reader ) override
+	{
+		m_flRate = float( reader.Int( "m_nSpinRateDegrees", 0 ) );
+		m_flStopTime = reader.Float( "m_fSpinRateStopTime", 0.0f );
+		reader.Writes( PARTICLE_ATTRIBUTE_ROLL );
+	}
+
+	void Operate( CParticleCollection &c, float flDt ) const override
+	{
+		float *pRoll = c.Stream( PARTICLE_ATTRIBUTE_ROLL );
+		const float *pCreation = c.Stream( PARTICLE_ATTRIBUTE_CREATION_TIME );
+		int n = c.Count();
+		for ( int i = 0; i < n; ++i )
+		{
+			bool bSpinning = m_flStopTime <= 0.0f || c.GetTime() - pCreation[ i ] < m_flStopTime;
+			pRoll[ i ] += bSpinning ? m_flRate * flDt : 0.0f;
+		}
+	}
+
+private:
+	float m_flRate = 0.0f, m_flStopTime = 0.0f;
 };
 
 class CAlphaDecay final : public CParticleSimFunction
@@ -392,6 +567,11 @@ const ParticleSimFunctionEntry_t s_Operators[] = {
 	{ "C_OP_SetFloat", CreateParticleSimFunction<CSetFloat> },
 	{ "C_OP_SetVec", CreateParticleSimFunction<CSetVec> },
 	{ "C_OP_AlphaDecay", CreateParticleSimFunction<CAlphaDecay> },
+	{ "C_OP_FadeAndKill", CreateParticleSimFunction<CFadeAndKill> },
+	{ "C_OP_LerpScalar", CreateParticleSimFunction<CLerpScalar> },
+	{ "C_OP_LerpVector", CreateParticleSimFunction<CLerpVector> },
+	{ "C_OP_ClampScalar", CreateParticleSimFunction<CClampScalar> },
+	{ "C_OP_Spin", CreateParticleSimFunction<CSpin> },
 	{ "C_OP_SetSingleControlPointPosition", CreateParticleSimFunction<CSetSingleControlPointPosition> },
 };
 } // namespace

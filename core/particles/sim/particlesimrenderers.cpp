@@ -15,13 +15,13 @@ void FillCommon( const CParticleCollection &c, ParticleDrawData_t *pData )
 	pData->m_nCount = c.Count();
 	for ( int k = 0; k < 3; ++k )
 	{
-		pData->m_pPosition[ k ] = c.Stream( PARTICLE_ATTRIBUTE_XYZ, k );
-		pData->m_pColor[ k ] = c.Stream( PARTICLE_ATTRIBUTE_TINT_RGB, k );
-		pData->m_pPrevPosition[ k ] = c.Stream( PARTICLE_ATTRIBUTE_PREV_XYZ, k );
+		pData->m_pPosition[ k ] = c.Stream( PARTICLE_ATTRIBUTE_POSITION, k );
+		pData->m_pColor[ k ] = c.Stream( PARTICLE_ATTRIBUTE_COLOR, k );
+		pData->m_pPrevPosition[ k ] = c.Stream( PARTICLE_ATTRIBUTE_PREVIOUS_POSITION, k );
 	}
 	pData->m_pRadius = c.Stream( PARTICLE_ATTRIBUTE_RADIUS );
 	pData->m_pAlpha = c.Stream( PARTICLE_ATTRIBUTE_ALPHA );
-	pData->m_pRotation = c.Stream( PARTICLE_ATTRIBUTE_ROTATION );
+	pData->m_pRotation = c.Stream( PARTICLE_ATTRIBUTE_ROLL );
 	pData->m_pCreationTime = c.Stream( PARTICLE_ATTRIBUTE_CREATION_TIME );
 	pData->m_flCurrentTime = c.GetTime();
 }
@@ -32,14 +32,15 @@ public:
 	void ReadCommon( CParticleFunctionReader &reader, const char *pResourceField )
 	{
 		m_Resource = reader.String( pResourceField, "" );
-		m_flAlphaScale = reader.Float( "m_flAlphaScale", 1.0f );
-		for ( int nAttribute : { PARTICLE_ATTRIBUTE_XYZ, PARTICLE_ATTRIBUTE_RADIUS, PARTICLE_ATTRIBUTE_TINT_RGB, PARTICLE_ATTRIBUTE_ALPHA, PARTICLE_ATTRIBUTE_ROTATION } )
+		m_AlphaScale = CSimFloatInput( 1.0f );
+		reader.FloatInput( "m_flAlphaScale", &m_AlphaScale, false );
+		for ( int nAttribute : { PARTICLE_ATTRIBUTE_POSITION, PARTICLE_ATTRIBUTE_RADIUS, PARTICLE_ATTRIBUTE_COLOR, PARTICLE_ATTRIBUTE_ALPHA, PARTICLE_ATTRIBUTE_ROLL } )
 			reader.Reads( nAttribute );
 	}
 
 protected:
 	CUtlString m_Resource;
-	float m_flAlphaScale = 1.0f;
+	CSimFloatInput m_AlphaScale;
 };
 
 class CRenderSprites final : public CRendererBase
@@ -56,7 +57,7 @@ public:
 		FillCommon( c, pData );
 		pData->m_eKind = PARTICLE_RENDERER_SPRITES;
 		pData->m_pResource = m_Resource.Get();
-		pData->m_flAlphaScale = m_flAlphaScale;
+		pData->m_flAlphaScale = m_AlphaScale.EvaluateCollection( c );
 		pData->m_flAddSelfAmount = m_flAddSelfAmount;
 	}
 
@@ -72,8 +73,8 @@ public:
 		ReadCommon( reader, "m_hTexture" );
 		m_flMaxLength = reader.Float( "m_flMaxLength", 2000.0f );
 		m_flLengthFadeInTime = reader.Float( "m_flLengthFadeInTime", 0.0f );
-		reader.Reads( PARTICLE_ATTRIBUTE_PREV_XYZ );
-		reader.Reads( PARTICLE_ATTRIBUTE_TRAIL_LENGTH );
+		reader.Reads( PARTICLE_ATTRIBUTE_PREVIOUS_POSITION );
+		m_nLengthField = reader.InputAttribute( "m_nLengthField", PARTICLE_ATTRIBUTE_TRAIL_LENGTH );
 		reader.Reads( PARTICLE_ATTRIBUTE_CREATION_TIME );
 	}
 
@@ -82,8 +83,8 @@ public:
 		FillCommon( c, pData );
 		pData->m_eKind = PARTICLE_RENDERER_TRAILS;
 		pData->m_pResource = m_Resource.Get();
-		pData->m_flAlphaScale = m_flAlphaScale;
-		pData->m_pTrailLength = c.Stream( PARTICLE_ATTRIBUTE_TRAIL_LENGTH );
+		pData->m_flAlphaScale = m_AlphaScale.EvaluateCollection( c );
+		pData->m_pTrailLength = c.Stream( m_nLengthField );
 		pData->m_flMaxLength = m_flMaxLength;
 		pData->m_flLengthFadeInTime = m_flLengthFadeInTime;
 		// Speed is distance over the last step: the tail needs that step's length.
@@ -94,6 +95,7 @@ public:
 private:
 	float m_flMaxLength = 2000.0f;
 	float m_flLengthFadeInTime = 0.0f;
+	int m_nLengthField = PARTICLE_ATTRIBUTE_TRAIL_LENGTH;
 };
 
 class CRenderModels final : public CRendererBase
@@ -118,7 +120,7 @@ public:
 		FillCommon( c, pData );
 		pData->m_eKind = PARTICLE_RENDERER_MODELS;
 		pData->m_pResource = m_Resource.Get();
-		pData->m_flAlphaScale = m_flAlphaScale;
+		pData->m_flAlphaScale = m_AlphaScale.EvaluateCollection( c );
 		pData->m_pYaw = c.Stream( PARTICLE_ATTRIBUTE_YAW );
 		pData->m_pPitch = c.Stream( PARTICLE_ATTRIBUTE_PITCH );
 	}

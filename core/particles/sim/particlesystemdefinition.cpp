@@ -9,7 +9,7 @@
 #include "core/kv3/kv3serialize.h"
 #include "core/logging/logonce.h"
 #include "core/particles/particlefunctionclasses.h"
-#include "core/particles/sim/particleattributes.h"
+#include "core/particles/sim/particleattributestorage.h"
 #include "core/particles/sim/particlefunctionreader.h"
 #include "core/particles/sim/particlekv3read.h"
 #include "core/schema/schemasystemtypescope.h"
@@ -19,9 +19,9 @@ using namespace ParticleKV3;
 namespace
 {
 // Attributes every collection stores: what emission, movement, decay and drawing need.
-constexpr uint64_t CORE_ATTRIBUTES = ( uint64_t( 1 ) << PARTICLE_ATTRIBUTE_XYZ ) | ( uint64_t( 1 ) << PARTICLE_ATTRIBUTE_LIFE_DURATION ) |
-									  ( uint64_t( 1 ) << PARTICLE_ATTRIBUTE_PREV_XYZ ) | ( uint64_t( 1 ) << PARTICLE_ATTRIBUTE_RADIUS ) |
-									  ( uint64_t( 1 ) << PARTICLE_ATTRIBUTE_ROTATION ) | ( uint64_t( 1 ) << PARTICLE_ATTRIBUTE_TINT_RGB ) |
+constexpr uint64_t CORE_ATTRIBUTES = ( uint64_t( 1 ) << PARTICLE_ATTRIBUTE_POSITION ) | ( uint64_t( 1 ) << PARTICLE_ATTRIBUTE_LIFE_DURATION ) |
+									  ( uint64_t( 1 ) << PARTICLE_ATTRIBUTE_PREVIOUS_POSITION ) | ( uint64_t( 1 ) << PARTICLE_ATTRIBUTE_RADIUS ) |
+									  ( uint64_t( 1 ) << PARTICLE_ATTRIBUTE_ROLL ) | ( uint64_t( 1 ) << PARTICLE_ATTRIBUTE_COLOR ) |
 									  ( uint64_t( 1 ) << PARTICLE_ATTRIBUTE_ALPHA ) | ( uint64_t( 1 ) << PARTICLE_ATTRIBUTE_CREATION_TIME ) |
 									  ( uint64_t( 1 ) << PARTICLE_ATTRIBUTE_PARTICLE_ID );
 

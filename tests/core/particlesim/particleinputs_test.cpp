@@ -34,7 +34,7 @@ protected:
 		for ( int i = 0; i < 3; ++i )
 		{
 			m_pCollection->Stream( 18 )[ i ] = float( i ) * 10.0f;
-			m_pCollection->Stream( PARTICLE_ATTRIBUTE_XYZ, 1 )[ i ] = 100.0f + float( i );
+			m_pCollection->Stream( PARTICLE_ATTRIBUTE_POSITION, 1 )[ i ] = 100.0f + float( i );
 		}
 		m_Bindings.SetSilent( true );
 		m_Context.m_pBindings = const_cast<CParticleNamedValueBindings *>( &m_pDef->m_NamedValues );
@@ -208,7 +208,7 @@ TEST_F( ParticleInputs, NoiseStaysInItsOutputRangeAndMoves )
 		float flMin = 1e9f, flMax = -1e9f;
 		for ( int n = 0; n < 50; ++n )
 		{
-			m_pCollection->Stream( PARTICLE_ATTRIBUTE_XYZ, 0 )[ 0 ] = float( n ) * 1.7f;
+			m_pCollection->Stream( PARTICLE_ATTRIBUTE_POSITION, 0 )[ 0 ] = float( n ) * 1.7f;
 			float v = PerParticle( noise, 0 );
 			flMin = std::min( flMin, v );
 			flMax = std::max( flMax, v );

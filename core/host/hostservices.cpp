@@ -1,0 +1,83 @@
+#include "core/host/hostservices.h"
+
+#include "core/host/assetsystem.h"
+#include "core/host/filesystem.h"
+#include "core/host/gameinfo.h"
+#include "core/host/helpsystem.h"
+#include "core/host/hostpaths.h"
+#include "core/host/interfaceregistry.h"
+#include "core/host/propertyeditorsystem.h"
+#include "core/host/resourcesystem.h"
+
+CHostServices::CHostServices() = default;
+
+CHostServices::~CHostServices()
+{
+	Uninstall();
+}
+
+bool CHostServices::Init( const char *pGameRoot, const char *pContentRoot, CUtlString *pError )
+{
+	Uninstall();
+	m_pAssetSystem.reset();
+
+	m_pFileSystem = std::make_unique<CFileSystem>();
+	m_pResourceSystem = std::make_unique<CResourceSystem>();
+	m_pHelpSystem = std::make_unique<CHelpSystem>();
+	m_pPropertyEditorSystem = std::make_unique<CPropertyEditorSystem>();
+	m_pGameInfo = std::make_unique<CGameInfo>();
+
+	for ( const char *pRoot : { pGameRoot, pContentRoot } )
+	{
+		if ( !m_pFileSystem->IsDirectory( pRoot ) )
+		{
+			if ( pError )
+				pError->Format( "The directory '%s' doesn't exist", pRoot ? pRoot : "" );
+			return false;
+		}
+	}
+	m_pFileSystem->SetupFromRoots( pGameRoot, pContentRoot );
+	m_pAssetSystem = std::make_unique<CAssetSystem>( m_pFileSystem.get(), m_pResourceSystem.get() );
+	m_pGameInfo->Load( m_pFileSystem.get(), pError );
+	Install();
+	return true;
+}
+
+void CHostServices::Install()
+{
+	::SetFileSystem( m_pFileSystem.get() );
+	::SetResourceSystem( m_pResourceSystem.get() );
+	::SetAssetSystem( m_pAssetSystem.get() );
+	::SetHelpSystem( m_pHelpSystem.get() );
+	::SetPropertyEditorSystem( m_pPropertyEditorSystem.get() );
+	::SetGameInfo( m_pGameInfo.get() );
+	m_Registrations[ 0 ] = std::make_unique<CHostInterfaceReg>( FILESYSTEM_INTERFACE_VERSION, static_cast<IFileSystem *>( m_pFileSystem.get() ) );
+	m_Registrations[ 1 ] = std::make_unique<CHostInterfaceReg>( RESOURCESYSTEM_INTERFACE_VERSION, static_cast<IResourceSystem *>( m_pResourceSystem.get() ) );
+	m_Registrations[ 2 ] = std::make_unique<CHostInterfaceReg>( ASSETSYSTEM_INTERFACE_VERSION, static_cast<IAssetSystem *>( m_pAssetSystem.get() ) );
+	m_Registrations[ 3 ] = std::make_unique<CHostInterfaceReg>( HELPSYSTEM_INTERFACE_VERSION, static_cast<IHelpSystem *>( m_pHelpSystem.get() ) );
+	m_Registrations[ 4 ] = std::make_unique<CHostInterfaceReg>( PROPERTYEDITORSYSTEM_INTERFACE_VERSION, static_cast<IPropertyEditorSystem *>( m_pPropertyEditorSystem.get() ) );
+	m_Registrations[ 5 ] = std::make_unique<CHostInterfaceReg>( GAMEINFO_INTERFACE_VERSION, static_cast<void *>( m_pGameInfo.get() ) );
+	m_bInstalled = true;
+}
+
+void CHostServices::Uninstall()
+{
+	if ( !m_bInstalled )
+		return;
+	for ( std::unique_ptr<CHostInterfaceReg> &pRegistration : m_Registrations )
+		pRegistration.reset();
+	// Only clear what still points at this object's services.
+	if ( ::GetFileSystem() == m_pFileSystem.get() )
+		::SetFileSystem( nullptr );
+	if ( ::GetResourceSystem() == m_pResourceSystem.get() )
+		::SetResourceSystem( nullptr );
+	if ( ::GetAssetSystem() == m_pAssetSystem.get() )
+		::SetAssetSystem( nullptr );
+	if ( ::GetHelpSystem() == m_pHelpSystem.get() )
+		::SetHelpSystem( nullptr );
+	if ( ::GetPropertyEditorSystem() == m_pPropertyEditorSystem.get() )
+		::SetPropertyEditorSystem( nullptr );
+	if ( ::GetGameInfo() == m_pGameInfo.get() )
+		::SetGameInfo( nullptr );
+	m_bInstalled = false;
+}

@@ -1,0 +1,199 @@
+#include "core/particles/hostparticlesystemmgr.h"
+
+#include <cstring>
+#include <string>
+
+#include "core/kv3/keyvalues3.h"
+#include "core/particles/particleattributes.h"
+#include "core/particles/particlebehaviorversion.h"
+#include "core/particles/particlefunctionclasses.h"
+#include "core/schema/schemaclassinfo.h"
+#include "core/schema/schemasystemtypescope.h"
+
+namespace
+{
+// The family base of each list, most derived first: pre-emission operators are operators too.
+struct ListBase_t
+{
+	ParticleFunctionType_t m_eType;
+	const char *m_pszBase;
+};
+constexpr ListBase_t s_ListBases[] = {
+	{ PARTICLE_FUNCTION_PRE_EMISSION_OPERATOR, "CParticleFunctionPreEmission" },
+	{ PARTICLE_FUNCTION_EMITTER, "CParticleFunctionEmitter" },
+	{ PARTICLE_FUNCTION_INITIALIZER, "CParticleFunctionInitializer" },
+	{ PARTICLE_FUNCTION_OPERATOR, "CParticleFunctionOperator" },
+	{ PARTICLE_FUNCTION_FORCE_GENERATOR, "CParticleFunctionForce" },
+	{ PARTICLE_FUNCTION_CONSTRAINT, "CParticleFunctionConstraint" },
+	{ PARTICLE_FUNCTION_RENDERER, "CParticleFunctionRenderer" },
+};
+
+bool IsClassListType( ParticleFunctionType_t eType )
+{
+	return eType >= 0 && eType < PARTICLE_FUNCTION_CLASS_LIST_COUNT;
+}
+
+// An attribute index field's value in a function's table, or its declared default.
+int AttributeFieldValue( const KeyValues3 *pFunction, const CSchemaClassInfo *pClass, const char *pszField )
+{
+	const KeyValues3 *pValue = pFunction->FindMember( pszField );
+	if ( !pValue )
+		pValue = pClass->GetDefaults()->FindMember( pszField );
+	if ( !pValue || !pValue->IsNumber() )
+		return PARTICLE_ATTRIBUTE_NONE;
+	return pValue->GetInt( PARTICLE_ATTRIBUTE_NONE );
+}
+
+// "a,b,c" into at most three texts, one per vector component.
+void AddComponentUsage( int nAttribute, const char *pszTexts, ParticleFunctionInfo_t *pInfo )
+{
+	int nComponent = 0;
+	const char *pszStart = pszTexts;
+	while ( nComponent < 3 )
+	{
+		const char *pszEnd = strchr( pszStart, ',' );
+		size_t nLength = pszEnd ? size_t( pszEnd - pszStart ) : strlen( pszStart );
+		ParticleAttributeUsage_t &usage = pInfo->m_AttributeUsage[ pInfo->m_AttributeUsage.AddToTail() ];
+		usage.m_nAttribute = nAttribute;
+		usage.m_nComponent = nComponent++;
+		usage.m_Text.Set( std::string( pszStart, nLength ).c_str() );
+		if ( !pszEnd )
+			break;
+		pszStart = pszEnd + 1;
+	}
+}
+} // namespace
+
+CHostParticleSystemMgr::CHostParticleSystemMgr()
+{
+	const CSchemaSystemTypeScope *pScope = ParticleTypeScope();
+	for ( int i = 0; i < pScope->GetClassCount(); ++i )
+	{
+		const CSchemaClassInfo *pClass = pScope->GetClass( i );
+		ParticleFunctionType_t eType = GetFunctionClassType( pClass );
+		if ( IsClassListType( eType ) )
+			m_Classes[ eType ].push_back( pClass );
+	}
+}
+
+ParticleFunctionType_t CHostParticleSystemMgr::GetFunctionClassType( const CSchemaClassInfo *pClass )
+{
+	// The family bases are no functions of their own.
+	if ( !pClass || !pClass->CanCreate() )
+		return PARTICLE_FUNCTION_ROOT;
+	const CSchemaSystemTypeScope *pScope = pClass->GetTypeScope();
+	for ( const ListBase_t &list : s_ListBases )
+	{
+		if ( strcmp( pClass->GetName(), list.m_pszBase ) == 0 )
+			return PARTICLE_FUNCTION_ROOT;
+	}
+	for ( const ListBase_t &list : s_ListBases )
+	{
+		const CSchemaClassInfo *pBase = pScope ? pScope->FindDeclaredClass( list.m_pszBase ) : nullptr;
+		if ( pBase && pClass->IsA( pBase ) )
+			return list.m_eType;
+	}
+	return PARTICLE_FUNCTION_ROOT;
+}
+
+const CSchemaClassInfo *CHostParticleSystemMgr::GetFunctionClass( ParticleFunctionType_t eType, int nIndex ) const
+{
+	if ( !IsClassListType( eType ) || nIndex < 0 || nIndex >= static_cast<int>( m_Classes[ eType ].size() ) )
+		return nullptr;
+	return m_Classes[ eType ][ nIndex ];
+}
+
+int CHostParticleSystemMgr::GetFunctionCount( ParticleFunctionType_t eType ) const
+{
+	return IsClassListType( eType ) ? static_cast<int>( m_Classes[ eType ].size() ) : 0;
+}
+
+const char *CHostParticleSystemMgr::GetFunctionClassName( ParticleFunctionType_t eType, int nIndex ) const
+{
+	const CSchemaClassInfo *pClass = GetFunctionClass( eType, nIndex );
+	return pClass ? pClass->GetName() : nullptr;
+}
+
+const char *CHostParticleSystemMgr::GetFunctionFriendlyName( ParticleFunctionType_t eType, int nIndex ) const
+{
+	const CSchemaClassInfo *pClass = GetFunctionClass( eType, nIndex );
+	if ( !pClass )
+		return nullptr;
+	const SchemaMetadataEntry_t *pName = pClass->FindMetadata( "MPropertyFriendlyName" );
+	return pName && pName->m_eType == SCHEMA_METADATA_STRING ? pName->m_pszValue : pClass->GetName();
+}
+
+int CHostParticleSystemMgr::GetFunctionExclusionGroup( ParticleFunctionType_t eType, int nIndex ) const
+{
+	const CSchemaClassInfo *pClass = GetFunctionClass( eType, nIndex );
+	const SchemaMetadataEntry_t *pGroup = pClass ? pClass->FindMetadata( "MParticleExclusionGroup" ) : nullptr;
+	return pGroup && pGroup->m_eType == SCHEMA_METADATA_INT ? static_cast<int>( pGroup->m_nValue ) : -2;
+}
+
+const char *CHostParticleSystemMgr::GetFunctionSchemaClass( ParticleFunctionType_t eType, int nIndex ) const
+{
+	// Each class is its own schema binding.
+	return GetFunctionClassName( eType, nIndex );
+}
+
+int CHostParticleSystemMgr::GetCurrentBehaviorVersion() const
+{
+	return PARTICLE_CURRENT_BEHAVIOR_VERSION;
+}
+
+const char *CHostParticleSystemMgr::GetBehaviorVersionChange( int nVersion ) const
+{
+	return GetParticleBehaviorVersionChange( nVersion );
+}
+
+const char *CHostParticleSystemMgr::GetParticleAttributeName( int nAttribute ) const
+{
+	return ::GetParticleAttributeName( nAttribute );
+}
+
+void CHostParticleSystemMgr::GetFunctionInfo( const KeyValues3 *pFunction, ParticleFunctionInfo_t *pInfo ) const
+{
+	if ( !pInfo )
+		return;
+	pInfo->m_nWrittenAttributes = 0;
+	pInfo->m_AttributeUsage.RemoveAll();
+	if ( !pFunction || !pFunction->IsTable() )
+		return;
+	const CSchemaClassInfo *pClass = ParticleTypeScope()->FindDeclaredClass( pFunction->GetMemberString( "_class", "" ) );
+	if ( !IsClassListType( GetFunctionClassType( pClass ) ) )
+		return;
+
+	if ( const SchemaMetadataEntry_t *pWritten = pClass->FindMetadata( "MParticleWrittenAttributes" ) )
+		pInfo->m_nWrittenAttributes |= static_cast<uint64_t>( pWritten->m_nValue );
+
+	std::vector<const CSchemaClassField *> fields;
+	pClass->GetAllFields( fields );
+	for ( const CSchemaClassField *pField : fields )
+	{
+		const bool bOutput = pField->HasMetadata( "MParticleOutputField" );
+		const SchemaMetadataEntry_t *pUsage = pField->FindMetadata( "MParticleAttributeUsage" );
+		const SchemaMetadataEntry_t *pComponents = pField->FindMetadata( "MParticleAttributeUsageComponents" );
+		if ( !bOutput && !pUsage && !pComponents )
+			continue;
+		const int nAttribute = AttributeFieldValue( pFunction, pClass, pField->GetName() );
+		if ( nAttribute < 0 || nAttribute >= PARTICLE_ATTRIBUTE_COUNT )
+			continue;
+		if ( bOutput )
+			pInfo->m_nWrittenAttributes |= ParticleAttributeBit( nAttribute );
+		if ( pUsage )
+		{
+			ParticleAttributeUsage_t &usage = pInfo->m_AttributeUsage[ pInfo->m_AttributeUsage.AddToTail() ];
+			usage.m_nAttribute = nAttribute;
+			usage.m_Text.Set( pUsage->m_pszValue );
+		}
+		if ( pComponents )
+			AddComponentUsage( nAttribute, pComponents->m_pszValue, pInfo );
+	}
+}
+
+IParticleSystemMgr *HostParticleSystemMgr()
+{
+	RegisterParticleFunctionClasses();
+	static CHostParticleSystemMgr s_Mgr;
+	return &s_Mgr;
+}
