@@ -6,6 +6,9 @@
 #include <vector>
 
 #include "core/kv3/keyvalues3.h"
+#include "core/kv3transfer/kv3transferobject.h"
+#include "core/mathlib/colorgradient.h"
+#include "core/mathlib/piecewisecurve.h"
 #include "core/particles/sim/particleinputs.h"
 #include "core/particles/sim/particlekv3read.h"
 #include "core/particles/sim/particlenamedvaluebindings.h"
@@ -64,56 +67,34 @@ bool RefuseKind( const KeyValues3 *pValue, const char *pWhat, CUtlString *pError
 	return false;
 }
 
-float HermiteSample( float x0, float y0, float m0, float x1, float y1, float m1, float x )
-{
-	float h = x1 - x0;
-	if ( h <= 0.0f )
-		return y1;
-	float t = ( x - x0 ) / h;
-	float t2 = t * t, t3 = t2 * t;
-	return ( 2 * t3 - 3 * t2 + 1 ) * y0 + ( t3 - 2 * t2 + t ) * h * m0 + ( -2 * t3 + 3 * t2 ) * y1 + ( t3 - t2 ) * h * m1;
-}
 } // namespace
 
 bool ParticleSampledCurve_t::Load( const KeyValues3 *pCurve )
 {
 	m_bValid = false;
-	const KeyValues3 *pKeys = Member( pCurve, "m_spline" );
-	if ( !pKeys || !pKeys->IsArray() || pKeys->GetArrayElementCount() == 0 )
+	if ( !pCurve || !pCurve->IsTable() )
 		return false;
-	struct Key_t
+	CPiecewiseCurve curve;
+	CUtlString error;
+	// Reports of the lenient load (a cast, a stray member) don't stop a usable curve.
+	LoadKV3ObjectInPlace( &curve, pCurve, &error );
+	if ( curve.GetKeyCount() == 0 )
+		return false;
+	// The sampled range: the curve's domain when it has one, else the span of its keys.
+	m_flDomainMin = curve.m_vDomainMins.x;
+	m_flDomainMax = curve.m_vDomainMaxs.x;
+	if ( !( m_flDomainMax > m_flDomainMin ) )
 	{
-		float x, y, in, out;
-	};
-	std::vector<Key_t> keys;
-	for ( int i = 0; i < pKeys->GetArrayElementCount(); ++i )
-	{
-		const KeyValues3 *pKey = pKeys->GetArrayElement( i );
-		keys.push_back( { ReadFloat( Member( pKey, "x" ), 0.0f ), ReadFloat( Member( pKey, "y" ), 0.0f ), ReadFloat( Member( pKey, "m_flSlopeIncoming" ), 0.0f ),
-			ReadFloat( Member( pKey, "m_flSlopeOutgoing" ), 0.0f ) } );
+		m_flDomainMin = curve.GetKey( 0 ).x;
+		m_flDomainMax = curve.GetKey( curve.GetKeyCount() - 1 ).x;
+		if ( !( m_flDomainMax > m_flDomainMin ) )
+			m_flDomainMax = m_flDomainMin + 1.0f;
 	}
-	std::stable_sort( keys.begin(), keys.end(), []( const Key_t &a, const Key_t &b ) { return a.x < b.x; } );
-	const KeyValues3 *pMins = Member( pCurve, "m_vDomainMins" );
-	const KeyValues3 *pMaxs = Member( pCurve, "m_vDomainMaxs" );
-	m_flDomainMin = pMins && pMins->IsArray() && pMins->GetArrayElementCount() > 0 ? ReadFloat( pMins->GetArrayElement( 0 ), keys.front().x ) : keys.front().x;
-	m_flDomainMax = pMaxs && pMaxs->IsArray() && pMaxs->GetArrayElementCount() > 0 ? ReadFloat( pMaxs->GetArrayElement( 0 ), keys.back().x ) : keys.back().x;
-	if ( m_flDomainMax <= m_flDomainMin )
-	{
-		m_flDomainMin = keys.front().x;
-		m_flDomainMax = keys.back().x > keys.front().x ? keys.back().x : keys.front().x + 1.0f;
-	}
-	size_t nKey = 0;
 	for ( int i = 0; i < SAMPLES; ++i )
 	{
 		float x = m_flDomainMin + ( m_flDomainMax - m_flDomainMin ) * float( i ) / float( SAMPLES - 1 );
-		while ( nKey + 1 < keys.size() && keys[ nKey + 1 ].x <= x )
-			++nKey;
-		if ( x <= keys.front().x )
-			m_flValues[ i ] = keys.front().y;
-		else if ( nKey + 1 >= keys.size() )
-			m_flValues[ i ] = keys.back().y;
-		else
-			m_flValues[ i ] = HermiteSample( keys[ nKey ].x, keys[ nKey ].y, keys[ nKey ].out, keys[ nKey + 1 ].x, keys[ nKey + 1 ].y, keys[ nKey + 1 ].in, x );
+		// A single key is a constant; Evaluate would hand back x itself.
+		m_flValues[ i ] = curve.GetKeyCount() == 1 ? curve.GetKey( 0 ).y : curve.Evaluate( x );
 	}
 	m_bValid = true;
 	return true;
@@ -122,41 +103,17 @@ bool ParticleSampledCurve_t::Load( const KeyValues3 *pCurve )
 bool ParticleSampledGradient_t::Load( const KeyValues3 *pGradient )
 {
 	m_bValid = false;
-	const KeyValues3 *pStops = Member( pGradient, "m_Stops" );
-	if ( !pStops || !pStops->IsArray() || pStops->GetArrayElementCount() == 0 )
+	if ( !pGradient || !pGradient->IsTable() )
 		return false;
-	struct Stop_t
-	{
-		float t;
-		Vector c;
-	};
-	std::vector<Stop_t> stops;
-	for ( int i = 0; i < pStops->GetArrayElementCount(); ++i )
-	{
-		const KeyValues3 *pStop = pStops->GetArrayElement( i );
-		int rgba[ 4 ] = { 0, 0, 0, 255 };
-		ReadColor( Member( pStop, "m_Color" ), rgba );
-		float t = std::clamp( ReadFloat( Member( pStop, "m_flPosition" ), 0.0f ), 0.0f, 1.0f );
-		stops.push_back( { t, Vector( float( rgba[ 0 ] ) / 255.0f, float( rgba[ 1 ] ) / 255.0f, float( rgba[ 2 ] ) / 255.0f ) } );
-	}
-	std::stable_sort( stops.begin(), stops.end(), []( const Stop_t &a, const Stop_t &b ) { return a.t < b.t; } );
-	size_t nStop = 0;
+	CColorGradient gradient;
+	CUtlString error;
+	LoadKV3ObjectInPlace( &gradient, pGradient, &error );
+	if ( gradient.GetStopCount() == 0 )
+		return false;
 	for ( int i = 0; i < SAMPLES; ++i )
 	{
-		float t = float( i ) / float( SAMPLES - 1 );
-		while ( nStop + 1 < stops.size() && stops[ nStop + 1 ].t <= t )
-			++nStop;
-		if ( t <= stops.front().t )
-			m_Colors[ i ] = stops.front().c;
-		else if ( nStop + 1 >= stops.size() )
-			m_Colors[ i ] = stops.back().c;
-		else
-		{
-			float flSpan = stops[ nStop + 1 ].t - stops[ nStop ].t;
-			float f = flSpan > 0.0f ? ( t - stops[ nStop ].t ) / flSpan : 1.0f;
-			const Vector &a = stops[ nStop ].c, &b = stops[ nStop + 1 ].c;
-			m_Colors[ i ] = Vector( a.x + ( b.x - a.x ) * f, a.y + ( b.y - a.y ) * f, a.z + ( b.z - a.z ) * f );
-		}
+		Color color = gradient.Evaluate( float( i ) / float( SAMPLES - 1 ) );
+		m_Colors[ i ] = Vector( float( color.r() ) / 255.0f, float( color.g() ) / 255.0f, float( color.b() ) / 255.0f );
 	}
 	m_bValid = true;
 	return true;

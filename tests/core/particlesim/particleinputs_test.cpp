@@ -131,9 +131,9 @@ TEST_F( ParticleInputs, FloatSourcesAndMaps )
 		{ "{ m_flLiteralValue = 2.5 m_nMapType = \"PF_MAP_TYPE_ROUND\" }", 0, 3.0f },
 		{ "{ m_flLiteralValue = 2.7 m_nMapType = \"PF_MAP_TYPE_ROUND\" m_nRoundType = \"PF_ROUND_TYPE_FLOOR\" }", 0, 2.0f },
 		{ "{ m_flLiteralValue = 2.1 m_nMapType = \"PF_MAP_TYPE_ROUND\" m_nRoundType = \"PF_ROUND_TYPE_CEIL\" }", 0, 3.0f },
-		{ "{ m_nType = \"PF_TYPE_PARTICLE_FLOAT\" m_nScalarAttribute = 18 m_nMapType = \"PF_MAP_TYPE_CURVE\" m_Curve = { m_spline = [ { x = 0.0 y = 0.0 }, { x = 20.0 y = 40.0 } ] } }", 1, 20.0f },
-		{ "{ m_nType = \"PF_TYPE_PARTICLE_FLOAT\" m_nScalarAttribute = 18 m_nMapType = \"PF_MAP_TYPE_CURVE\" m_Curve = { m_spline = [ { x = 0.0 y = 5.0 }, { x = 4.0 y = 9.0 } ] } }", 2, 9.0f },
-		{ "{ m_nType = \"PF_TYPE_PARTICLE_FLOAT\" m_nScalarAttribute = 18 m_nMapType = \"PF_MAP_TYPE_CURVE\" m_nInputMode = \"PF_INPUT_MODE_LOOPED\" m_Curve = { m_spline = [ { x = 0.0 y = 0.0 m_flSlopeOutgoing = 1.0 }, { x = 8.0 y = 8.0 m_flSlopeIncoming = 1.0 } ] } }", 1, 2.0f },
+		{ "{ m_nType = \"PF_TYPE_PARTICLE_FLOAT\" m_nScalarAttribute = 18 m_nMapType = \"PF_MAP_TYPE_CURVE\" m_Curve = { m_spline = [ { x = 0.0 y = 0.0 }, { x = 20.0 y = 40.0 } ] m_tangents = [ {}, {} ] } }", 1, 20.0f },
+		{ "{ m_nType = \"PF_TYPE_PARTICLE_FLOAT\" m_nScalarAttribute = 18 m_nMapType = \"PF_MAP_TYPE_CURVE\" m_Curve = { m_spline = [ { x = 0.0 y = 5.0 }, { x = 4.0 y = 9.0 } ] m_tangents = [ {}, {} ] } }", 2, 9.0f },
+		{ "{ m_nType = \"PF_TYPE_PARTICLE_FLOAT\" m_nScalarAttribute = 18 m_nMapType = \"PF_MAP_TYPE_CURVE\" m_nInputMode = \"PF_INPUT_MODE_LOOPED\" m_Curve = { m_spline = [ { x = 0.0 y = 0.0 m_flSlopeOutgoing = 1.0 }, { x = 8.0 y = 8.0 m_flSlopeIncoming = 1.0 } ] m_tangents = [ {}, {} ] } }", 1, 2.0f },
 	};
 	for ( const FloatCase_t &test : cases )
 	{
