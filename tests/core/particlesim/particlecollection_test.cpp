@@ -309,3 +309,19 @@ TEST( ParticleCollection, CulledStepAgesWithoutMoving )
 	pCollection->SimulateCulled( 0.5f );
 	EXPECT_EQ( pCollection->GetActiveParticleCount( false ), 0 ) << "a second of life is over";
 }
+
+TEST( ParticleCollection, MaintainEmitterReplacesTheDead )
+{
+	auto pCollection = MakeCollection( CompileBody( R"(
+		m_Emitters = [ { _class = "C_OP_MaintainEmitter" m_nParticlesToMaintain = 25 } ]
+		m_Initializers = [ { _class = "C_INIT_RandomLifeTime" m_fLifetimeMin = 0.1 m_fLifetimeMax = 0.3 },
+			{ _class = "C_INIT_CreateWithinBox" m_vecMin = [ -1.0, -1.0, -1.0 ] m_vecMax = [ 1.0, 1.0, 1.0 ] } ]
+		m_Operators = [ { _class = "C_OP_Decay" } ])" ) );
+	for ( int i = 0; i < 60; ++i )
+	{
+		pCollection->Simulate( 1.0f / 60.0f );
+		EXPECT_LE( pCollection->GetActiveParticleCount( false ), 25 );
+	}
+	EXPECT_GE( pCollection->GetActiveParticleCount( false ), 20 ) << "a second on, the dead are replaced";
+	EXPECT_FALSE( pCollection->IsFinished() );
+}

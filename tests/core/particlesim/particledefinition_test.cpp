@@ -201,9 +201,9 @@ TEST( ParticleDefinition, ASystemThatContainsItselfIsRefused )
 	std::filesystem::remove_all( root );
 }
 
-TEST( ParticleDefinition, EveryDeclaredClassHasBehaviour )
+TEST( ParticleDefinition, TheSampleAndPresetClassesAllHaveBehaviour )
 {
-	// One of each class the schema declares, each in its own list.
+	// One of each class the shipped samples and the presets use, each in its own list.
 	ParticleDefinitionPtr_t pDef = CompileBody( R"(
 		m_Emitters = [ { _class = "C_OP_ContinuousEmitter" }, { _class = "C_OP_InstantaneousEmitter" } ]
 		m_Initializers = [ { _class = "C_INIT_CreateWithinSphere" }, { _class = "C_INIT_InitFloat" }, { _class = "C_INIT_InitVec" },
@@ -231,4 +231,31 @@ TEST( ParticleDefinition, EveryDeclaredClassHasBehaviour )
 	// The instantaneous emitter's default of 100 and the continuous one's first particles.
 	EXPECT_GE( pCollection->GetActiveParticleCount( false ), 100 );
 	EXPECT_EQ( pCollection->GetRendererCount(), 2 );
+}
+
+TEST( ParticleDefinition, DeclaredClassesWithoutBehaviourCompileAsNoOps )
+{
+	// The editor accepts every declared class, so the preview must not refuse one.
+	ParticleDefinitionPtr_t pDef = CompileBody( R"(m_Initializers = [ { _class = "C_INIT_RingWave" }, { _class = "C_INIT_CreateWithinBox" } ])" );
+	ASSERT_TRUE( pDef );
+	ASSERT_EQ( pDef->GetFunctions( PARTICLE_FUNCTION_INITIALIZER ).size(), 2u );
+	EXPECT_FALSE( pDef->GetFunctions( PARTICLE_FUNCTION_INITIALIZER )[ 0 ]->m_bHasBehaviour );
+	EXPECT_TRUE( pDef->GetFunctions( PARTICLE_FUNCTION_INITIALIZER )[ 1 ]->m_bHasBehaviour );
+}
+
+TEST( ParticleDefinition, SampleUsageNamesThePointsItsFunctionsRead )
+{
+	std::string path = std::string( ZOL_SOURCE_DIR ) + "/content/content/particles/samples/sparks.tfxs";
+	CParticleDefinitionFileCompiler compiler( CParticleDefinitionFileCompiler::FindContentRoot( path.c_str() ).Get(), ReadFile );
+	CUtlString error;
+	ParticleDefinitionPtr_t pDef = compiler.Compile( path.c_str(), &error );
+	ASSERT_TRUE( pDef ) << error.Get();
+	ParticleParamID_t cp0 = ParticleParamID_t::ControlPoint( 0 );
+	// The sphere spawns around point 0 and the plane stands relative to it.
+	EXPECT_EQ( pDef->m_Usage.GetFunctionFlags( PARTICLE_FUNCTION_INITIALIZER, 0, cp0 ), 1 );
+	EXPECT_EQ( pDef->m_Usage.GetFunctionFlags( PARTICLE_FUNCTION_CONSTRAINT, 0, cp0 ), 1 );
+	EXPECT_EQ( pDef->m_Usage.GetFunctionFlags( PARTICLE_FUNCTION_OPERATOR, 0, cp0 ), 0 );
+	EXPECT_EQ( pDef->m_Usage.GetUsageKind( cp0, 0 ), 2 );
+	EXPECT_FALSE( pDef->m_Usage.IsDriven( cp0 ) );
+	EXPECT_EQ( pDef->m_Usage.Count(), 1 );
 }
