@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <chrono>
-#include <cstring>
 
 #include "core/particles/sim/particlesimmath.h"
 
@@ -411,7 +410,7 @@ void CParticleCollection::RunStep( float flDt, bool bMove )
 		// A culled step: particles age and die, nothing else.
 		for ( const auto &pOperator : def.GetFunctions( PARTICLE_FUNCTION_OPERATOR ) )
 		{
-			if ( strcmp( pOperator->GetClassName(), "C_OP_Decay" ) == 0 )
+			if ( pOperator->m_bRunsWhenCulled )
 				pOperator->Operate( *this, flDt );
 		}
 		RemoveKilledParticles();

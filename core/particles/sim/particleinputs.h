@@ -130,7 +130,7 @@ public:
 	bool Load( const KeyValues3 *pValue, CUtlString *pError );
 	void Compile( ParticleInputCompileContext_t *pContext, bool bPerParticle );
 
-	// Constant for the whole run: a literal with any map but a curve of a literal.
+	// The same value for every particle and every step: a literal, whatever its map.
 	bool IsConstant() const { return m_nType == PF_TYPE_LITERAL; }
 	bool IsPerParticleSource() const;
 

@@ -60,6 +60,8 @@ public:
 	CUtlVector<ControlPointUsage_t> m_ControlPointUsage;
 	// Whether this class's behaviour is known; unknown registered classes compile as no-ops.
 	bool m_bHasBehaviour = true;
+	// Runs in a culled step too: functions that end lives, so culled systems still finish.
+	bool m_bRunsWhenCulled = false;
 };
 
 using ParticleSimFunctionFactory_t = std::unique_ptr<CParticleSimFunction> ( * )();

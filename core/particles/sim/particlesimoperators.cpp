@@ -74,6 +74,7 @@ public:
 	{
 		reader.Reads( PARTICLE_ATTRIBUTE_CREATION_TIME );
 		reader.Reads( PARTICLE_ATTRIBUTE_LIFE_DURATION );
+		m_bRunsWhenCulled = true;
 	}
 
 	void Operate( CParticleCollection &c, float ) const override
@@ -345,6 +346,7 @@ public:
 		m_flEndAlpha = reader.Float( "m_flEndAlpha", 0.0f );
 		reader.Writes( PARTICLE_ATTRIBUTE_ALPHA );
 		reader.ReadsInitial( PARTICLE_ATTRIBUTE_ALPHA );
+		m_bRunsWhenCulled = true;
 	}
 
 	void Operate( CParticleCollection &c, float ) const override

@@ -325,3 +325,41 @@ TEST( ParticleCollection, MaintainEmitterReplacesTheDead )
 	EXPECT_GE( pCollection->GetActiveParticleCount( false ), 20 ) << "a second on, the dead are replaced";
 	EXPECT_FALSE( pCollection->IsFinished() );
 }
+
+TEST( ParticleCollection, LongFramesAreSplitIntoStableSteps )
+{
+	const char *pBody = R"(m_flConstantLifespan = 100.0
+		m_Emitters = [ { _class = "C_OP_InstantaneousEmitter" m_nParticlesToEmit = 4 } ]
+		m_Initializers = [ { _class = "C_INIT_CreateWithinSphere" m_fRadiusMax = 3.0 m_fSpeedMin = 20.0 m_fSpeedMax = 20.0 } ]
+		m_Operators = [ { _class = "C_OP_BasicMovement" m_Gravity = [ 0.0, 0.0, -100.0 ] } ]
+		m_Renderers = [ { _class = "C_OP_RenderSprites" } ])";
+	auto pDef = CompileBody( pBody );
+	auto pLong = MakeCollection( pDef, 9 );
+	auto pShort = MakeCollection( pDef, 9 );
+	pLong->Simulate( 1.0f );
+	Step( pShort.get(), 10, 0.1f );
+	std::vector<float> a = Positions( *pLong ), b = Positions( *pShort );
+	ASSERT_EQ( a.size(), b.size() );
+	for ( size_t i = 0; i < a.size(); ++i )
+		EXPECT_NEAR( a[ i ], b[ i ], 1e-3f );
+}
+
+TEST( ParticleCollection, InitialParticlesAndPreSimulationStartTheSystemRunning )
+{
+	auto pInitial = MakeCollection( CompileBody( R"(m_nInitialParticles = 12)" ) );
+	EXPECT_EQ( pInitial->GetActiveParticleCount( false ), 12 );
+	auto pWarm = MakeCollection( CompileBody( R"(m_flPreSimulationTime = 1.0 m_flConstantLifespan = 100.0
+		m_Emitters = [ { _class = "C_OP_ContinuousEmitter" m_flEmitRate = 30.0 } ])" ) );
+	pWarm->Simulate( 1.0f / 60.0f );
+	EXPECT_NEAR( pWarm->GetActiveParticleCount( false ), 30, 2 ) << "a second of emission before the first frame";
+}
+
+TEST( ParticleCollection, DetailLevelIsCappedByTheDefinition )
+{
+	auto pCollection = MakeCollection( CompileBody( R"(m_nMaxDetailLevel = 1)" ) );
+	EXPECT_EQ( pCollection->GetMaxDetailLevel(), 1 );
+	pCollection->SetMaxDetailLevel( 3 );
+	EXPECT_EQ( pCollection->GetMaxDetailLevel(), 1 );
+	pCollection->SetMaxDetailLevel( 0 );
+	EXPECT_EQ( pCollection->GetMaxDetailLevel(), 0 );
+}
