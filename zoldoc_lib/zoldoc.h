@@ -21,6 +21,7 @@
 
 class CBaseZolNode;
 class CPulseValueFullType;
+class CUtlBuffer;
 class CUndoHistory;
 class CZolChildNode;
 class CZolFunctionNode;
@@ -36,6 +37,8 @@ public:
 	static constexpr int UNDO_STEP_LIMIT = 50;
 
 	using FunctionInitialiser_t = std::function<void( CZolFunctionNode * )>;
+	// Receives the final tree of a save and may change it (the session's driver filter).
+	using SavePostProcess_t = std::function<void( KeyValues3 * )>;
 
 	// Snapshots are built without histories; their operations record nothing.
 	explicit CZolDoc( bool bWithHistories = true );
@@ -61,6 +64,17 @@ public:
 	// A new, empty definition at the running behaviour version. Until the first Reset (or
 	// after a failed load) the document has no root and its operations do nothing.
 	void Reset();
+
+	// The definition file. A failed load leaves the document without a root and says why
+	// in pError; a load that succeeds may still have warnings (values read leniently).
+	bool LoadFromFile( const char *pPath, const char *pPathId, CUtlString *pError );
+	const CUtlString &GetLoadWarnings() const { return m_LoadWarnings; }
+	// The file's text: defaults removed, then fnPostProcess, then KV3 text "tfxs63".
+	bool SaveToBuffer( CUtlBuffer *pOut, CUtlString *pError, const SavePostProcess_t &fnPostProcess = {} ) const;
+	// As SaveToBuffer, into the file; nothing of a failed save reaches the file.
+	bool SaveToFile( const char *pPath, CUtlString *pError, const SavePostProcess_t &fnPostProcess = {} ) const;
+	// The tree that a save writes, before the post-process; false without a root.
+	bool BuildSaveTree( KeyValues3 *pOut ) const;
 
 	// Structure.
 	CZolChildNode *AddChild( IAsset *pAsset );
@@ -151,4 +165,5 @@ private:
 	CUndoHistory *m_pRedoHistory = nullptr;
 	CUtlVector<CUtlString> m_AttributeLabels;
 	std::unordered_set<CBaseZolNode *> m_ModifiedNodes;
+	CUtlString m_LoadWarnings;
 };

@@ -1,10 +1,84 @@
 #include "zoldoc_lib/zolfunctioncatalogue.h"
 
+#include <vector>
+
 #include "core/kv3/keyvalues3.h"
-#include "core/text/strtools.h"
 #include "core/particles/iparticlesystemmgr.h"
+#include "core/particles/particlefunctionclasses.h"
+#include "core/schema/schemaclassinfo.h"
+#include "core/schema/schemasystemtypescope.h"
+#include "core/text/strtools.h"
+#include "tools/toolutils2/fgd/fgdkv3defaults.h"
+#include "tools/toolutils2/fgd/gamedata.h"
+#include "zoldoc_lib/particlegamedata.h"
 #include "zoldoc_lib/zolfunctionnode.h"
 #include "zoldoc_lib/zolrootnode.h"
+
+namespace
+{
+constexpr const char *ROOT_CLASS_NAME = "CParticleSystemDefinition";
+constexpr const char *CONFIGURATIONS_KEY = "m_controlPointConfigurations";
+
+// A stored limit; -1 (and anything outside 32 bits) stands for none.
+bool ReadVersionLimit( const SchemaMetadataEntry_t *pEntry, int *pLimit )
+{
+	if ( !pEntry || pEntry->m_eType != SCHEMA_METADATA_INT || pEntry->m_nValue < 0 || pEntry->m_nValue > 0x7fffffff )
+		return false;
+	*pLimit = int( pEntry->m_nValue );
+	return true;
+}
+
+template <typename HasMetadata> bool AreVersionLimitsMet( const HasMetadata &owner, int nVersion )
+{
+	int nLimit = 0;
+	if ( ReadVersionLimit( owner.FindMetadata( "MParticleMinVersion" ), &nLimit ) && nVersion < nLimit )
+		return false;
+	if ( ReadVersionLimit( owner.FindMetadata( "MParticleMaxVersion" ), &nLimit ) )
+		return nVersion <= nLimit;
+	return true;
+}
+
+const CSchemaClassInfo *FindParticleSchemaClass( const char *pName )
+{
+	return pName && *pName ? ParticleTypeScope()->FindDeclaredClass( pName ) : nullptr;
+}
+
+// Removes from the table, last to first, the members the schema class lacks at the version.
+void RemoveFieldsOutsideVersion( KeyValues3 *pTable, const char *pSchemaClass, int nVersion )
+{
+	if ( !pTable->IsTable() )
+		return;
+	for ( int i = pTable->GetMemberCount() - 1; i >= 0; --i )
+	{
+		if ( !IsFieldValidForVersion( pSchemaClass, pTable->GetMemberName( i ), nVersion ) )
+			pTable->RemoveMember( i );
+	}
+}
+
+// The field stored under that key: by its own name, or by the name it is transferred under.
+const CSchemaClassField *FindFieldByKey( const CSchemaClassInfo *pClass, const char *pKey )
+{
+	if ( const CSchemaClassField *pField = pClass->FindField( pKey ) )
+		return pField;
+	std::vector<const CSchemaClassField *> fields;
+	pClass->GetAllFields( fields );
+	for ( const CSchemaClassField *pField : fields )
+	{
+		const SchemaMetadataEntry_t *pName = pField->FindMetadata( "MKV3TransferName" );
+		if ( pName && pName->m_eType == SCHEMA_METADATA_STRING && !V_strcmp( pName->m_pszValue, pKey ) )
+			return pField;
+	}
+	return nullptr;
+}
+
+const char *SchemaClassOfNode( const CBaseZolNode *pNode )
+{
+	const IParticleSystemMgr *pMgr = GetParticleSystemMgr();
+	const ParticleFunctionType_t eType = pNode->GetFunctionType();
+	int nIndex = FindParticleFunctionClass( eType, pNode->GetClassName() );
+	return nIndex >= 0 ? pMgr->GetFunctionSchemaClass( eType, nIndex ) : pNode->GetClassName();
+}
+} // namespace
 
 int FindParticleFunctionClass( ParticleFunctionType_t eType, const char *pClass )
 {
@@ -19,11 +93,10 @@ int FindParticleFunctionClass( ParticleFunctionType_t eType, const char *pClass 
 	return -1;
 }
 
-bool IsFunctionValidForVersion( ParticleFunctionType_t eType, const char *pClass, int )
+const CSchemaClassInfo *FindParticleFunctionSchemaClass( ParticleFunctionType_t eType, const char *pClass )
 {
-	// Version ranges come from the schema's metadata; without them a listed class is
-	// valid at every version.
-	return FindParticleFunctionClass( eType, pClass ) >= 0;
+	int nIndex = FindParticleFunctionClass( eType, pClass );
+	return nIndex >= 0 ? FindParticleSchemaClass( GetParticleSystemMgr()->GetFunctionSchemaClass( eType, nIndex ) ) : nullptr;
 }
 
 const char *GetParticleFunctionFriendlyName( const char *pClass )
@@ -42,47 +115,143 @@ const char *GetParticleFunctionFriendlyName( const char *pClass )
 	return pClass;
 }
 
+bool IsFunctionValidForVersion( ParticleFunctionType_t eType, const char *pClass, int nVersion )
+{
+	if ( FindParticleFunctionClass( eType, pClass ) < 0 )
+		return false;
+	const CSchemaClassInfo *pSchemaClass = FindParticleFunctionSchemaClass( eType, pClass );
+	return !pSchemaClass || AreVersionLimitsMet( *pSchemaClass, nVersion );
+}
+
+bool IsFieldValidForVersion( const char *pSchemaClass, const char *pField, int nVersion )
+{
+	if ( !pField || !V_strcmp( pField, "_class" ) )
+		return true;
+	const CSchemaClassInfo *pClass = FindParticleSchemaClass( pSchemaClass );
+	if ( !pClass )
+		return true;
+	const CSchemaClassField *pSchemaField = FindFieldByKey( pClass, pField );
+	return pSchemaField && AreVersionLimitsMet( *pSchemaField, nVersion );
+}
+
+const char *GetReplacementForVersion( ParticleFunctionType_t eType, const char *pClass, int nVersion )
+{
+	const CSchemaClassInfo *pCurrent = FindParticleFunctionSchemaClass( eType, pClass );
+	int nMax = 0;
+	if ( !pCurrent || !ReadVersionLimit( pCurrent->FindMetadata( "MParticleMaxVersion" ), &nMax ) )
+		return nullptr;
+	const char *pFound = nullptr;
+	// Each round moves one step along the chain; a chain that loops ends once it has
+	// visited more classes than the list holds.
+	const IParticleSystemMgr *pMgr = GetParticleSystemMgr();
+	for ( int nStep = 0; nStep <= pMgr->GetFunctionCount( eType ); ++nStep )
+	{
+		if ( nVersion <= nMax )
+			return pFound;
+		const SchemaMetadataEntry_t *pReplacement = pCurrent->FindMetadata( "MParticleReplacementOp" );
+		if ( !pReplacement || pReplacement->m_eType != SCHEMA_METADATA_STRING || !*pReplacement->m_pszValue )
+			return "";
+		int nIndex = FindParticleFunctionClass( eType, pReplacement->m_pszValue );
+		if ( nIndex < 0 )
+			return nullptr;
+		pFound = pMgr->GetFunctionClassName( eType, nIndex );
+		pCurrent = FindParticleSchemaClass( pMgr->GetFunctionSchemaClass( eType, nIndex ) );
+		if ( !pCurrent || !ReadVersionLimit( pCurrent->FindMetadata( "MParticleMaxVersion" ), &nMax ) )
+			return pFound;
+	}
+	return nullptr;
+}
+
 void ImprintParticleClass( KeyValues3 *pTable, const char *pClassName )
 {
-	// The two classes the document itself fills have their members known here; the
-	// others get theirs from the schema's class table.
+	if ( !pTable->IsTable() )
+		pTable->SetToEmptyTable();
+	if ( const CGameDataClass *pClass = FindParticleGameDataClass( pClassName ) )
+	{
+		// The imprint drops "_class" from classes that aren't polymorphic, but a node's
+		// table says what it is: functions and the root need theirs in the file.
+		CUtlString className( pTable->GetMemberString( "_class", "" ) );
+		ImprintFGDClassOnKV3( pTable, pClass );
+		if ( !className.IsEmpty() && !pTable->HasMember( "_class" ) )
+			pTable->SetMemberString( "_class", className.Get() );
+		if ( !V_strcmp( pClassName, ROOT_CLASS_NAME ) )
+		{
+			pTable->RemoveMember( CONFIGURATIONS_KEY );
+			for ( int nType = 0; nType < PARTICLE_FUNCTION_LIST_COUNT; ++nType )
+				pTable->RemoveMember( GetParticleFunctionListKey( nType ) );
+		}
+		return;
+	}
+
+	// Without a class table the two records the document fills itself still get their keys.
 	if ( !V_strcmp( pClassName, "ParticleChildrenInfo_t" ) )
 	{
-		pTable->SetMemberString( "m_ChildRef", "" );
-		pTable->SetMemberFloat( "m_flDelay", 0.0f );
-		pTable->SetMemberBool( "m_bEndCap", false );
-		pTable->SetMemberBool( "m_bDisableChild", false );
+		pTable->FindOrCreateMember( "m_ChildRef" )->SetString( pTable->GetMemberString( "m_ChildRef", "" ) );
+		if ( !pTable->HasMember( "m_flDelay" ) )
+			pTable->SetMemberFloat( "m_flDelay", 0.0f );
+		if ( !pTable->HasMember( "m_bEndCap" ) )
+			pTable->SetMemberBool( "m_bEndCap", false );
+		if ( !pTable->HasMember( "m_bDisableChild" ) )
+			pTable->SetMemberBool( "m_bDisableChild", false );
 	}
 	else if ( !V_strcmp( pClassName, "ParticleNamedValueSource_t" ) )
 	{
-		pTable->SetMemberString( "m_Name", "" );
-		pTable->SetMemberBool( "m_IsPublic", false );
+		if ( !pTable->HasMember( "m_Name" ) )
+			pTable->SetMemberString( "m_Name", "" );
+		if ( !pTable->HasMember( "m_IsPublic" ) )
+			pTable->SetMemberBool( "m_IsPublic", false );
 	}
-	else if ( !pTable->IsTable() )
+}
+
+void ApplyDefaultArrayRule( CZolRootNode *pRoot, ParticleFunctionType_t eType, CZolFunctionNode *pNewNode )
+{
+	bool bAppended = false;
+	for ( int i = pRoot->GetNodeCount( eType ) - 1; i >= 0; --i )
 	{
-		pTable->SetToEmptyTable();
+		CBaseZolNode *pNode = pRoot->GetNode( eType, i );
+		const CSchemaClassInfo *pSchemaClass = FindParticleSchemaClass( SchemaClassOfNode( pNode ) );
+		if ( !pSchemaClass )
+			continue;
+		KeyValues3 *pTable = pNode->GetWriteKV3();
+		for ( int nMember = pTable->GetMemberCount() - 1; nMember >= 0; --nMember )
+		{
+			const char *pName = pTable->GetMemberName( nMember );
+			if ( !V_strcmp( pName, "_class" ) )
+				continue;
+			const CSchemaClassField *pField = FindFieldByKey( pSchemaClass, pName );
+			KeyValues3 *pValue = pTable->GetMember( nMember );
+			if ( !pField || !pField->HasMetadata( "MParticleRequireDefaultArrayEntry" ) || !pValue->IsArray() || pValue->GetArrayElementCount() )
+				continue;
+			pValue->ArrayAddToTail();
+			bAppended = true;
+		}
 	}
+	// A second imprint gives the appended entries the defaults of their element type.
+	if ( bAppended && pNewNode )
+		ImprintParticleClass( pNewNode->GetWriteKV3(), pNewNode->GetClassName() );
 }
 
-void ApplyDefaultArrayRule( CZolRootNode *, ParticleFunctionType_t, CZolFunctionNode * )
+void SanitiseFunctionFields( CZolFunctionNode *pNode, int nVersion )
 {
-	// Which arrays need an entry is field metadata of the schema; none is known yet.
-}
-
-void SanitiseFunctionFields( CZolFunctionNode *, int )
-{
-	// Field version ranges are schema metadata; without them every field stands.
+	if ( pNode )
+		RemoveFieldsOutsideVersion( pNode->GetWriteKV3(), SchemaClassOfNode( pNode ), nVersion );
 }
 
 void SanitiseForVersion( CZolRootNode *pRoot, int nVersion )
 {
+	RemoveFieldsOutsideVersion( pRoot->GetWriteKV3(), ROOT_CLASS_NAME, nVersion );
 	for ( int nType = 0; nType < PARTICLE_FUNCTION_CLASS_LIST_COUNT; ++nType )
 	{
 		ParticleFunctionType_t eType = ParticleFunctionType_t( nType );
 		for ( int i = pRoot->GetNodeCount( eType ) - 1; i >= 0; --i )
 		{
 			CBaseZolNode *pNode = pRoot->GetNode( eType, i );
-			if ( !IsFunctionValidForVersion( eType, pNode->GetClassName(), nVersion ) )
+			const char *pReplacement = GetReplacementForVersion( eType, pNode->GetClassName(), nVersion );
+			if ( pReplacement && *pReplacement )
+			{
+				pNode->GetWriteKV3()->SetMemberString( "_class", pReplacement );
+			}
+			else if ( !IsFunctionValidForVersion( eType, pNode->GetClassName(), nVersion ) )
 			{
 				pRoot->RemoveFunctionNode( eType, pNode );
 				continue;
@@ -97,7 +266,7 @@ void UpdateRootVersion( CZolRootNode *pRoot )
 	const IParticleSystemMgr *pMgr = GetParticleSystemMgr();
 	int nCurrent = pMgr ? pMgr->GetCurrentBehaviorVersion() : 0;
 	KeyValues3 *pTable = pRoot->GetWriteKV3();
-	if ( pTable->GetMemberInt( "m_nBehaviorVersion" ) == nCurrent )
+	if ( pTable->HasMember( "m_nBehaviorVersion" ) && pTable->GetMemberInt( "m_nBehaviorVersion" ) == nCurrent )
 		return;
 	SanitiseForVersion( pRoot, nCurrent );
 	pTable->SetMemberInt( "m_nBehaviorVersion", nCurrent );

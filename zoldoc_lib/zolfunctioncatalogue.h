@@ -1,30 +1,45 @@
 #pragma once
-// The catalogue's answers that the document needs: which classes may stand in a list
-// at a behaviour version, friendly names, and bringing a tree to a version.
+// The catalogue's answers that the document needs: which classes may stand in a list at a
+// behaviour version, what replaces a class that went out of date, which fields a version
+// still has, and bringing a tree to a version.
 //
-// Until the class table from the schema exists these know only the manager's class
-// lists: a class is valid when the manager lists it for that type, whatever the version,
-// fields are never judged out of range, no array gets a default entry and imprinting
-// adds no defaults.
+// Classes come from the connected particle manager; their version limits and replacements
+// are metadata of their schema classes in the "particles" scope. A class the schema doesn't
+// know has no limits.
 
 #include "core/particles/particlefunctiontype.h"
 
+class CSchemaClassInfo;
 class KeyValues3;
 class CZolFunctionNode;
 class CZolRootNode;
 
 // The manager's index of the class in the type's list (exact name), or -1.
 int FindParticleFunctionClass( ParticleFunctionType_t eType, const char *pClass );
-bool IsFunctionValidForVersion( ParticleFunctionType_t eType, const char *pClass, int nVersion );
+// The schema class the manager binds the class to; null when either is unknown.
+const CSchemaClassInfo *FindParticleFunctionSchemaClass( ParticleFunctionType_t eType, const char *pClass );
 // The friendly name of the first class of that exact name in any list, or pClass itself.
 const char *GetParticleFunctionFriendlyName( const char *pClass );
 
-// Fills the table with the defaults of the named class.
+// A class of the type's list whose version limits admit nVersion.
+bool IsFunctionValidForVersion( ParticleFunctionType_t eType, const char *pClass, int nVersion );
+// "_class" always; a name no field of the class (or its bases) has never; else the field's
+// limits decide. A schema class that isn't registered judges nothing: every field stands.
+bool IsFieldValidForVersion( const char *pSchemaClass, const char *pField, int nVersion );
+// What stands in for the class at the version, following replacement chains: null when the
+// class (or a replacement) is unknown or the class needs no replacement, "" when it went
+// out of date without one, else the replacing class's name.
+const char *GetReplacementForVersion( ParticleFunctionType_t eType, const char *pClass, int nVersion );
+
+// Fills the table with the members and defaults of the named class of the class table.
+// The table keeps its "_class" when it had one, and the root's table never takes the keys
+// of its lists or configurations, which live as nodes.
 void ImprintParticleClass( KeyValues3 *pTable, const char *pClassName );
 // After a function was added to a list: arrays that must hold an entry get one.
 void ApplyDefaultArrayRule( CZolRootNode *pRoot, ParticleFunctionType_t eType, CZolFunctionNode *pNewNode );
+// Drops the members of one function that the version doesn't have.
 void SanitiseFunctionFields( CZolFunctionNode *pNode, int nVersion );
-// Replaces or removes functions that don't fit the version, and fields out of range.
+// Root members, then functions of lists 0 .. 6: replaced, removed, or trimmed to the version.
 void SanitiseForVersion( CZolRootNode *pRoot, int nVersion );
 // Brings the root to the manager's behaviour version when it stands at another one.
 void UpdateRootVersion( CZolRootNode *pRoot );

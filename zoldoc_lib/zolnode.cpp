@@ -3,6 +3,7 @@
 #include "core/text/bufferstring.h"
 #include "core/text/strtools.h"
 #include "tools/toolutils2/toolattr/ibasetoolattr.h"
+#include "zoldoc_lib/particlegamedata.h"
 #include "zoldoc_lib/zoldoc.h"
 
 CBaseZolNode::CBaseZolNode( CZolDoc *pDoc ) : m_pDoc( pDoc )
@@ -55,13 +56,12 @@ HToolAttrTableInstance CBaseZolNode::GetAttrInstance( HToolAttrTableInstance han
 
 const CGameData *CBaseZolNode::GetGameData() const
 {
-	// The process-wide particle class table is built from the schema; until it is, none.
-	return nullptr;
+	return GetParticleGameData();
 }
 
 const CGameDataClass *CBaseZolNode::GetFGDClass() const
 {
-	return nullptr;
+	return FindParticleGameDataClass( GetClassName() );
 }
 
 KeyValues3 *CBaseZolNode::GetKV3ForModify()

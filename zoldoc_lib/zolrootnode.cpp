@@ -1,6 +1,8 @@
 #include "zoldoc_lib/zolrootnode.h"
 
+#include "core/kv3transfer/kv3transfercontext.h"
 #include "core/text/strtools.h"
+#include "zoldoc_lib/zolconfigurationreader.h"
 #include "zoldoc_lib/zolchildnode.h"
 #include "zoldoc_lib/zolcontrolpointconfiguration.h"
 #include "zoldoc_lib/zoldoc.h"
@@ -178,10 +180,12 @@ ZolControlPointConfiguration_t *CZolRootNode::FindOrAddConfiguration( const char
 {
 	if ( ZolControlPointConfiguration_t *pConfig = FindConfiguration( pName ) )
 		return pConfig;
+	// A new record is complete: every member of its preview state has its default.
+	KeyValues3 named;
+	named.SetMemberString( "m_name", pName ? pName : "" );
+	CKV3TransferLoadContext context;
 	ZolControlPointConfiguration_t *pConfig = new ZolControlPointConfiguration_t;
-	pConfig->m_KV3.SetMemberString( "m_name", pName ? pName : "" );
-	pConfig->m_KV3.SetMemberEmptyArray( "m_drivers" );
-	pConfig->m_KV3.SetMemberEmptyTable( "m_previewState" );
+	ReadControlPointConfiguration( &named, &pConfig->m_KV3, &context );
 	m_Configurations.AddToTail( pConfig );
 	return pConfig;
 }

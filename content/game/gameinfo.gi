@@ -9,5 +9,10 @@
 			// zol_particles.fgd includes zol_base.fgd itself.
 			fgd	"zol/zol_particles.fgd"
 		}
+		// Pulse hooks whose values particle systems can bind their variables to.
+		"pulse_bindings"
+		{
+			file	"zol/zol_particle_domains.fgd"
+		}
 	}
 }

@@ -1,6 +1,8 @@
 #include "tests/zoldoc/zoldoctestsupport.h"
 
+#include "tests/zoldoc/zolcataloguetestclasses.h"
 #include "tools/toolutils2/undo/undohistory.h"
+#include "zoldoc_lib/particlegamedata.h"
 #include "zoldoc_lib/zolfunctionnode.h"
 #include "zoldoc_lib/zolrootnode.h"
 
@@ -69,6 +71,8 @@ const char *CTestParticleSystemMgr::GetParticleAttributeName( int nAttribute ) c
 
 void CTestParticleSystemMgr::GetFunctionInfo( const KeyValues3 *pFunction, ParticleFunctionInfo_t *pInfo ) const
 {
+	if ( auto written = m_WrittenAttributes.find( pFunction->GetMemberString( "_class" ) ); written != m_WrittenAttributes.end() )
+		pInfo->m_nWrittenAttributes = written->second;
 	const char *pKey = pFunction->GetMemberString( "m_TestUsageKey", pFunction->GetMemberString( "_class" ) );
 	auto it = m_Usage.find( pKey );
 	if ( it == m_Usage.end() )
@@ -104,7 +108,9 @@ std::string CEventRecorder::Joined() const
 
 ZolDocFixture::ZolDocFixture()
 {
+	RegisterCatalogueTestClasses();
 	SetParticleSystemMgr( &m_Mgr );
+	ResetParticleGameData();
 	m_Doc.SetEventHub( &m_Hub );
 	m_Doc.Reset();
 	m_Recorder.Listen( m_Doc.GetEventDispatcher() );
@@ -113,6 +119,7 @@ ZolDocFixture::ZolDocFixture()
 ZolDocFixture::~ZolDocFixture()
 {
 	SetParticleSystemMgr( nullptr );
+	ResetParticleGameData();
 }
 
 CZolFunctionNode *ZolDocFixture::AddOperator( const char *pClass )

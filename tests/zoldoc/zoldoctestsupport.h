@@ -42,6 +42,8 @@ public:
 
 	int m_nCurrentVersion = 5;
 	std::vector<TestFunctionClass_t> m_Classes;
+	// Attributes a function writes, by its "_class".
+	std::map<std::string, uint64_t> m_WrittenAttributes;
 	std::map<std::string, std::vector<ParticleAttributeUsage_t>> m_Usage;
 	mutable std::string m_AttributeName;
 
@@ -85,8 +87,8 @@ private:
 	void OnTopology( const ZolEvent_PropertyDomainTopologyChanged_t & ) { m_Events.push_back( "Topology" ); }
 };
 
-// A document with histories on a hub, with the test manager connected. Starts reset at
-// the manager's version.
+// A document with histories on a hub, with the test manager connected and the particle
+// class table built for it. Starts reset at the manager's version.
 struct ZolDocFixture : ::testing::Test
 {
 	ZolDocFixture();

@@ -35,6 +35,10 @@ void ImprintValue( KeyValues3 *pValue, const CGameDataVariable &var, int nDepth 
 	}
 	if ( const CGameDataClass *pClass = StructClassAt( var, nDepth ) )
 	{
+		// Classes that keep their own KV3 forms (an input written as a bare number) are
+		// left as they stand: turning the value into a table would lose it.
+		if ( pClass->GetMetaBool( "SkipImprintFGDClassOnKV3" ) )
+			return;
 		if ( !pValue->IsTable() )
 			pValue->SetToEmptyTable();
 		if ( eType == GDTYPE_STRUCT && pClass->GetMetaBool( "IsEmbeddedSubClass" ) )
@@ -64,6 +68,37 @@ bool StructAtDefault( const KeyValues3 &value, const CGameDataClass *pDeclared )
 	if ( value.HasMember( "_class" ) && !pClass->FindVariable( "_class" ) && pClass == pDeclared )
 		++nAtDefault;
 	return nAtDefault == value.GetMemberCount();
+}
+
+// Equal values, where a number read from text and the same number imprinted or set in code
+// count as one whatever their stored width ("1.0" against "1.0f").
+bool ValuesEqualAsNumbers( const KeyValues3 &a, const KeyValues3 &b )
+{
+	auto fnIsNumber = []( const KeyValues3 &value ) {
+		return value.GetType() == KV3_TYPE_INT || value.GetType() == KV3_TYPE_UINT || value.GetType() == KV3_TYPE_DOUBLE;
+	};
+	if ( fnIsNumber( a ) && fnIsNumber( b ) )
+	{
+		if ( a.GetType() == KV3_TYPE_DOUBLE || b.GetType() == KV3_TYPE_DOUBLE )
+			return a.GetDouble() == b.GetDouble();
+		if ( a.GetType() == b.GetType() )
+			return a.GetType() == KV3_TYPE_INT ? a.GetInt64() == b.GetInt64() : a.GetUInt64() == b.GetUInt64();
+		const KeyValues3 &signedValue = a.GetType() == KV3_TYPE_INT ? a : b;
+		const KeyValues3 &unsignedValue = a.GetType() == KV3_TYPE_INT ? b : a;
+		return signedValue.GetInt64() >= 0 && uint64_t( signedValue.GetInt64() ) == unsignedValue.GetUInt64();
+	}
+	if ( a.IsArray() && b.IsArray() )
+	{
+		if ( a.GetArrayElementCount() != b.GetArrayElementCount() )
+			return false;
+		for ( int i = 0; i < a.GetArrayElementCount(); ++i )
+		{
+			if ( !ValuesEqualAsNumbers( *a.GetArrayElement( i ), *b.GetArrayElement( i ) ) )
+				return false;
+		}
+		return true;
+	}
+	return a.IsEqual( b );
 }
 
 struct WorkItem_t
@@ -140,7 +175,7 @@ bool TestValueAtDefault( const KeyValues3 &value, const CGameDataVariable &var, 
 		pDefault = &elementDefault;
 	}
 	if ( !var.m_bUsingLegacyDefault || nDepth > 0 )
-		return value.IsEqual( *pDefault );
+		return ValuesEqualAsNumbers( value, *pDefault );
 
 	CUtlString defaultText;
 	var.GetLegacyDefaultText( &defaultText );

@@ -1,0 +1,37 @@
+#pragma once
+// What a function reports of the control points and named values it touches: one record
+// per use, and the flag pair that the function list colours rows by.
+
+#include <cstdint>
+
+#include "core/particles/particleparamid.h"
+#include "core/text/utlstring.h"
+
+enum ControlPointAccess_t : uint8_t
+{
+	CONTROL_POINT_ACCESS_READ = 1,
+	CONTROL_POINT_ACCESS_WRITE = 2,
+	CONTROL_POINT_ACCESS_WRITE_SPECIAL = 4, // written with a special role
+};
+
+// One reported use of a control point or named value.
+struct ControlPointUsage_t
+{
+	ParticleParamID_t m_ID;
+	int32_t m_nComponent = -1; // -1: all three components
+	int32_t m_nUsageKind = 0;
+	uint8_t m_nAccess = CONTROL_POINT_ACCESS_READ;
+	float m_flDefault[ 3 ] = { 0.0f, 0.0f, 0.0f };
+	// The named value's type as Pulse writes it ("PVAL_FLOAT", "PVAL_RESOURCE:tmsh"); empty for control points.
+	CUtlString m_ValueType;
+
+	// Fills the default values that go with a usage kind.
+	static ControlPointUsage_t Make( const ParticleParamID_t &id, int nUsageKind, uint8_t nAccess, int nComponent = -1 );
+};
+
+// The function list's view of a use: bit 0 read, bit 1 written.
+struct ParticleControlPointUse_t
+{
+	ParticleParamID_t m_ID;
+	int m_nFlags = 0;
+};

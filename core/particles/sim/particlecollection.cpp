@@ -1,0 +1,656 @@
+#include "core/particles/sim/particlecollection.h"
+
+#include <algorithm>
+#include <chrono>
+
+#include "core/particles/sim/particlesimmath.h"
+
+namespace
+{
+const ParticleControlPoint_t s_UnsetControlPoint;
+
+uint32_t MixSeed( uint64_t nSeed, uint32_t nSalt )
+{
+	uint64_t h = nSeed * 0x9E3779B97F4A7C15ULL + nSalt;
+	h ^= h >> 33;
+	h *= 0xff51afd7ed558ccdULL;
+	h ^= h >> 33;
+	return uint32_t( h );
+}
+} // namespace
+
+std::unique_ptr<IParticleCollection> CreateParticleCollection( const ParticleDefinitionPtr_t &pDefinition, uint64_t nSeed )
+{
+	if ( !pDefinition )
+		return nullptr;
+	return std::make_unique<CParticleCollection>( pDefinition, nullptr, nullptr, nSeed );
+}
+
+CParticleCollection::CParticleCollection( const ParticleDefinitionPtr_t &pDefinition, CParticleCollection *pParent, CParticleRandom *pRandom, uint64_t nSeed )
+	: m_pDefinition( pDefinition ), m_pParent( pParent )
+{
+	if ( !pRandom )
+	{
+		m_pOwnedRandom = std::make_unique<CParticleRandom>( nSeed );
+		pRandom = m_pOwnedRandom.get();
+	}
+	m_pRandom = pRandom;
+	m_nRandomKey = MixSeed( nSeed, pParent ? uint32_t( pRandom->Next() ) : 0u );
+	m_nDetailLevel = m_pDefinition->m_nMaxDetailLevel;
+	m_pDefinition->m_nLiveCollections.fetch_add( 1, std::memory_order_relaxed );
+	AllocateStreams();
+
+	m_NamedValues.resize( size_t( m_pDefinition->m_NamedValues.Count() ) );
+	for ( int nSlot = 0; nSlot < m_pDefinition->m_NamedValues.Count(); ++nSlot )
+	{
+		const ParticleNamedValueEntry_t &entry = m_pDefinition->m_NamedValues.Get( nSlot );
+		m_NamedValues[ size_t( nSlot ) ].m_flValue = entry.m_flDefault;
+		m_NamedValues[ size_t( nSlot ) ].m_vValue = entry.m_vDefault;
+	}
+	m_EmitterStates.resize( m_pDefinition->GetFunctions( PARTICLE_FUNCTION_EMITTER ).size() );
+	for ( const auto &pRenderer : m_pDefinition->GetFunctions( PARTICLE_FUNCTION_RENDERER ) )
+		m_Renderers.push_back( pRenderer.get() );
+
+	for ( const ParticleChildInfo_t &child : m_pDefinition->m_Children )
+	{
+		auto pChild = std::make_unique<CParticleCollection>( child.m_pDefinition, this, m_pRandom, nSeed + m_Children.size() + 1 );
+		pChild->m_flFirstRunTime = child.m_flDelay;
+		pChild->m_bIsEndCapChild = child.m_bEndCap;
+		m_Children.push_back( std::move( pChild ) );
+	}
+	if ( m_pDefinition->m_nInitialParticles > 0 && !m_bIsEndCapChild )
+		SpawnParticles( m_pDefinition->m_nInitialParticles );
+}
+
+CParticleCollection::~CParticleCollection()
+{
+	m_pDefinition->m_nLiveCollections.fetch_sub( 1, std::memory_order_relaxed );
+}
+
+void CParticleCollection::AllocateStreams()
+{
+	const CParticleSystemDefinition &def = *m_pDefinition;
+	m_nCapacity = def.m_nMaxParticles;
+	size_t nStreams = SCRATCH_ARRAYS;
+	for ( int a = 0; a < PARTICLE_ATTRIBUTE_COUNT; ++a )
+	{
+		if ( def.m_nAttributeMask & ParticleAttributeBit( a ) )
+			nStreams += size_t( GetParticleAttributeComponentCount( a ) );
+		if ( def.m_nInitialAttributeMask & ParticleAttributeBit( a ) )
+			nStreams += size_t( GetParticleAttributeComponentCount( a ) );
+	}
+	// Each array starts on a 64-byte line so that loops over it vectorise cleanly.
+	size_t nStride = ( size_t( std::max( m_nCapacity, 1 ) ) + 15 ) & ~size_t( 15 );
+	m_Storage.assign( nStreams * nStride + 16, 0.0f );
+	float *pBase = m_Storage.data();
+	while ( reinterpret_cast<uintptr_t>( pBase ) % 64 != 0 )
+		++pBase;
+	for ( int a = 0; a < PARTICLE_ATTRIBUTE_COUNT; ++a )
+	{
+		for ( int k = 0; k < GetParticleAttributeComponentCount( a ); ++k )
+		{
+			if ( def.m_nAttributeMask & ParticleAttributeBit( a ) )
+			{
+				m_pStreams[ a ][ k ] = pBase;
+				pBase += nStride;
+			}
+			if ( def.m_nInitialAttributeMask & ParticleAttributeBit( a ) )
+			{
+				m_pInitialStreams[ a ][ k ] = pBase;
+				pBase += nStride;
+			}
+		}
+	}
+	for ( int s = 0; s < SCRATCH_ARRAYS; ++s )
+	{
+		m_pScratch[ s ] = pBase;
+		pBase += nStride;
+	}
+	m_KillFlags.assign( size_t( m_nCapacity ), 0 );
+	if ( def.m_bHasForces )
+	{
+		for ( auto &force : m_Force )
+			force.assign( size_t( m_nCapacity ), 0.0f );
+	}
+}
+
+IParticleCollection *CParticleCollection::GetNextSibling() const
+{
+	if ( !m_pParent )
+		return nullptr;
+	const auto &siblings = m_pParent->m_Children;
+	for ( size_t i = 0; i + 1 < siblings.size(); ++i )
+	{
+		if ( siblings[ i ].get() == this )
+			return siblings[ i + 1 ].get();
+	}
+	return nullptr;
+}
+
+const ParticleControlPoint_t &CParticleCollection::GetControlPoint( int nPoint ) const
+{
+	return nPoint >= 0 && nPoint < MAX_PARTICLE_CONTROL_POINTS ? m_ControlPoints[ nPoint ] : s_UnsetControlPoint;
+}
+
+const float *CParticleCollection::InitialStream( int nAttribute, int nComponent ) const
+{
+	if ( !IsValidParticleAttribute( nAttribute ) )
+		return nullptr;
+	// An attribute nobody asked the initial value of has none; its current value stands in.
+	return m_pInitialStreams[ nAttribute ][ nComponent ] ? m_pInitialStreams[ nAttribute ][ nComponent ] : m_pStreams[ nAttribute ][ nComponent ];
+}
+
+const ParticleNamedValue_t *CParticleCollection::GetNamedValue( int nSlot ) const
+{
+	return nSlot >= 0 && size_t( nSlot ) < m_NamedValues.size() ? &m_NamedValues[ size_t( nSlot ) ] : nullptr;
+}
+
+void CParticleCollection::WriteControlPoint( int nPoint, const Vector &vPosition, const Vector *pForward, const Vector *pRight, const Vector *pUp )
+{
+	if ( nPoint < 0 || nPoint >= MAX_PARTICLE_CONTROL_POINTS )
+		return;
+	ParticleControlPoint_t &cp = m_ControlPoints[ nPoint ];
+	if ( !( cp.m_vPosition == vPosition ) || !cp.m_bSet )
+		cp.m_flChangeTime = m_flCurTime;
+	cp.m_vPosition = vPosition;
+	if ( pForward && pRight && pUp )
+	{
+		cp.m_vForward = *pForward;
+		cp.m_vRight = *pRight;
+		cp.m_vUp = *pUp;
+	}
+	cp.m_bSet = true;
+	for ( auto &pChild : m_Children )
+		pChild->WriteControlPoint( nPoint, vPosition, pForward, pRight, pUp );
+}
+
+void CParticleCollection::SetControlPoint( int nPoint, const Vector &vPosition )
+{
+	WriteControlPoint( nPoint, vPosition );
+}
+
+void CParticleCollection::SetControlPointOrientation( int nPoint, const Vector &vForward, const Vector &vRight, const Vector &vUp )
+{
+	if ( nPoint < 0 || nPoint >= MAX_PARTICLE_CONTROL_POINTS )
+		return;
+	WriteControlPoint( nPoint, m_ControlPoints[ nPoint ].m_vPosition, &vForward, &vRight, &vUp );
+}
+
+void CParticleCollection::SetControlPointVelocity( int nPoint, const Vector &vVelocity )
+{
+	if ( nPoint < 0 || nPoint >= MAX_PARTICLE_CONTROL_POINTS )
+		return;
+	m_ControlPoints[ nPoint ].m_vVelocity = vVelocity;
+	m_ControlPoints[ nPoint ].m_bVelocitySet = true;
+	for ( auto &pChild : m_Children )
+		pChild->SetControlPointVelocity( nPoint, vVelocity );
+}
+
+void CParticleCollection::GetControlPointOrientation( int nPoint, Vector *pForward, Vector *pRight, Vector *pUp ) const
+{
+	const ParticleControlPoint_t &cp = GetControlPoint( nPoint );
+	if ( pForward )
+		*pForward = cp.m_vForward;
+	if ( pRight )
+		*pRight = cp.m_vRight;
+	if ( pUp )
+		*pUp = cp.m_vUp;
+}
+
+Vector CParticleCollection::GetControlPointVelocity( int nPoint ) const
+{
+	const ParticleControlPoint_t &cp = GetControlPoint( nPoint );
+	if ( cp.m_bVelocitySet )
+		return cp.m_vVelocity;
+	// Unless given, a point's velocity is how far it moved over the last step.
+	return m_flPreviousDt > 0.0f ? ParticleMath::Scale( ParticleMath::Sub( cp.m_vPosition, cp.m_vPrevPosition ), 1.0f / m_flPreviousDt ) : Vector();
+}
+
+bool CParticleCollection::SetNamedValueFloat( const ParticleParamID_t &id, float flValue )
+{
+	bool bFound = false;
+	int nSlot = m_pDefinition->m_NamedValues.Find( id.m_nToken );
+	if ( nSlot >= 0 )
+	{
+		m_NamedValues[ size_t( nSlot ) ].m_flValue = flValue;
+		m_NamedValues[ size_t( nSlot ) ].m_vValue = Vector( flValue, flValue, flValue );
+		bFound = true;
+	}
+	for ( auto &pChild : m_Children )
+		bFound |= pChild->SetNamedValueFloat( id, flValue );
+	return bFound;
+}
+
+bool CParticleCollection::SetNamedValueVector( const ParticleParamID_t &id, const Vector &vValue )
+{
+	bool bFound = false;
+	int nSlot = m_pDefinition->m_NamedValues.Find( id.m_nToken );
+	if ( nSlot >= 0 )
+	{
+		m_NamedValues[ size_t( nSlot ) ].m_vValue = vValue;
+		m_NamedValues[ size_t( nSlot ) ].m_flValue = vValue.x;
+		bFound = true;
+	}
+	for ( auto &pChild : m_Children )
+		bFound |= pChild->SetNamedValueVector( id, vValue );
+	return bFound;
+}
+
+bool CParticleCollection::SetNamedValueTransform( const ParticleParamID_t &id, const Vector &vOrigin, const Vector &vForward, const Vector &vRight, const Vector &vUp )
+{
+	bool bFound = false;
+	int nSlot = m_pDefinition->m_NamedValues.Find( id.m_nToken );
+	if ( nSlot >= 0 )
+	{
+		ParticleNamedValue_t &value = m_NamedValues[ size_t( nSlot ) ];
+		value.m_vValue = vOrigin;
+		value.m_vForward = vForward;
+		value.m_vRight = vRight;
+		value.m_vUp = vUp;
+		bFound = true;
+	}
+	for ( auto &pChild : m_Children )
+		bFound |= pChild->SetNamedValueTransform( id, vOrigin, vForward, vRight, vUp );
+	return bFound;
+}
+
+float CParticleCollection::GetNamedValueFloat( const ParticleParamID_t &id ) const
+{
+	const ParticleNamedValue_t *pValue = GetNamedValue( m_pDefinition->m_NamedValues.Find( id.m_nToken ) );
+	return pValue ? pValue->m_flValue : 0.0f;
+}
+
+Vector CParticleCollection::GetNamedValueVector( const ParticleParamID_t &id ) const
+{
+	const ParticleNamedValue_t *pValue = GetNamedValue( m_pDefinition->m_NamedValues.Find( id.m_nToken ) );
+	return pValue ? pValue->m_vValue : Vector();
+}
+
+void CParticleCollection::SetMaxDetailLevel( int nLevel )
+{
+	m_nDetailLevel = std::clamp( std::min( nLevel, m_pDefinition->m_nMaxDetailLevel ), 0, 3 );
+	for ( auto &pChild : m_Children )
+		pChild->SetMaxDetailLevel( nLevel );
+}
+
+void CParticleCollection::SetMeasuring( bool bMeasure )
+{
+	m_bMeasure = bMeasure;
+	for ( auto &pChild : m_Children )
+		pChild->SetMeasuring( bMeasure );
+}
+
+void CParticleCollection::KillParticle( int nIndex )
+{
+	if ( nIndex < 0 || nIndex >= m_nActive || m_KillFlags[ size_t( nIndex ) ] )
+		return;
+	m_KillFlags[ size_t( nIndex ) ] = 1;
+	++m_nKilled;
+}
+
+void CParticleCollection::SpawnParticles( int nCount )
+{
+	nCount = std::min( nCount, m_nCapacity - m_nActive );
+	if ( nCount <= 0 )
+		return;
+	const CParticleSystemDefinition &def = *m_pDefinition;
+	int nStart = m_nActive;
+	m_nActive += nCount;
+	// Every stored attribute starts at the system's constants or the attribute default.
+	for ( int a = 0; a < PARTICLE_ATTRIBUTE_COUNT; ++a )
+	{
+		for ( int k = 0; k < 3 && m_pStreams[ a ][ k ]; ++k )
+		{
+			float flValue = GetParticleAttributeDefault( a, k );
+			switch ( a )
+			{
+			case PARTICLE_ATTRIBUTE_POSITION:
+			case PARTICLE_ATTRIBUTE_PREVIOUS_POSITION:
+				flValue = m_ControlPoints[ 0 ].m_vPosition[ k ];
+				break;
+			case PARTICLE_ATTRIBUTE_COLOR:
+				flValue = def.m_ConstantColor[ k ];
+				break;
+			case PARTICLE_ATTRIBUTE_ALPHA:
+				flValue = def.m_flConstantAlpha;
+				break;
+			case PARTICLE_ATTRIBUTE_RADIUS:
+				flValue = def.m_flConstantRadius;
+				break;
+			case PARTICLE_ATTRIBUTE_LIFE_DURATION:
+				flValue = def.m_flConstantLifespan;
+				break;
+			case PARTICLE_ATTRIBUTE_ROLL:
+				flValue = def.m_flConstantRotation;
+				break;
+			case PARTICLE_ATTRIBUTE_ROLL_SPEED:
+				flValue = def.m_flConstantRotationSpeed;
+				break;
+			case PARTICLE_ATTRIBUTE_SEQUENCE_NUMBER:
+				flValue = float( def.m_nConstantSequenceNumber );
+				break;
+			case PARTICLE_ATTRIBUTE_CREATION_TIME:
+				flValue = m_flCurTime;
+				break;
+			default:
+				break;
+			}
+			std::fill( m_pStreams[ a ][ k ] + nStart, m_pStreams[ a ][ k ] + nStart + nCount, flValue );
+		}
+	}
+	float *pID = m_pStreams[ PARTICLE_ATTRIBUTE_PARTICLE_ID ][ 0 ];
+	for ( int i = nStart; i < m_nActive; ++i )
+		pID[ i ] = float( m_nNextParticleID++ & 0xFFFFFF );
+	std::fill( m_KillFlags.begin() + nStart, m_KillFlags.begin() + m_nActive, uint8_t( 0 ) );
+
+	for ( const auto &pInitializer : def.GetFunctions( PARTICLE_FUNCTION_INITIALIZER ) )
+		pInitializer->InitNewParticles( *this, nStart, nCount );
+
+	for ( int a = 0; a < PARTICLE_ATTRIBUTE_COUNT; ++a )
+	{
+		for ( int k = 0; k < 3; ++k )
+		{
+			if ( m_pInitialStreams[ a ][ k ] && m_pStreams[ a ][ k ] )
+				std::copy( m_pStreams[ a ][ k ] + nStart, m_pStreams[ a ][ k ] + m_nActive, m_pInitialStreams[ a ][ k ] + nStart );
+		}
+	}
+}
+
+void CParticleCollection::RemoveKilledParticles()
+{
+	if ( m_nKilled == 0 )
+		return;
+	// Swap the last living particle into each hole: order isn't kept, the arrays stay dense.
+	int n = m_nActive;
+	for ( int i = 0; i < n; )
+	{
+		if ( !m_KillFlags[ size_t( i ) ] )
+		{
+			++i;
+			continue;
+		}
+		--n;
+		if ( i != n )
+		{
+			for ( int a = 0; a < PARTICLE_ATTRIBUTE_COUNT; ++a )
+			{
+				for ( int k = 0; k < 3; ++k )
+				{
+					if ( m_pStreams[ a ][ k ] )
+						m_pStreams[ a ][ k ][ i ] = m_pStreams[ a ][ k ][ n ];
+					if ( m_pInitialStreams[ a ][ k ] )
+						m_pInitialStreams[ a ][ k ][ i ] = m_pInitialStreams[ a ][ k ][ n ];
+				}
+			}
+			m_KillFlags[ size_t( i ) ] = m_KillFlags[ size_t( n ) ];
+		}
+		m_KillFlags[ size_t( n ) ] = 0;
+	}
+	m_nActive = n;
+	m_nKilled = 0;
+}
+
+void CParticleCollection::RunStep( float flDt, bool bMove )
+{
+	const CParticleSystemDefinition &def = *m_pDefinition;
+	m_flCurTime += flDt;
+	for ( const auto &pOperator : def.GetFunctions( PARTICLE_FUNCTION_PRE_EMISSION_OPERATOR ) )
+		pOperator->Operate( *this, flDt );
+
+	if ( !m_bEmissionStopped && m_flCurTime <= def.m_flStopSimulationAfterTime )
+	{
+		const auto &emitters = def.GetFunctions( PARTICLE_FUNCTION_EMITTER );
+		int nToEmit = 0;
+		for ( size_t e = 0; e < emitters.size(); ++e )
+			nToEmit += emitters[ e ]->Emit( *this, m_EmitterStates[ e ], m_flCurTime, flDt );
+		SpawnParticles( nToEmit );
+	}
+	if ( !bMove )
+	{
+		// A culled step: particles age and die, nothing else.
+		for ( const auto &pOperator : def.GetFunctions( PARTICLE_FUNCTION_OPERATOR ) )
+		{
+			if ( pOperator->m_bRunsWhenCulled )
+				pOperator->Operate( *this, flDt );
+		}
+		RemoveKilledParticles();
+		return;
+	}
+	if ( def.m_bHasForces )
+	{
+		for ( auto &force : m_Force )
+			std::fill( force.begin(), force.begin() + m_nActive, 0.0f );
+		for ( const auto &pForce : def.GetFunctions( PARTICLE_FUNCTION_FORCE_GENERATOR ) )
+			pForce->Operate( *this, flDt );
+	}
+	for ( const auto &pOperator : def.GetFunctions( PARTICLE_FUNCTION_OPERATOR ) )
+		pOperator->Operate( *this, flDt );
+	for ( const auto &pConstraint : def.GetFunctions( PARTICLE_FUNCTION_CONSTRAINT ) )
+		pConstraint->Operate( *this, flDt );
+	RemoveKilledParticles();
+}
+
+void CParticleCollection::Simulate( float flDt )
+{
+	auto tStart = std::chrono::steady_clock::now();
+	if ( !( flDt > 0.0f ) )
+		flDt = 0.0f;
+
+	// A child waits out its delay; an end-cap child waits for the end cap.
+	float flStepDt = flDt;
+	bool bRuns = true;
+	if ( m_bIsEndCapChild && !m_bInEndCap )
+		bRuns = false;
+	else if ( m_pParent && m_flFirstRunTime > 0.0f )
+	{
+		float flParentTime = m_pParent->GetTime() - ( m_bIsEndCapChild ? m_pParent->m_flEndCapTime : 0.0f );
+		if ( flParentTime < m_flFirstRunTime )
+			bRuns = false;
+		else if ( !m_bStarted )
+			flStepDt = std::min( flDt, flParentTime - m_flFirstRunTime );
+	}
+	if ( bRuns )
+	{
+		if ( !m_bStarted && m_pDefinition->m_flPreSimulationTime > 0.0f )
+		{
+			m_bStarted = true;
+			for ( float flPre = 0.0f; flPre < m_pDefinition->m_flPreSimulationTime; flPre += 1.0f / 30.0f )
+				Simulate( 1.0f / 30.0f );
+		}
+		m_bStarted = true;
+		// Long frames are split so that movement stays stable.
+		float flRemaining = flStepDt;
+		do
+		{
+			float flSub = std::min( flRemaining, m_pDefinition->m_flMaximumTimeStep );
+			for ( ParticleControlPoint_t &cp : m_ControlPoints )
+				cp.m_vPrevPosition = cp.m_vPosition;
+			RunStep( flSub, true );
+			if ( flSub > 0.0f )
+				m_flPreviousDt = flSub;
+			flRemaining -= flSub;
+		} while ( flRemaining > 1e-7f );
+	}
+	for ( auto &pChild : m_Children )
+		pChild->Simulate( flDt );
+	RecalculateBounds();
+
+	if ( m_bMeasure )
+	{
+		// The profiler wants each system's own time: the children's totals come off.
+		m_flLastTotalUS = float( std::chrono::duration<double, std::micro>( std::chrono::steady_clock::now() - tStart ).count() );
+		float flOwn = m_flLastTotalUS;
+		for ( auto &pChild : m_Children )
+			flOwn -= pChild->m_flLastTotalUS;
+		m_Stats.m_flSimulationUS = std::max( 0.0f, flOwn );
+		m_Stats.m_nCount = m_nActive;
+		m_Stats.m_nAllocated = m_nCapacity;
+	}
+}
+
+void CParticleCollection::SimulateCulled( float flDt )
+{
+	if ( !( flDt > 0.0f ) )
+		flDt = 0.0f;
+	if ( !( m_bIsEndCapChild && !m_bInEndCap ) && ( !m_pParent || m_pParent->GetTime() >= m_flFirstRunTime ) )
+	{
+		m_bStarted = true;
+		RunStep( flDt, false );
+	}
+	for ( auto &pChild : m_Children )
+		pChild->SimulateCulled( flDt );
+}
+
+bool CParticleCollection::IsFinished() const
+{
+	if ( m_nActive > 0 )
+		return false;
+	if ( !m_bEmissionStopped )
+	{
+		// An end-cap child that never started has nothing to do.
+		if ( m_bIsEndCapChild && !m_bInEndCap && m_pParent && m_pParent->IsEmissionStopped() )
+			return true;
+		const auto &emitters = m_pDefinition->GetFunctions( PARTICLE_FUNCTION_EMITTER );
+		for ( size_t e = 0; e < emitters.size(); ++e )
+		{
+			if ( !emitters[ e ]->IsEmissionFinished( m_EmitterStates[ e ], m_flCurTime ) )
+				return false;
+		}
+		if ( m_pParent && !m_bStarted && !m_bIsEndCapChild )
+			return false; // still waiting out its delay
+	}
+	for ( const auto &pChild : m_Children )
+	{
+		if ( !pChild->IsFinished() )
+			return false;
+	}
+	return true;
+}
+
+void CParticleCollection::StartEndCap()
+{
+	m_bInEndCap = true;
+	m_flEndCapTime = m_flCurTime;
+}
+
+void CParticleCollection::StopEmission( bool bInfiniteOnly, bool bRemoveAllParticles, bool bWakeOnStop, bool bPlayEndCap )
+{
+	bool bInfinite = false;
+	const auto &emitters = m_pDefinition->GetFunctions( PARTICLE_FUNCTION_EMITTER );
+	for ( size_t e = 0; e < emitters.size(); ++e )
+		bInfinite |= !emitters[ e ]->IsEmissionFinished( m_EmitterStates[ e ], 1e30f );
+	if ( !bInfiniteOnly || bInfinite )
+		m_bEmissionStopped = true;
+	if ( bRemoveAllParticles )
+	{
+		m_nActive = 0;
+		m_nKilled = 0;
+	}
+	for ( auto &pChild : m_Children )
+	{
+		if ( pChild->m_bIsEndCapChild )
+		{
+			if ( bPlayEndCap && !bRemoveAllParticles )
+			{
+				pChild->StartEndCap();
+				pChild->m_flFirstRunTime = 0.0f;
+			}
+			continue;
+		}
+		pChild->StopEmission( bInfiniteOnly, bRemoveAllParticles, bWakeOnStop, bPlayEndCap );
+	}
+	if ( bPlayEndCap && !bRemoveAllParticles )
+		StartEndCap();
+}
+
+void CParticleCollection::Restart( bool bAggregate, const Vector & )
+{
+	m_flCurTime = 0.0f;
+	m_bEmissionStopped = false;
+	m_bInEndCap = false;
+	m_flEndCapTime = 0.0f;
+	m_bStarted = false;
+	if ( !bAggregate )
+	{
+		for ( ParticleEmitterState_t &state : m_EmitterStates )
+			state = ParticleEmitterState_t();
+	}
+	else
+	{
+		// An aggregation emits its instantaneous burst again on top of what lives.
+		for ( ParticleEmitterState_t &state : m_EmitterStates )
+			state.m_bEmittedOnce = false;
+	}
+	for ( size_t c = 0; c < m_Children.size(); ++c )
+	{
+		m_Children[ c ]->Restart( bAggregate, Vector() );
+		m_Children[ c ]->m_flFirstRunTime = m_pDefinition->m_Children[ c ].m_flDelay;
+	}
+}
+
+int CParticleCollection::GetActiveParticleCount( bool bIncludeChildren ) const
+{
+	int nCount = m_nActive;
+	if ( bIncludeChildren )
+	{
+		for ( const auto &pChild : m_Children )
+			nCount += pChild->GetActiveParticleCount( true );
+	}
+	return nCount;
+}
+
+bool CParticleCollection::RecalculateBounds()
+{
+	Vector vMin( 1e30f, 1e30f, 1e30f ), vMax( -1e30f, -1e30f, -1e30f );
+	bool bAny = false;
+	if ( m_nActive > 0 )
+	{
+		const float *pRadius = m_pStreams[ PARTICLE_ATTRIBUTE_RADIUS ][ 0 ];
+		for ( int k = 0; k < 3; ++k )
+		{
+			const float *pPos = m_pStreams[ PARTICLE_ATTRIBUTE_POSITION ][ k ];
+			float flLo = vMin[ k ], flHi = vMax[ k ];
+			for ( int i = 0; i < m_nActive; ++i )
+			{
+				flLo = std::min( flLo, pPos[ i ] - pRadius[ i ] );
+				flHi = std::max( flHi, pPos[ i ] + pRadius[ i ] );
+			}
+			vMin[ k ] = flLo;
+			vMax[ k ] = flHi;
+		}
+		bAny = true;
+	}
+	for ( const auto &pChild : m_Children )
+	{
+		if ( !pChild->m_bBoundsValid )
+			continue;
+		for ( int k = 0; k < 3; ++k )
+		{
+			vMin[ k ] = std::min( vMin[ k ], pChild->m_vBoundsMin[ k ] );
+			vMax[ k ] = std::max( vMax[ k ], pChild->m_vBoundsMax[ k ] );
+		}
+		bAny = true;
+	}
+	m_bBoundsValid = bAny;
+	if ( bAny )
+	{
+		m_vBoundsMin = vMin;
+		m_vBoundsMax = vMax;
+	}
+	return bAny;
+}
+
+int CParticleCollection::GetRendererCount() const
+{
+	return int( m_Renderers.size() );
+}
+
+bool CParticleCollection::GetDrawData( int nRenderer, ParticleDrawData_t *pData ) const
+{
+	if ( nRenderer < 0 || size_t( nRenderer ) >= m_Renderers.size() || !pData )
+		return false;
+	*pData = ParticleDrawData_t();
+	pData->m_pClassName = m_Renderers[ size_t( nRenderer ) ]->GetClassName();
+	m_Renderers[ size_t( nRenderer ) ]->FillDrawData( *this, pData );
+	return true;
+}

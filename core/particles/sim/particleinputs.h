@@ -1,0 +1,307 @@
+#pragma once
+// The run-time form of the typed inputs that function fields hold (float, vector,
+// transform, model). Each is read once from its KV3 table at compile, with the field
+// names of the definition file, and evaluated either once for the collection or over a
+// run of particles into an array, so the per-particle work is a tight loop per input.
+
+#include <cstdint>
+
+#include "core/containers/utlvector.h"
+#include "core/mathlib/vector.h"
+#include "core/particles/particleparamid.h"
+#include "core/particles/sim/controlpointusage.h"
+#include "core/text/utlstring.h"
+
+class KeyValues3;
+class CParticleCollection;
+class CParticleNamedValueBindings;
+
+enum ParticleFloatType_t : int32_t
+{
+	PF_TYPE_INVALID = -1,
+	PF_TYPE_LITERAL = 0,
+	PF_TYPE_NAMED_VALUE,
+	PF_TYPE_RANDOM_UNIFORM,
+	PF_TYPE_RANDOM_BIASED,
+	PF_TYPE_COLLECTION_AGE,
+	PF_TYPE_ENDCAP_AGE,
+	PF_TYPE_CONTROL_POINT_COMPONENT,
+	PF_TYPE_CONTROL_POINT_CHANGE_AGE,
+	PF_TYPE_CONTROL_POINT_SPEED,
+	PF_TYPE_PARTICLE_DETAIL_LEVEL,
+	PF_TYPE_CONCURRENT_DEF_COUNT,
+	PF_TYPE_CLOSEST_CAMERA_DISTANCE,
+	PF_TYPE_SNAPSHOT_COUNT,
+	PF_TYPE_RENDERER_CAMERA_DISTANCE,
+	PF_TYPE_RENDERER_CAMERA_DOT_PRODUCT,
+	PF_TYPE_PARTICLE_NOISE,
+	PF_TYPE_PARTICLE_AGE,
+	PF_TYPE_PARTICLE_AGE_NORMALIZED,
+	PF_TYPE_PARTICLE_FLOAT,
+	PF_TYPE_PARTICLE_INITIAL_FLOAT,
+	PF_TYPE_PARTICLE_VECTOR_COMPONENT,
+	PF_TYPE_PARTICLE_INITIAL_VECTOR_COMPONENT,
+	PF_TYPE_PARTICLE_SPEED,
+	PF_TYPE_PARTICLE_NUMBER,
+	PF_TYPE_PARTICLE_NUMBER_NORMALIZED,
+	PF_TYPE_PARTICLE_ROPE_SEGMENT,
+	PF_TYPE_PARTICLE_ROPE_SEGMENT_NORMALIZED,
+	PF_TYPE_PARTICLE_SCREENSPACE_CAMERA_DISTANCE,
+	PF_TYPE_PARTICLE_SCREENSPACE_CAMERA_DOT_PRODUCT,
+	PF_TYPE_COUNT,
+};
+
+enum ParticleFloatMapType_t : int32_t
+{
+	PF_MAP_TYPE_INVALID = -1,
+	PF_MAP_TYPE_DIRECT = 0,
+	PF_MAP_TYPE_MULT,
+	PF_MAP_TYPE_REMAP,
+	PF_MAP_TYPE_REMAP_BIASED,
+	PF_MAP_TYPE_CURVE,
+	PF_MAP_TYPE_NOTCHED,
+	PF_MAP_TYPE_ROUND,
+	PF_MAP_TYPE_COUNT,
+};
+
+enum ParticleVecType_t : int32_t
+{
+	PVEC_TYPE_INVALID = -1,
+	PVEC_TYPE_LITERAL = 0,
+	PVEC_TYPE_LITERAL_COLOR,
+	PVEC_TYPE_NAMED_VALUE,
+	PVEC_TYPE_PARTICLE_VECTOR,
+	PVEC_TYPE_PARTICLE_INITIAL_VECTOR,
+	PVEC_TYPE_PARTICLE_VELOCITY,
+	PVEC_TYPE_CP_VALUE,
+	PVEC_TYPE_CP_RELATIVE_POSITION,
+	PVEC_TYPE_CP_RELATIVE_DIR,
+	PVEC_TYPE_CP_RELATIVE_RANDOM_DIR,
+	PVEC_TYPE_FLOAT_COMPONENTS,
+	PVEC_TYPE_FLOAT_INTERP_CLAMPED,
+	PVEC_TYPE_FLOAT_INTERP_OPEN,
+	PVEC_TYPE_FLOAT_INTERP_GRADIENT,
+	PVEC_TYPE_RANDOM_UNIFORM,
+	PVEC_TYPE_RANDOM_UNIFORM_OFFSET,
+	PVEC_TYPE_CP_DELTA,
+	PVEC_TYPE_CLOSEST_CAMERA_POSITION,
+	PVEC_TYPE_COUNT,
+};
+
+// Bias curves shared by random and remap stages; p in -1 .. 1, x in 0 .. 1.
+float ParticleBias( int nBiasType, float flParameter, float x );
+
+// What compile hands every input: named value slots, the running cache offset.
+struct ParticleInputCompileContext_t
+{
+	CParticleNamedValueBindings *m_pBindings = nullptr;
+	int m_nCacheOffset = 0;
+};
+
+// A sampled curve or gradient: evaluation is an index and a lerp in the hot loop.
+struct ParticleSampledCurve_t
+{
+	static constexpr int SAMPLES = 128;
+	float m_flDomainMin = 0.0f;
+	float m_flDomainMax = 1.0f;
+	float m_flValues[ SAMPLES ] = {};
+	bool m_bValid = false;
+	bool Load( const KeyValues3 *pCurve );
+	float Evaluate( float x ) const;
+};
+
+struct ParticleSampledGradient_t
+{
+	static constexpr int SAMPLES = 128;
+	Vector m_Colors[ SAMPLES ]; // 0 .. 1 per channel
+	bool m_bValid = false;
+	bool Load( const KeyValues3 *pGradient );
+	Vector Evaluate( float t ) const;
+};
+
+class CSimFloatInput
+{
+public:
+	CSimFloatInput() = default;
+	explicit CSimFloatInput( float flLiteral ) : m_flLiteralValue( flLiteral ) {}
+
+	// A table is read member by member; any other value is a plain literal. Answers
+	// false with a text for a value that can't be an input.
+	bool Load( const KeyValues3 *pValue, CUtlString *pError );
+	void Compile( ParticleInputCompileContext_t *pContext, bool bPerParticle );
+
+	// The same value for every particle and every step: a literal, whatever its map.
+	bool IsConstant() const { return m_nType == PF_TYPE_LITERAL; }
+	bool IsPerParticleSource() const;
+
+	float EvaluateCollection( const CParticleCollection &collection ) const;
+	// One value for each particle of [nStart, nStart + nCount).
+	void EvaluatePerParticle( const CParticleCollection &collection, int nStart, int nCount, float *pOut ) const;
+	// The mapping stage alone, for tests and for callers that already have a source.
+	float ApplyMap( float flValue ) const;
+
+	void CollectControlPointUsage( CUtlVector<ControlPointUsage_t> *pUsage ) const;
+	uint64_t GetReadAttributeMask() const;
+	uint64_t GetReadInitialAttributeMask() const;
+
+	// Fields, named as in the definition file.
+	int32_t m_nType = PF_TYPE_LITERAL;
+	int32_t m_nMapType = PF_MAP_TYPE_DIRECT;
+	float m_flLiteralValue = 0.0f;
+	CUtlString m_NamedValue;
+	int32_t m_nControlPoint = 0;
+	int32_t m_nScalarAttribute = 3;
+	int32_t m_nVectorAttribute = 6;
+	int32_t m_nVectorComponent = 0;
+	bool m_bReverseOrder = false;
+	float m_flRandomMin = 0.0f;
+	float m_flRandomMax = 1.0f;
+	bool m_bHasRandomSignFlip = false;
+	int32_t m_nRandomSeed = -1;
+	int32_t m_nRandomMode = 0;
+	float m_flLOD0 = 0.0f, m_flLOD1 = 0.0f, m_flLOD2 = 0.0f, m_flLOD3 = 0.0f;
+	int32_t m_nNoiseInputVectorAttribute = 0;
+	float m_flNoiseOutputMin = 0.0f;
+	float m_flNoiseOutputMax = 1.0f;
+	float m_flNoiseScale = 0.1f;
+	Vector m_vecNoiseOffsetRate;
+	float m_flNoiseOffset = 0.0f;
+	int32_t m_nNoiseOctaves = 1;
+	int32_t m_nNoiseTurbulence = 0;
+	int32_t m_nNoiseType = 0;
+	int32_t m_nNoiseModifier = 0;
+	float m_flNoiseTurbulenceScale = 1.0f;
+	float m_flNoiseTurbulenceMix = 0.5f;
+	float m_flNoCameraFallback = 0.0f;
+	bool m_bUseBoundsCenter = false;
+	int32_t m_nInputMode = 0;
+	float m_flMultFactor = 1.0f;
+	float m_flInput0 = 0.0f, m_flInput1 = 1.0f;
+	float m_flOutput0 = 0.0f, m_flOutput1 = 1.0f;
+	float m_flNotchedRangeMin = 0.0f, m_flNotchedRangeMax = 1.0f;
+	float m_flNotchedOutputOutside = 0.0f, m_flNotchedOutputInside = 1.0f;
+	int32_t m_nRoundType = 0;
+	int32_t m_nBiasType = 0;
+	float m_flBiasParameter = 0.0f;
+	ParticleSampledCurve_t m_Curve;
+
+	// Compile results.
+	int m_nNamedValueSlot = -1;
+	int m_nCacheOffset = -1;
+	bool m_bPerParticle = false;
+
+private:
+	float EvaluateSource( const CParticleCollection &collection, int nParticle ) const;
+	float RandomValue( const CParticleCollection &collection, uint32_t nKey ) const;
+	float NoiseAt( const Vector &position, float flTime ) const;
+};
+
+class CSimVecInput
+{
+public:
+	CSimVecInput() = default;
+	explicit CSimVecInput( const Vector &vLiteral ) : m_vLiteralValue( vLiteral ) {}
+
+	bool Load( const KeyValues3 *pValue, CUtlString *pError );
+	void Compile( ParticleInputCompileContext_t *pContext, bool bPerParticle );
+
+	bool IsConstant() const { return m_nType == PVEC_TYPE_LITERAL || m_nType == PVEC_TYPE_LITERAL_COLOR; }
+	Vector EvaluateCollection( const CParticleCollection &collection ) const;
+	// Three arrays, one per component, for [nStart, nStart + nCount).
+	void EvaluatePerParticle( const CParticleCollection &collection, int nStart, int nCount, float *pX, float *pY, float *pZ ) const;
+
+	void CollectControlPointUsage( CUtlVector<ControlPointUsage_t> *pUsage ) const;
+	uint64_t GetReadAttributeMask() const;
+	uint64_t GetReadInitialAttributeMask() const;
+
+	int32_t m_nType = PVEC_TYPE_LITERAL;
+	Vector m_vLiteralValue;
+	uint8_t m_LiteralColor[ 4 ] = { 0, 0, 0, 255 };
+	CUtlString m_NamedValue;
+	bool m_bFollowNamedValue = false;
+	int32_t m_nVectorAttribute = 6;
+	Vector m_vVectorAttributeScale{ 1.0f, 1.0f, 1.0f };
+	int32_t m_nControlPoint = 0;
+	int32_t m_nDeltaControlPoint = 0;
+	Vector m_vCPValueScale{ 1.0f, 1.0f, 1.0f };
+	Vector m_vCPRelativePosition;
+	Vector m_vCPRelativeDir{ 1.0f, 0.0f, 0.0f };
+	CSimFloatInput m_FloatComponentX, m_FloatComponentY, m_FloatComponentZ;
+	CSimFloatInput m_FloatInterp;
+	float m_flInterpInput0 = 0.0f, m_flInterpInput1 = 1.0f;
+	Vector m_vInterpOutput0;
+	Vector m_vInterpOutput1{ 1.0f, 1.0f, 1.0f };
+	ParticleSampledGradient_t m_Gradient;
+	Vector m_vRandomMin, m_vRandomMax;
+
+	int m_nNamedValueSlot = -1;
+	bool m_bPerParticle = false;
+
+private:
+	Vector EvaluateOne( const CParticleCollection &collection, int nParticle ) const;
+};
+
+enum ParticleTransformType_t : int32_t
+{
+	PT_TYPE_INVALID = 0,
+	PT_TYPE_NAMED_VALUE,
+	PT_TYPE_CONTROL_POINT,
+	PT_TYPE_CONTROL_POINT_RANGE,
+	PT_TYPE_COUNT,
+};
+
+struct ParticleTransform_t
+{
+	Vector m_vOrigin;
+	Vector m_vForward{ 1.0f, 0.0f, 0.0f };
+	Vector m_vRight{ 0.0f, -1.0f, 0.0f };
+	Vector m_vUp{ 0.0f, 0.0f, 1.0f };
+	bool m_bValid = true;
+};
+
+class CSimTransformInput
+{
+public:
+	bool Load( const KeyValues3 *pValue, CUtlString *pError );
+	void Compile( ParticleInputCompileContext_t *pContext );
+	// nParticle picks among a control point range; -1 for the collection.
+	ParticleTransform_t Evaluate( const CParticleCollection &collection, int nParticle = -1 ) const;
+	void CollectControlPointUsage( CUtlVector<ControlPointUsage_t> *pUsage ) const;
+
+	int32_t m_nType = PT_TYPE_CONTROL_POINT;
+	CUtlString m_NamedValue;
+	bool m_bFollowNamedValue = false;
+	bool m_bSupportsDisabled = false;
+	bool m_bUseOrientation = true;
+	int32_t m_nControlPoint = 0;
+	int32_t m_nControlPointRangeMax = 0;
+	float m_flEndCPGrowthTime = 0.0f;
+	int m_nNamedValueSlot = -1;
+};
+
+enum ParticleModelType_t : int32_t
+{
+	PM_TYPE_INVALID = 0,
+	PM_TYPE_NAMED_VALUE_MODEL,
+	PM_TYPE_NAMED_VALUE_EHANDLE,
+	PM_TYPE_CONTROL_POINT,
+	PM_TYPE_COUNT,
+};
+
+class CSimModelInput
+{
+public:
+	bool Load( const KeyValues3 *pValue, CUtlString *pError );
+	void Compile( ParticleInputCompileContext_t *pContext );
+	// The model's name as the system knows it: the named value's resource, or "" when the
+	// model comes from an entity the runtime doesn't have.
+	const char *GetModelName( const CParticleCollection &collection ) const;
+	// The control point the model follows, or -1.
+	int GetControlPoint() const { return m_nType == PM_TYPE_CONTROL_POINT ? m_nControlPoint : -1; }
+	void CollectControlPointUsage( CUtlVector<ControlPointUsage_t> *pUsage ) const;
+
+	int32_t m_nType = PM_TYPE_INVALID;
+	CUtlString m_NamedValue;
+	int32_t m_nControlPoint = -1;
+	int m_nNamedValueSlot = -1;
+};

@@ -1,0 +1,585 @@
+// Operators: every living particle, every step. Each loops over the attribute arrays.
+
+#include <algorithm>
+#include <cmath>
+
+#include "core/particles/sim/particlecollection.h"
+#include "core/particles/sim/particlefunctionreader.h"
+#include "core/particles/sim/particlesimfunctionlist.h"
+#include "core/particles/sim/particlesimmath.h"
+
+using namespace ParticleMath;
+
+namespace
+{
+class CBasicMovement final : public CParticleSimFunction
+{
+public:
+	void Read( CParticleFunctionReader &reader ) override
+	{
+		reader.VecInput( "m_Gravity", &m_Gravity, false );
+		m_Drag = CSimFloatInput( 0.0f );
+		reader.FloatInput( "m_fDrag", &m_Drag, false );
+		reader.Reads( PARTICLE_ATTRIBUTE_POSITION );
+		reader.Writes( PARTICLE_ATTRIBUTE_POSITION );
+		reader.Writes( PARTICLE_ATTRIBUTE_PREVIOUS_POSITION );
+	}
+
+	void Operate( CParticleCollection &c, float flDt ) const override
+	{
+		if ( flDt <= 0.0f )
+			return;
+		Vector vGravity = m_Gravity.EvaluateCollection( c );
+		float flDrag = Clamp( m_Drag.EvaluateCollection( c ), 0.0f, 1.0f );
+		// Verlet: the distance moved last step, rescaled to this step's length, damped.
+		float flCarry = ( c.GetPreviousDt() > 0.0f ? flDt / c.GetPreviousDt() : 1.0f ) * ( 1.0f - flDrag );
+		float flDtSq = flDt * flDt;
+		int n = c.Count();
+		for ( int k = 0; k < 3; ++k )
+		{
+			float *__restrict pPos = c.Stream( PARTICLE_ATTRIBUTE_POSITION, k );
+			float *__restrict pPrev = c.Stream( PARTICLE_ATTRIBUTE_PREVIOUS_POSITION, k );
+			const float *__restrict pForce = c.GetDefinition()->m_bHasForces ? c.Force( k ) : nullptr;
+			float flAccel = vGravity[ k ] * flDtSq;
+			if ( pForce )
+			{
+				for ( int i = 0; i < n; ++i )
+				{
+					float flPos = pPos[ i ];
+					pPos[ i ] = flPos + ( flPos - pPrev[ i ] ) * flCarry + flAccel + pForce[ i ] * flDtSq;
+					pPrev[ i ] = flPos;
+				}
+			}
+			else
+			{
+				for ( int i = 0; i < n; ++i )
+				{
+					float flPos = pPos[ i ];
+					pPos[ i ] = flPos + ( flPos - pPrev[ i ] ) * flCarry + flAccel;
+					pPrev[ i ] = flPos;
+				}
+			}
+		}
+	}
+
+private:
+	CSimVecInput m_Gravity;
+	CSimFloatInput m_Drag;
+};
+
+class CDecay final : public CParticleSimFunction
+{
+public:
+	void Read( CParticleFunctionReader &reader ) override
+	{
+		reader.Reads( PARTICLE_ATTRIBUTE_CREATION_TIME );
+		reader.Reads( PARTICLE_ATTRIBUTE_LIFE_DURATION );
+		m_bRunsWhenCulled = true;
+	}
+
+	void Operate( CParticleCollection &c, float ) const override
+	{
+		const float *pCreation = c.Stream( PARTICLE_ATTRIBUTE_CREATION_TIME );
+		const float *pLife = c.Stream( PARTICLE_ATTRIBUTE_LIFE_DURATION );
+		float flTime = c.GetTime();
+		int n = c.Count();
+		for ( int i = 0; i < n; ++i )
+		{
+			if ( flTime - pCreation[ i ] >= pLife[ i ] )
+				c.KillParticle( i );
+		}
+	}
+};
+
+// Fades and interpolations run on normalized age: 0 at birth, 1 at the end of life.
+void NormalizedAge( const CParticleCollection &c, float *pOut )
+{
+	const float *pCreation = c.Stream( PARTICLE_ATTRIBUTE_CREATION_TIME );
+	const float *pLife = c.Stream( PARTICLE_ATTRIBUTE_LIFE_DURATION );
+	float flTime = c.GetTime();
+	int n = c.Count();
+	for ( int i = 0; i < n; ++i )
+		pOut[ i ] = pLife[ i ] > 0.0f ? ( flTime - pCreation[ i ] ) / pLife[ i ] : 1.0f;
+}
+
+class CFadeInSimple final : public CParticleSimFunction
+{
+public:
+	void Read( CParticleFunctionReader &reader ) override
+	{
+		m_flFadeInTime = reader.Float( "m_flFadeInTime", 0.25f );
+		m_nField = reader.OutputAttribute( "m_nFieldOutput", PARTICLE_ATTRIBUTE_ALPHA );
+		reader.ReadsInitial( m_nField );
+	}
+
+	void Operate( CParticleCollection &c, float ) const override
+	{
+		float *pAge = c.Scratch( 0 );
+		NormalizedAge( c, pAge );
+		float *pOut = c.Stream( m_nField );
+		const float *pInitial = c.InitialStream( m_nField );
+		float flInv = m_flFadeInTime > 0.0f ? 1.0f / m_flFadeInTime : 1e9f;
+		int n = c.Count();
+		for ( int i = 0; i < n; ++i )
+			pOut[ i ] = pInitial[ i ] * std::min( 1.0f, pAge[ i ] * flInv );
+	}
+
+private:
+	float m_flFadeInTime = 0.25f;
+	int m_nField = PARTICLE_ATTRIBUTE_ALPHA;
+};
+
+class CFadeOutSimple final : public CParticleSimFunction
+{
+public:
+	void Read( CParticleFunctionReader &reader ) override
+	{
+		m_flFadeOutTime = reader.Float( "m_flFadeOutTime", 0.25f );
+		m_nField = reader.OutputAttribute( "m_nFieldOutput", PARTICLE_ATTRIBUTE_ALPHA );
+		reader.ReadsInitial( m_nField );
+	}
+
+	void Operate( CParticleCollection &c, float ) const override
+	{
+		float *pAge = c.Scratch( 0 );
+		NormalizedAge( c, pAge );
+		float *pOut = c.Stream( m_nField );
+		const float *pInitial = c.InitialStream( m_nField );
+		float flInv = m_flFadeOutTime > 0.0f ? 1.0f / m_flFadeOutTime : 1e9f;
+		int n = c.Count();
+		// The lower of what earlier functions left and the faded initial value, so a fade
+		// in and a fade out combine and repeated steps don't compound.
+		for ( int i = 0; i < n; ++i )
+			pOut[ i ] = std::min( pOut[ i ], pInitial[ i ] * Clamp( ( 1.0f - pAge[ i ] ) * flInv, 0.0f, 1.0f ) );
+	}
+
+private:
+	float m_flFadeOutTime = 0.25f;
+	int m_nField = PARTICLE_ATTRIBUTE_ALPHA;
+};
+
+class CInterpolateRadius final : public CParticleSimFunction
+{
+public:
+	void Read( CParticleFunctionReader &reader ) override
+	{
+		m_flStartTime = reader.Float( "m_flStartTime", 0.0f );
+		m_flEndTime = reader.Float( "m_flEndTime", 1.0f );
+		m_flStartScale = reader.Float( "m_flStartScale", 1.0f );
+		m_flEndScale = reader.Float( "m_flEndScale", 1.0f );
+		reader.Writes( PARTICLE_ATTRIBUTE_RADIUS );
+		reader.ReadsInitial( PARTICLE_ATTRIBUTE_RADIUS );
+	}
+
+	void Operate( CParticleCollection &c, float ) const override
+	{
+		float *pAge = c.Scratch( 0 );
+		NormalizedAge( c, pAge );
+		float *pRadius = c.Stream( PARTICLE_ATTRIBUTE_RADIUS );
+		const float *pInitial = c.InitialStream( PARTICLE_ATTRIBUTE_RADIUS );
+		float flSpan = m_flEndTime - m_flStartTime;
+		float flInv = flSpan > 0.0f ? 1.0f / flSpan : 1e9f;
+		int n = c.Count();
+		for ( int i = 0; i < n; ++i )
+		{
+			float t = Clamp( ( pAge[ i ] - m_flStartTime ) * flInv, 0.0f, 1.0f );
+			pRadius[ i ] = pInitial[ i ] * ( m_flStartScale + ( m_flEndScale - m_flStartScale ) * t );
+		}
+	}
+
+private:
+	float m_flStartTime = 0.0f, m_flEndTime = 1.0f, m_flStartScale = 1.0f, m_flEndScale = 1.0f;
+};
+
+class CColorInterpolate final : public CParticleSimFunction
+{
+public:
+	void Read( CParticleFunctionReader &reader ) override
+	{
+		m_vColorFade = reader.Color( "m_ColorFade", Vector( 1.0f, 1.0f, 1.0f ) );
+		m_flFadeStartTime = reader.Float( "m_flFadeStartTime", 0.0f );
+		m_flFadeEndTime = reader.Float( "m_flFadeEndTime", 1.0f );
+		m_nField = reader.OutputAttribute( "m_nFieldOutput", PARTICLE_ATTRIBUTE_COLOR );
+		reader.ReadsInitial( m_nField );
+	}
+
+	void Operate( CParticleCollection &c, float ) const override
+	{
+		if ( GetParticleAttributeComponentCount( m_nField ) != 3 )
+			return;
+		float *pAge = c.Scratch( 0 );
+		NormalizedAge( c, pAge );
+		float flSpan = m_flFadeEndTime - m_flFadeStartTime;
+		float flInv = flSpan > 0.0f ? 1.0f / flSpan : 1e9f;
+		int n = c.Count();
+		for ( int i = 0; i < n; ++i )
+			pAge[ i ] = Clamp( ( pAge[ i ] - m_flFadeStartTime ) * flInv, 0.0f, 1.0f );
+		for ( int k = 0; k < 3; ++k )
+		{
+			float *pOut = c.Stream( m_nField, k );
+			const float *pInitial = c.InitialStream( m_nField, k );
+			float flTarget = m_vColorFade[ k ];
+			for ( int i = 0; i < n; ++i )
+				pOut[ i ] = pInitial[ i ] + ( flTarget - pInitial[ i ] ) * pAge[ i ];
+		}
+	}
+
+private:
+	Vector m_vColorFade{ 1.0f, 1.0f, 1.0f };
+	float m_flFadeStartTime = 0.0f, m_flFadeEndTime = 1.0f;
+	int m_nField = PARTICLE_ATTRIBUTE_COLOR;
+};
+
+class CSpinUpdate final : public CParticleSimFunction
+{
+public:
+	void Read( CParticleFunctionReader &reader ) override
+	{
+		reader.Reads( PARTICLE_ATTRIBUTE_ROLL_SPEED );
+		reader.Writes( PARTICLE_ATTRIBUTE_ROLL );
+	}
+
+	void Operate( CParticleCollection &c, float flDt ) const override
+	{
+		float *pRotation = c.Stream( PARTICLE_ATTRIBUTE_ROLL );
+		const float *pSpeed = c.Stream( PARTICLE_ATTRIBUTE_ROLL_SPEED );
+		int n = c.Count();
+		for ( int i = 0; i < n; ++i )
+			pRotation[ i ] += pSpeed[ i ] * flDt;
+	}
+};
+
+class CSetFloat final : public CParticleSimFunction
+{
+public:
+	void Read( CParticleFunctionReader &reader ) override
+	{
+		m_nOutputField = reader.OutputAttribute( "m_nOutputField", 3 );
+		reader.FloatInput( "m_InputValue", &m_InputValue, true );
+		m_nSetMethod = reader.Enum( "m_nSetMethod", g_ParticleSetMethodNames, 6, PARTICLE_SET_REPLACE_VALUE );
+		m_Lerp = CSimFloatInput( 1.0f );
+		reader.FloatInput( "m_Lerp", &m_Lerp, false );
+		if ( m_nSetMethod == PARTICLE_SET_SCALE_INITIAL_VALUE || m_nSetMethod == PARTICLE_SET_ADD_TO_INITIAL_VALUE )
+			reader.ReadsInitial( m_nOutputField );
+	}
+
+	void Operate( CParticleCollection &c, float ) const override
+	{
+		int n = c.Count();
+		float *pValues = c.Scratch( 1 );
+		m_InputValue.EvaluatePerParticle( c, 0, n, pValues );
+		float flLerp = Clamp( m_Lerp.EvaluateCollection( c ), 0.0f, 1.0f );
+		for ( int k = 0; k < GetParticleAttributeComponentCount( m_nOutputField ); ++k )
+		{
+			float *pOut = c.Stream( m_nOutputField, k );
+			const float *pBase = pOut;
+			if ( m_nSetMethod == PARTICLE_SET_SCALE_INITIAL_VALUE || m_nSetMethod == PARTICLE_SET_ADD_TO_INITIAL_VALUE )
+				pBase = c.InitialStream( m_nOutputField, k );
+			bool bScale = m_nSetMethod == PARTICLE_SET_SCALE_INITIAL_VALUE || m_nSetMethod == PARTICLE_SET_SCALE_CURRENT_VALUE;
+			bool bAdd = m_nSetMethod == PARTICLE_SET_ADD_TO_INITIAL_VALUE || m_nSetMethod == PARTICLE_SET_ADD_TO_CURRENT_VALUE;
+			for ( int i = 0; i < n; ++i )
+			{
+				float flTarget = bScale ? pBase[ i ] * pValues[ i ] : ( bAdd ? pBase[ i ] + pValues[ i ] : pValues[ i ] );
+				pOut[ i ] += ( flTarget - pOut[ i ] ) * flLerp;
+			}
+		}
+	}
+
+private:
+	int m_nOutputField = 3;
+	int m_nSetMethod = 0;
+	CSimFloatInput m_InputValue;
+	CSimFloatInput m_Lerp;
+};
+
+class CSetVec final : public CParticleSimFunction
+{
+public:
+	void Read( CParticleFunctionReader &reader ) override
+	{
+		m_nOutputField = reader.OutputAttribute( "m_nOutputField", PARTICLE_ATTRIBUTE_COLOR );
+		reader.VecInput( "m_InputValue", &m_InputValue, true );
+		m_nSetMethod = reader.Enum( "m_nSetMethod", g_ParticleSetMethodNames, 6, PARTICLE_SET_REPLACE_VALUE );
+		m_Lerp = CSimFloatInput( 1.0f );
+		reader.FloatInput( "m_Lerp", &m_Lerp, false );
+	}
+
+	void Operate( CParticleCollection &c, float ) const override
+	{
+		int n = c.Count();
+		float *pValues[ 3 ] = { c.Scratch( 1 ), c.Scratch( 2 ), c.Scratch( 3 ) };
+		m_InputValue.EvaluatePerParticle( c, 0, n, pValues[ 0 ], pValues[ 1 ], pValues[ 2 ] );
+		float flLerp = Clamp( m_Lerp.EvaluateCollection( c ), 0.0f, 1.0f );
+		int nComponents = GetParticleAttributeComponentCount( m_nOutputField );
+		bool bScale = m_nSetMethod == PARTICLE_SET_SCALE_INITIAL_VALUE || m_nSetMethod == PARTICLE_SET_SCALE_CURRENT_VALUE;
+		bool bAdd = m_nSetMethod == PARTICLE_SET_ADD_TO_INITIAL_VALUE || m_nSetMethod == PARTICLE_SET_ADD_TO_CURRENT_VALUE;
+		for ( int k = 0; k < nComponents; ++k )
+		{
+			float *pOut = c.Stream( m_nOutputField, k );
+			const float *pIn = pValues[ nComponents == 3 ? k : 0 ];
+			for ( int i = 0; i < n; ++i )
+			{
+				float flTarget = bScale ? pOut[ i ] * pIn[ i ] : ( bAdd ? pOut[ i ] + pIn[ i ] : pIn[ i ] );
+				pOut[ i ] += ( flTarget - pOut[ i ] ) * flLerp;
+			}
+		}
+	}
+
+private:
+	int m_nOutputField = PARTICLE_ATTRIBUTE_COLOR;
+	int m_nSetMethod = 0;
+	CSimVecInput m_InputValue;
+	CSimFloatInput m_Lerp;
+};
+
+// Fades alpha in and out over normalized age and kills at the end of life.
+class CFadeAndKill final : public CParticleSimFunction
+{
+public:
+	void Read( CParticleFunctionReader &reader ) override
+	{
+		m_flStartFadeIn = reader.Float( "m_flStartFadeInTime", 0.0f );
+		m_flEndFadeIn = reader.Float( "m_flEndFadeInTime", 0.5f );
+		m_flStartFadeOut = reader.Float( "m_flStartFadeOutTime", 0.5f );
+		m_flEndFadeOut = reader.Float( "m_flEndFadeOutTime", 1.0f );
+		m_flStartAlpha = reader.Float( "m_flStartAlpha", 1.0f );
+		m_flEndAlpha = reader.Float( "m_flEndAlpha", 0.0f );
+		reader.Writes( PARTICLE_ATTRIBUTE_ALPHA );
+		reader.ReadsInitial( PARTICLE_ATTRIBUTE_ALPHA );
+		m_bRunsWhenCulled = true;
+	}
+
+	void Operate( CParticleCollection &c, float ) const override
+	{
+		float *pAge = c.Scratch( 0 );
+		NormalizedAge( c, pAge );
+		float *pAlpha = c.Stream( PARTICLE_ATTRIBUTE_ALPHA );
+		const float *pInitial = c.InitialStream( PARTICLE_ATTRIBUTE_ALPHA );
+		int n = c.Count();
+		for ( int i = 0; i < n; ++i )
+		{
+			float t = pAge[ i ], flScale;
+			if ( t >= 1.0f )
+			{
+				c.KillParticle( i );
+				continue;
+			}
+			if ( t < m_flEndFadeIn )
+				flScale = Lerp( m_flStartAlpha, 1.0f, Clamp( ( t - m_flStartFadeIn ) / std::max( m_flEndFadeIn - m_flStartFadeIn, 1e-6f ), 0.0f, 1.0f ) );
+			else if ( t >= m_flStartFadeOut )
+				flScale = Lerp( 1.0f, m_flEndAlpha, Clamp( ( t - m_flStartFadeOut ) / std::max( m_flEndFadeOut - m_flStartFadeOut, 1e-6f ), 0.0f, 1.0f ) );
+			else
+				flScale = 1.0f;
+			pAlpha[ i ] = pInitial[ i ] * flScale;
+		}
+	}
+
+private:
+	float m_flStartFadeIn = 0.0f, m_flEndFadeIn = 0.5f, m_flStartFadeOut = 0.5f, m_flEndFadeOut = 1.0f, m_flStartAlpha = 1.0f, m_flEndAlpha = 0.0f;
+};
+
+// Moves an attribute from its initial value to a target over a window of normalized age.
+class CLerpScalar final : public CParticleSimFunction
+{
+public:
+	void Read( CParticleFunctionReader &reader ) override
+	{
+		m_nField = reader.OutputAttribute( "m_nFieldOutput", PARTICLE_ATTRIBUTE_RADIUS );
+		reader.ReadsInitial( m_nField );
+		m_Output = CSimFloatInput( 1.0f );
+		reader.FloatInput( "m_flOutput", &m_Output, true );
+		m_flStartTime = reader.Float( "m_flStartTime", 0.0f );
+		m_flEndTime = reader.Float( "m_flEndTime", 1.0f );
+	}
+
+	void Operate( CParticleCollection &c, float ) const override
+	{
+		int n = c.Count();
+		float *pAge = c.Scratch( 0 );
+		float *pTarget = c.Scratch( 1 );
+		NormalizedAge( c, pAge );
+		m_Output.EvaluatePerParticle( c, 0, n, pTarget );
+		float flInv = 1.0f / std::max( m_flEndTime - m_flStartTime, 1e-6f );
+		for ( int k = 0; k < GetParticleAttributeComponentCount( m_nField ); ++k )
+		{
+			float *pOut = c.Stream( m_nField, k );
+			const float *pInitial = c.InitialStream( m_nField, k );
+			for ( int i = 0; i < n; ++i )
+				pOut[ i ] = Lerp( pInitial[ i ], pTarget[ i ], Clamp( ( pAge[ i ] - m_flStartTime ) * flInv, 0.0f, 1.0f ) );
+		}
+	}
+
+private:
+	int m_nField = PARTICLE_ATTRIBUTE_RADIUS;
+	CSimFloatInput m_Output;
+	float m_flStartTime = 0.0f, m_flEndTime = 1.0f;
+};
+
+class CLerpVector final : public CParticleSimFunction
+{
+public:
+	void Read( CParticleFunctionReader &reader ) override
+	{
+		m_nField = reader.OutputAttribute( "m_nFieldOutput", PARTICLE_ATTRIBUTE_COLOR );
+		reader.ReadsInitial( m_nField );
+		m_vOutput = reader.Vec( "m_vecOutput", Vector() );
+		m_flStartTime = reader.Float( "m_flStartTime", 0.0f );
+		m_flEndTime = reader.Float( "m_flEndTime", 1.0f );
+	}
+
+	void Operate( CParticleCollection &c, float ) const override
+	{
+		if ( GetParticleAttributeComponentCount( m_nField ) != 3 )
+			return;
+		int n = c.Count();
+		float *pAge = c.Scratch( 0 );
+		NormalizedAge( c, pAge );
+		float flInv = 1.0f / std::max( m_flEndTime - m_flStartTime, 1e-6f );
+		for ( int k = 0; k < 3; ++k )
+		{
+			float *pOut = c.Stream( m_nField, k );
+			const float *pInitial = c.InitialStream( m_nField, k );
+			for ( int i = 0; i < n; ++i )
+				pOut[ i ] = Lerp( pInitial[ i ], m_vOutput[ k ], Clamp( ( pAge[ i ] - m_flStartTime ) * flInv, 0.0f, 1.0f ) );
+		}
+	}
+
+private:
+	int m_nField = PARTICLE_ATTRIBUTE_COLOR;
+	Vector m_vOutput;
+	float m_flStartTime = 0.0f, m_flEndTime = 1.0f;
+};
+
+class CClampScalar final : public CParticleSimFunction
+{
+public:
+	void Read( CParticleFunctionReader &reader ) override
+	{
+		m_nField = reader.OutputAttribute( "m_nFieldOutput", PARTICLE_ATTRIBUTE_RADIUS );
+		m_Min = CSimFloatInput( 0.0f );
+		m_Max = CSimFloatInput( 1.0f );
+		reader.FloatInput( "m_flOutputMin", &m_Min, true );
+		reader.FloatInput( "m_flOutputMax", &m_Max, true );
+	}
+
+	void Operate( CParticleCollection &c, float ) const override
+	{
+		int n = c.Count();
+		float *pMin = c.Scratch( 1 ), *pMax = c.Scratch( 2 );
+		m_Min.EvaluatePerParticle( c, 0, n, pMin );
+		m_Max.EvaluatePerParticle( c, 0, n, pMax );
+		for ( int k = 0; k < GetParticleAttributeComponentCount( m_nField ); ++k )
+		{
+			float *pOut = c.Stream( m_nField, k );
+			for ( int i = 0; i < n; ++i )
+				pOut[ i ] = Clamp( pOut[ i ], pMin[ i ], pMax[ i ] );
+		}
+	}
+
+private:
+	int m_nField = PARTICLE_ATTRIBUTE_RADIUS;
+	CSimFloatInput m_Min, m_Max;
+};
+
+// Roll at a fixed rate (degrees per second) that stops at a given age.
+class CSpin final : public CParticleSimFunction
+{
+public:
+	void Read( CParticleFunctionReader &reader ) override
+	{
+		m_flRate = float( reader.Int( "m_nSpinRateDegrees", 0 ) );
+		m_flStopTime = reader.Float( "m_fSpinRateStopTime", 0.0f );
+		reader.Writes( PARTICLE_ATTRIBUTE_ROLL );
+	}
+
+	void Operate( CParticleCollection &c, float flDt ) const override
+	{
+		float *pRoll = c.Stream( PARTICLE_ATTRIBUTE_ROLL );
+		const float *pCreation = c.Stream( PARTICLE_ATTRIBUTE_CREATION_TIME );
+		int n = c.Count();
+		for ( int i = 0; i < n; ++i )
+		{
+			bool bSpinning = m_flStopTime <= 0.0f || c.GetTime() - pCreation[ i ] < m_flStopTime;
+			pRoll[ i ] += bSpinning ? m_flRate * flDt : 0.0f;
+		}
+	}
+
+private:
+	float m_flRate = 0.0f, m_flStopTime = 0.0f;
+};
+
+class CAlphaDecay final : public CParticleSimFunction
+{
+public:
+	void Read( CParticleFunctionReader &reader ) override
+	{
+		m_flMinAlpha = reader.Float( "m_flMinAlpha", 0.0f );
+		reader.Reads( PARTICLE_ATTRIBUTE_ALPHA );
+	}
+
+	void Operate( CParticleCollection &c, float ) const override
+	{
+		const float *pAlpha = c.Stream( PARTICLE_ATTRIBUTE_ALPHA );
+		int n = c.Count();
+		for ( int i = 0; i < n; ++i )
+		{
+			if ( pAlpha[ i ] <= m_flMinAlpha )
+				c.KillParticle( i );
+		}
+	}
+
+private:
+	float m_flMinAlpha = 0.0f;
+};
+
+// Places one control point from a vector input, for children and later functions.
+class CSetSingleControlPointPosition final : public CParticleSimFunction
+{
+public:
+	void Read( CParticleFunctionReader &reader ) override
+	{
+		m_nControlPoint = reader.Int( "m_nCP1", 1 );
+		m_Position = CSimVecInput( Vector( 128.0f, 0.0f, 0.0f ) );
+		reader.VecInput( "m_vecCP1Pos", &m_Position, false );
+		m_bSetOnce = reader.Bool( "m_bSetOnce", false );
+		reader.WritesControlPoint( m_nControlPoint, 2 );
+	}
+
+	void Operate( CParticleCollection &c, float ) const override
+	{
+		if ( m_bSetOnce && c.GetControlPoint( m_nControlPoint ).m_bSet && c.GetTime() > 0.0f )
+			return;
+		c.WriteControlPoint( m_nControlPoint, m_Position.EvaluateCollection( c ) );
+	}
+
+private:
+	int m_nControlPoint = 1;
+	CSimVecInput m_Position;
+	bool m_bSetOnce = false;
+};
+
+const ParticleSimFunctionEntry_t s_Operators[] = {
+	{ "C_OP_BasicMovement", CreateParticleSimFunction<CBasicMovement> },
+	{ "C_OP_Decay", CreateParticleSimFunction<CDecay> },
+	{ "C_OP_FadeInSimple", CreateParticleSimFunction<CFadeInSimple> },
+	{ "C_OP_FadeOutSimple", CreateParticleSimFunction<CFadeOutSimple> },
+	{ "C_OP_InterpolateRadius", CreateParticleSimFunction<CInterpolateRadius> },
+	{ "C_OP_ColorInterpolate", CreateParticleSimFunction<CColorInterpolate> },
+	{ "C_OP_SpinUpdate", CreateParticleSimFunction<CSpinUpdate> },
+	{ "C_OP_SetFloat", CreateParticleSimFunction<CSetFloat> },
+	{ "C_OP_SetVec", CreateParticleSimFunction<CSetVec> },
+	{ "C_OP_AlphaDecay", CreateParticleSimFunction<CAlphaDecay> },
+	{ "C_OP_FadeAndKill", CreateParticleSimFunction<CFadeAndKill> },
+	{ "C_OP_LerpScalar", CreateParticleSimFunction<CLerpScalar> },
+	{ "C_OP_LerpVector", CreateParticleSimFunction<CLerpVector> },
+	{ "C_OP_ClampScalar", CreateParticleSimFunction<CClampScalar> },
+	{ "C_OP_Spin", CreateParticleSimFunction<CSpin> },
+	{ "C_OP_SetSingleControlPointPosition", CreateParticleSimFunction<CSetSingleControlPointPosition> },
+};
+} // namespace
+
+const ParticleSimFunctionEntry_t *GetParticleOperatorFunctions( int *pCount )
+{
+	*pCount = int( sizeof( s_Operators ) / sizeof( s_Operators[ 0 ] ) );
+	return s_Operators;
+}

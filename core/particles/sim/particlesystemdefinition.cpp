@@ -1,0 +1,340 @@
+#include "core/particles/sim/particlesystemdefinition.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <strings.h>
+
+#include "core/containers/utlbuffer.h"
+#include "core/kv3/keyvalues3.h"
+#include "core/kv3/kv3serialize.h"
+#include "core/logging/logonce.h"
+#include "core/particles/particlefunctionclasses.h"
+#include "core/particles/sim/particleattributestorage.h"
+#include "core/particles/sim/particlefunctionreader.h"
+#include "core/particles/sim/particlekv3read.h"
+#include "core/schema/schemasystemtypescope.h"
+
+using namespace ParticleKV3;
+
+namespace
+{
+// Attributes every collection stores: what emission, movement, decay and drawing need.
+constexpr uint64_t CORE_ATTRIBUTES = ( uint64_t( 1 ) << PARTICLE_ATTRIBUTE_POSITION ) | ( uint64_t( 1 ) << PARTICLE_ATTRIBUTE_LIFE_DURATION ) |
+									  ( uint64_t( 1 ) << PARTICLE_ATTRIBUTE_PREVIOUS_POSITION ) | ( uint64_t( 1 ) << PARTICLE_ATTRIBUTE_RADIUS ) |
+									  ( uint64_t( 1 ) << PARTICLE_ATTRIBUTE_ROLL ) | ( uint64_t( 1 ) << PARTICLE_ATTRIBUTE_COLOR ) |
+									  ( uint64_t( 1 ) << PARTICLE_ATTRIBUTE_ALPHA ) | ( uint64_t( 1 ) << PARTICLE_ATTRIBUTE_CREATION_TIME ) |
+									  ( uint64_t( 1 ) << PARTICLE_ATTRIBUTE_PARTICLE_ID );
+
+constexpr int MAX_PARTICLES_LIMIT = 1 << 22;
+
+std::atomic<uint32_t> s_nNextUsageID{ 1 };
+
+// A function class that the schema declares but the runtime has no behaviour for: it
+// compiles, reports what its inputs touch, and does nothing.
+class CNoBehaviourFunction final : public CParticleSimFunction
+{
+public:
+	void Read( CParticleFunctionReader & ) override {}
+};
+
+bool IsDeclaredFunctionClass( const char *pClassName )
+{
+	RegisterParticleFunctionClasses();
+	return ParticleTypeScope()->FindDeclaredClass( pClassName ) != nullptr;
+}
+
+void ReadNamedValueLocal( const KeyValues3 *pLocal, CParticleNamedValueBindings *pBindings )
+{
+	const KeyValues3 *pName = Member( pLocal, "m_Name" );
+	if ( !pName || !pName->IsString() || !*pName->GetString() )
+		return;
+	ParticleNamedValueEntry_t entry;
+	entry.m_ID = ParticleParamID_t::Named( pName->GetString() );
+	entry.m_Type = "PVAL_VEC3";
+	const KeyValues3 *pType = Member( pLocal, "m_ValueType" );
+	if ( pType && pType->IsString() && *pType->GetString() )
+		entry.m_Type = pType->GetString();
+	else if ( pType && pType->IsTable() && pType->GetMemberCount() > 0 && pType->GetMember( 0 )->IsString() )
+		entry.m_Type = pType->GetMember( 0 )->GetString();
+	const KeyValues3 *pValue = Member( Member( pLocal, "m_DefaultConfig" ), "m_ConfigValue" );
+	if ( pValue && pValue->IsArray() && pValue->GetArrayElementCount() >= 3 )
+	{
+		entry.m_vDefault = ReadVector( pValue, Vector() );
+		entry.m_flDefault = entry.m_vDefault.x;
+	}
+	else if ( pValue && pValue->IsTable() )
+	{
+		// A transform: origin and angles.
+		entry.m_vDefault = ReadVector( Member( pValue, "m_vPosition" ), ReadVector( Member( pValue, "m_vOrigin" ), Vector() ) );
+		entry.m_vDefaultAngles = ReadVector( Member( pValue, "m_angOrientation" ), Vector() );
+	}
+	else if ( pValue )
+	{
+		entry.m_flDefault = ReadFloat( pValue, 0.0f );
+		entry.m_vDefault = Vector( entry.m_flDefault, entry.m_flDefault, entry.m_flDefault );
+	}
+	pBindings->Declare( entry );
+}
+
+bool CompileFunctionList( const KeyValues3 *pRoot, int nList, CParticleSystemDefinition *pDef, ParticleInputCompileContext_t *pContext, CUtlString *pError )
+{
+	const char *pKey = GetParticleFunctionListKey( nList );
+	const KeyValues3 *pArray = Member( pRoot, pKey );
+	if ( !pArray || pArray->IsNull() )
+		return true;
+	if ( !pArray->IsArray() )
+	{
+		pError->Format( "%s is a '%s', not an array", pKey, pArray->GetTypeAsString() );
+		return false;
+	}
+	for ( int i = 0; i < pArray->GetArrayElementCount(); ++i )
+	{
+		const KeyValues3 *pElement = pArray->GetArrayElement( i );
+		if ( !pElement->IsTable() )
+		{
+			pError->Format( "%s[%d] is a '%s', not a table", pKey, i, pElement->GetTypeAsString() );
+			return false;
+		}
+		const KeyValues3 *pClass = Member( pElement, "_class" );
+		if ( !pClass || !pClass->IsString() || !*pClass->GetString() )
+		{
+			pError->Format( "%s[%d] has no _class", pKey, i );
+			return false;
+		}
+		if ( ReadBool( Member( pElement, "m_bDisableOperator" ), false ) )
+			continue;
+		const char *pClassName = pClass->GetString();
+		std::unique_ptr<CParticleSimFunction> pFunction;
+		if ( ParticleSimFunctionFactory_t pfnCreate = FindParticleSimFunctionFactory( pClassName ) )
+		{
+			pFunction = pfnCreate();
+		}
+		else if ( IsDeclaredFunctionClass( pClassName ) )
+		{
+			pFunction = std::make_unique<CNoBehaviourFunction>();
+			pFunction->m_bHasBehaviour = false;
+			LoggingSystem_LogOnceByKey( LOG_ZOL, LS_WARNING, pClassName, "Particle function '%s' has no behaviour in the preview yet; it is skipped.\n", pClassName );
+		}
+		else
+		{
+			pError->Format( "%s[%d]: unknown particle function class '%s'", pKey, i, pClassName );
+			return false;
+		}
+		pFunction->m_ClassName = pClassName;
+		pFunction->m_eType = ParticleFunctionType_t( nList );
+		pFunction->m_nRuntimeIndex = int( pDef->m_Functions[ nList ].size() );
+		CUtlString where;
+		where.Format( "%s[%d] (%s)", pKey, i, pClassName );
+		CParticleFunctionReader reader( pElement, pFunction.get(), pContext, where.Get() );
+		pFunction->Read( reader );
+		if ( reader.HasFailed() )
+		{
+			*pError = reader.GetError();
+			return false;
+		}
+		pFunction->m_nReadAttributes |= reader.m_nReadMask;
+		pFunction->m_nReadInitialAttributes |= reader.m_nReadInitialMask;
+		pFunction->CollectOwnControlPointUsage( &pFunction->m_ControlPointUsage );
+		for ( const ControlPointUsage_t &usage : pFunction->m_ControlPointUsage )
+			pDef->m_Usage.Add( nList, pFunction->m_nRuntimeIndex, usage );
+		pDef->m_nAttributeMask |= pFunction->m_nWrittenAttributes | pFunction->m_nReadAttributes | pFunction->m_nReadInitialAttributes;
+		pDef->m_nInitialAttributeMask |= pFunction->m_nReadInitialAttributes;
+		pDef->m_Functions[ nList ].push_back( std::move( pFunction ) );
+	}
+	return true;
+}
+
+bool CompileChildren( const KeyValues3 *pRoot, CParticleSystemDefinition *pDef, const ParticleChildResolver_t &resolver, CUtlString *pError )
+{
+	const KeyValues3 *pArray = Member( pRoot, "m_Children" );
+	if ( !pArray || pArray->IsNull() )
+		return true;
+	if ( !pArray->IsArray() )
+	{
+		pError->Format( "m_Children is a '%s', not an array", pArray->GetTypeAsString() );
+		return false;
+	}
+	for ( int i = 0; i < pArray->GetArrayElementCount(); ++i )
+	{
+		const KeyValues3 *pElement = pArray->GetArrayElement( i );
+		if ( !pElement->IsTable() )
+		{
+			pError->Format( "m_Children[%d] is a '%s', not a table", i, pElement->GetTypeAsString() );
+			return false;
+		}
+		if ( ReadBool( Member( pElement, "m_bDisableChild" ), false ) )
+			continue;
+		const KeyValues3 *pRef = Member( pElement, "m_ChildRef" );
+		if ( !pRef || !pRef->IsString() || !*pRef->GetString() )
+		{
+			pError->Format( "m_Children[%d] names no system (m_ChildRef is empty)", i );
+			return false;
+		}
+		if ( !resolver )
+		{
+			pError->Format( "m_Children[%d]: no way to find the child '%s'", i, pRef->GetString() );
+			return false;
+		}
+		CUtlString childError;
+		ParticleDefinitionPtr_t pChild = resolver( pRef->GetString(), &childError );
+		if ( !pChild )
+		{
+			pError->Format( "Child '%s': %s", pRef->GetString(), childError.IsEmpty() ? "not found" : childError.Get() );
+			return false;
+		}
+		ParticleChildInfo_t info;
+		info.m_pDefinition = pChild;
+		info.m_ChildRef = pRef->GetString();
+		info.m_flDelay = std::max( 0.0f, ReadFloat( Member( pElement, "m_flDelay" ), 0.0f ) );
+		info.m_bEndCap = ReadBool( Member( pElement, "m_bEndCap" ), false );
+		// Before behaviour version 5 disabled children kept their place in the numbering.
+		int nRuntimeIndex = pDef->m_nBehaviorVersion < 5 ? i : int( pDef->m_Children.size() );
+		pDef->m_Usage.AddChild( nRuntimeIndex, pChild->m_Usage );
+		pDef->m_Children.push_back( std::move( info ) );
+	}
+	return true;
+}
+
+void ReadBaseProperties( const KeyValues3 *pRoot, CParticleSystemDefinition *pDef )
+{
+	pDef->m_nBehaviorVersion = ReadInt( Member( pRoot, "m_nBehaviorVersion" ), 0 );
+	pDef->m_nMaxParticles = std::clamp( ReadInt( Member( pRoot, "m_nMaxParticles" ), 1000 ), 0, MAX_PARTICLES_LIMIT );
+	pDef->m_nInitialParticles = std::clamp( ReadInt( Member( pRoot, "m_nInitialParticles" ), 0 ), 0, pDef->m_nMaxParticles );
+	int rgba[ 4 ];
+	if ( ReadColor( Member( pRoot, "m_ConstantColor" ), rgba ) )
+	{
+		pDef->m_ConstantColor = Vector( float( rgba[ 0 ] ) / 255.0f, float( rgba[ 1 ] ) / 255.0f, float( rgba[ 2 ] ) / 255.0f );
+		pDef->m_flConstantAlpha = float( rgba[ 3 ] ) / 255.0f;
+	}
+	pDef->m_flConstantRadius = ReadFloat( Member( pRoot, "m_flConstantRadius" ), 5.0f );
+	pDef->m_flConstantLifespan = ReadFloat( Member( pRoot, "m_flConstantLifespan" ), 1.0f );
+	pDef->m_flConstantRotation = ReadFloat( Member( pRoot, "m_flConstantRotation" ), 0.0f );
+	pDef->m_flConstantRotationSpeed = ReadFloat( Member( pRoot, "m_flConstantRotationSpeed" ), 0.0f );
+	pDef->m_nConstantSequenceNumber = ReadInt( Member( pRoot, "m_nConstantSequenceNumber" ), 0 );
+	pDef->m_BoundingBoxMin = ReadVector( Member( pRoot, "m_BoundingBoxMin" ), pDef->m_BoundingBoxMin );
+	pDef->m_BoundingBoxMax = ReadVector( Member( pRoot, "m_BoundingBoxMax" ), pDef->m_BoundingBoxMax );
+	pDef->m_flMaximumTimeStep = std::max( 0.001f, ReadFloat( Member( pRoot, "m_flMaximumTimeStep" ), 0.1f ) );
+	pDef->m_flPreSimulationTime = std::max( 0.0f, ReadFloat( Member( pRoot, "m_flPreSimulationTime" ), 0.0f ) );
+	pDef->m_flStopSimulationAfterTime = ReadFloat( Member( pRoot, "m_flStopSimulationAfterTime" ), 1e9f );
+	pDef->m_nMaxDetailLevel = std::clamp( ReadInt( Member( pRoot, "m_nMaxDetailLevel" ), 3 ), 0, 3 );
+}
+} // namespace
+
+ParticleDefinitionPtr_t CompileParticleDefinitionFromKV3( const KeyValues3 *pRoot, const char *pName, const ParticleChildResolver_t &resolver, CUtlString *pError )
+{
+	CUtlString error;
+	const KeyValues3 *pClass = Member( pRoot, "_class" );
+	if ( !pRoot || !pRoot->IsTable() || !pClass || !pClass->IsString() || strcmp( pClass->GetString(), "CParticleSystemDefinition" ) != 0 )
+	{
+		if ( pError )
+			pError->Set( "File does not contain a root object of type 'CParticleSystemDefinition'" );
+		return nullptr;
+	}
+	auto pDef = std::make_shared<CParticleSystemDefinition>();
+	pDef->m_Name = pName ? pName : "";
+	ReadBaseProperties( pRoot, pDef.get() );
+	pDef->m_NamedValues.SetSystemName( pDef->m_Name.Get() );
+
+	const KeyValues3 *pLocals = Member( pRoot, "m_NamedValueLocals" );
+	if ( pLocals && pLocals->IsArray() )
+	{
+		for ( int i = 0; i < pLocals->GetArrayElementCount(); ++i )
+			ReadNamedValueLocal( pLocals->GetArrayElement( i ), &pDef->m_NamedValues );
+	}
+
+	ParticleInputCompileContext_t context;
+	context.m_pBindings = &pDef->m_NamedValues;
+	for ( int nList = 0; nList < PARTICLE_FUNCTION_CLASS_LIST_COUNT; ++nList )
+	{
+		if ( !CompileFunctionList( pRoot, nList, pDef.get(), &context, &error ) )
+		{
+			if ( pError )
+				*pError = error;
+			return nullptr;
+		}
+	}
+	if ( !CompileChildren( pRoot, pDef.get(), resolver, &error ) )
+	{
+		if ( pError )
+			*pError = error;
+		return nullptr;
+	}
+	// Every named value the system knows has a key, declared or fallen back on.
+	for ( int nSlot = 0; nSlot < pDef->m_NamedValues.Count(); ++nSlot )
+	{
+		const ParticleNamedValueEntry_t &entry = pDef->m_NamedValues.Get( nSlot );
+		ControlPointUsage_t usage = ControlPointUsage_t::Make( entry.m_ID, 0, 0 );
+		usage.m_ValueType = entry.m_Type;
+		pDef->m_Usage.Add( PARTICLE_FUNCTION_NAMED_VALUE_LOCALS, nSlot, usage );
+	}
+	pDef->m_nAttributeMask |= CORE_ATTRIBUTES;
+	pDef->m_bHasForces = !pDef->m_Functions[ PARTICLE_FUNCTION_FORCE_GENERATOR ].empty();
+	pDef->m_Usage.m_nID = s_nNextUsageID.fetch_add( 1, std::memory_order_relaxed );
+	return pDef;
+}
+
+ParticleDefinitionPtr_t CompileParticleDefinition( CUtlBuffer *pBuffer, const char *pName, const ParticleChildResolver_t &resolver, CUtlString *pError )
+{
+	KeyValues3 root;
+	CUtlString error;
+	if ( !LoadKV3( &root, &error, pBuffer, KV3_FORMAT_TFXS, pName ) )
+	{
+		if ( pError )
+			*pError = error;
+		return nullptr;
+	}
+	return CompileParticleDefinitionFromKV3( &root, pName, resolver, pError );
+}
+
+CUtlString CParticleDefinitionFileCompiler::FindContentRoot( const char *pFilePath )
+{
+	std::filesystem::path path = std::filesystem::absolute( pFilePath ).lexically_normal();
+	for ( std::filesystem::path dir = path.parent_path(); !dir.empty() && dir != dir.root_path(); dir = dir.parent_path() )
+	{
+		if ( strcasecmp( dir.filename().string().c_str(), "particles" ) == 0 )
+			return CUtlString( dir.parent_path().generic_string().c_str() );
+	}
+	return CUtlString( path.parent_path().generic_string().c_str() );
+}
+
+ParticleDefinitionPtr_t CParticleDefinitionFileCompiler::Compile( const char *pPath, CUtlString *pError )
+{
+	std::filesystem::path path( pPath );
+	if ( path.is_relative() )
+		path = std::filesystem::path( m_ContentRoot.Get() ) / path;
+	std::string key = path.lexically_normal().generic_string();
+	std::string lowerKey = key;
+	std::transform( lowerKey.begin(), lowerKey.end(), lowerKey.begin(), []( unsigned char c ) { return char( tolower( c ) ); } );
+
+	for ( const auto &[ cachedKey, pCached ] : m_Cache )
+	{
+		if ( cachedKey == lowerKey )
+			return pCached;
+	}
+	if ( std::find( m_InProgress.begin(), m_InProgress.end(), lowerKey ) != m_InProgress.end() )
+	{
+		if ( pError )
+			pError->Format( "'%s' is its own child (a system can't contain itself)", pPath );
+		return nullptr;
+	}
+	CUtlBuffer buffer;
+	CUtlString error;
+	if ( !m_fnRead || !m_fnRead( key.c_str(), &buffer, &error ) )
+	{
+		if ( pError )
+			pError->Format( "%s: %s", key.c_str(), error.IsEmpty() ? "cannot read file" : error.Get() );
+		return nullptr;
+	}
+	m_InProgress.push_back( lowerKey );
+	ParticleChildResolver_t resolver = [ this ]( const char *pChildPath, CUtlString *pChildError ) { return Compile( pChildPath, pChildError ); };
+	ParticleDefinitionPtr_t pDef = CompileParticleDefinition( &buffer, pPath, resolver, &error );
+	m_InProgress.pop_back();
+	if ( !pDef )
+	{
+		if ( pError )
+			pError->Format( "%s: %s", pPath, error.Get() );
+		return nullptr;
+	}
+	m_Cache.emplace_back( lowerKey, pDef );
+	return pDef;
+}
