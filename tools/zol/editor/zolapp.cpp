@@ -2,9 +2,7 @@
 
 #include <algorithm>
 
-#include "core/host/iassetsystem.h"
 #include "core/host/iprompt.h"
-#include "core/host/resourcetype.h"
 #include "core/kv3/keyvalues3.h"
 #include "core/text/pathtools.h"
 #include "core/text/strtools.h"
@@ -63,11 +61,6 @@ bool CZolApp::Init()
 		SetDefaultDirectory( strDefault );
 	}
 	m_bPreviewSessionLocked = false;
-	if ( IAssetSystem *pAssetSystem = GetAssetSystem() )
-	{
-		pAssetSystem->RegisterCompiler( RESOURCE_TYPE_PARTICLE_SYSTEM, &m_ParticleCompiler );
-		m_bParticleCompilerRegistered = true;
-	}
 	return true;
 }
 
@@ -81,13 +74,6 @@ void CZolApp::RunFrame()
 
 void CZolApp::Shutdown()
 {
-	// The asset system outlives the tool; it must not keep a compiler that goes with it.
-	if ( m_bParticleCompilerRegistered )
-	{
-		if ( IAssetSystem *pAssetSystem = GetAssetSystem() )
-			pAssetSystem->RegisterCompiler( RESOURCE_TYPE_PARTICLE_SYSTEM, nullptr );
-		m_bParticleCompilerRegistered = false;
-	}
 	delete m_pMainWnd;
 	m_pMainWnd = nullptr;
 }
