@@ -14,7 +14,7 @@
 
 #include "core/containers/utlbuffer.h"
 #include "core/particles/sim/iparticlecollection.h"
-#include "core/particles/sim/particlesystemdefinition.h"
+#include "core/particles/sim/particleruntimedefinition.h"
 #include "core/threading/threadpool.h"
 
 namespace
@@ -76,7 +76,7 @@ std::unique_ptr<IParticleCollection> WarmCollection( const ParticleDefinitionPtr
 
 // Per step: every live particle through each operator and the renderer, each newborn
 // through each initializer.
-double UpdatesPerStep( const CParticleSystemDefinition &def, int nLive )
+double UpdatesPerStep( const CParticleRuntimeDefinition &def, int nLive )
 {
 	double flPerParticle = double( def.GetFunctions( PARTICLE_FUNCTION_OPERATOR ).size() + def.GetFunctions( PARTICLE_FUNCTION_RENDERER ).size() );
 	double flBirths = double( nLive ) * STEP; // one-second lifetimes

@@ -1,8 +1,8 @@
 #include "core/particles/sim/controlpointusage.h"
 
-ControlPointUsage_t ControlPointUsage_t::Make( const ParticleParamID_t &id, int nUsageKind, uint8_t nAccess, int nComponent )
+HostControlPointUsage_t HostControlPointUsage_t::Make( const ParticleParamID_t &id, int nUsageKind, uint8_t nAccess, int nComponent )
 {
-	ControlPointUsage_t usage;
+	HostControlPointUsage_t usage;
 	usage.m_ID = id;
 	usage.m_nComponent = nComponent;
 	usage.m_nUsageKind = nUsageKind;

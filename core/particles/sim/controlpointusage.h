@@ -15,7 +15,7 @@ enum ControlPointAccess_t : uint8_t
 };
 
 // One reported use of a control point or named value.
-struct ControlPointUsage_t
+struct HostControlPointUsage_t
 {
 	ParticleParamID_t m_ID;
 	int32_t m_nComponent = -1; // -1: all three components
@@ -26,7 +26,7 @@ struct ControlPointUsage_t
 	CUtlString m_ValueType;
 
 	// Fills the default values that go with a usage kind.
-	static ControlPointUsage_t Make( const ParticleParamID_t &id, int nUsageKind, uint8_t nAccess, int nComponent = -1 );
+	static HostControlPointUsage_t Make( const ParticleParamID_t &id, int nUsageKind, uint8_t nAccess, int nComponent = -1 );
 };
 
 // The function list's view of a use: bit 0 read, bit 1 written.

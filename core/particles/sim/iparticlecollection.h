@@ -10,7 +10,7 @@
 #include "core/particles/sim/particledrawdata.h"
 #include "core/particles/sim/particleprofilestats.h"
 
-class CParticleSystemDefinition;
+class CParticleRuntimeDefinition;
 
 constexpr int MAX_PARTICLE_CONTROL_POINTS = 64;
 
@@ -19,7 +19,7 @@ class IParticleCollection
 public:
 	virtual ~IParticleCollection() = default;
 
-	virtual const CParticleSystemDefinition *GetDefinition() const = 0;
+	virtual const CParticleRuntimeDefinition *GetDefinition() const = 0;
 	virtual IParticleCollection *GetParent() const = 0;
 	virtual IParticleCollection *GetFirstChild() const = 0;
 	virtual IParticleCollection *GetNextSibling() const = 0;
@@ -79,4 +79,4 @@ public:
 };
 
 // Makes a collection tree; each tree has its own random source seeded by nSeed.
-std::unique_ptr<IParticleCollection> CreateParticleCollection( const std::shared_ptr<const CParticleSystemDefinition> &pDefinition, uint64_t nSeed = 0 );
+std::unique_ptr<IParticleCollection> CreateParticleCollection( const std::shared_ptr<const CParticleRuntimeDefinition> &pDefinition, uint64_t nSeed = 0 );

@@ -69,7 +69,7 @@ CParticleCollection::~CParticleCollection()
 
 void CParticleCollection::AllocateStreams()
 {
-	const CParticleSystemDefinition &def = *m_pDefinition;
+	const CParticleRuntimeDefinition &def = *m_pDefinition;
 	m_nCapacity = def.m_nMaxParticles;
 	size_t nStreams = SCRATCH_ARRAYS;
 	for ( int a = 0; a < PARTICLE_ATTRIBUTE_COUNT; ++a )
@@ -293,7 +293,7 @@ void CParticleCollection::SpawnParticles( int nCount )
 	nCount = std::min( nCount, m_nCapacity - m_nActive );
 	if ( nCount <= 0 )
 		return;
-	const CParticleSystemDefinition &def = *m_pDefinition;
+	const CParticleRuntimeDefinition &def = *m_pDefinition;
 	int nStart = m_nActive;
 	m_nActive += nCount;
 	// Every stored attribute starts at the system's constants or the attribute default.
@@ -392,7 +392,7 @@ void CParticleCollection::RemoveKilledParticles()
 
 void CParticleCollection::RunStep( float flDt, bool bMove )
 {
-	const CParticleSystemDefinition &def = *m_pDefinition;
+	const CParticleRuntimeDefinition &def = *m_pDefinition;
 	m_flCurTime += flDt;
 	for ( const auto &pOperator : def.GetFunctions( PARTICLE_FUNCTION_PRE_EMISSION_OPERATOR ) )
 		pOperator->Operate( *this, flDt );

@@ -10,7 +10,7 @@
 #include "core/particles/sim/iparticlecollection.h"
 #include "core/particles/sim/particleattributestorage.h"
 #include "core/particles/sim/particlerandom.h"
-#include "core/particles/sim/particlesystemdefinition.h"
+#include "core/particles/sim/particleruntimedefinition.h"
 
 struct ParticleControlPoint_t
 {
@@ -41,7 +41,7 @@ public:
 	~CParticleCollection() override;
 
 	// IParticleCollection
-	const CParticleSystemDefinition *GetDefinition() const override { return m_pDefinition.get(); }
+	const CParticleRuntimeDefinition *GetDefinition() const override { return m_pDefinition.get(); }
 	IParticleCollection *GetParent() const override { return m_pParent; }
 	IParticleCollection *GetFirstChild() const override { return m_Children.empty() ? nullptr : m_Children.front().get(); }
 	IParticleCollection *GetNextSibling() const override;

@@ -20,7 +20,7 @@ std::unique_ptr<CParticleSimFunction> ReadFunction( const KeyValues3 *pFunction 
 	if ( !pfnCreate )
 		return nullptr;
 	std::unique_ptr<CParticleSimFunction> pSim = pfnCreate();
-	CParticleNamedValueBindings bindings;
+	CHostNamedValueBindings bindings;
 	bindings.SetSilent( true ); // a lone function has no declarations to check against
 	ParticleInputCompileContext_t context;
 	context.m_pBindings = &bindings;
@@ -33,12 +33,12 @@ std::unique_ptr<CParticleSimFunction> ReadFunction( const KeyValues3 *pFunction 
 }
 } // namespace
 
-void GetParticleFunctionControlPointUsage( const KeyValues3 *pFunction, CUtlVector<ControlPointUsage_t> *pUsage )
+void GetParticleFunctionControlPointUsage( const KeyValues3 *pFunction, CUtlVector<HostControlPointUsage_t> *pUsage )
 {
 	pUsage->RemoveAll();
 	if ( std::unique_ptr<CParticleSimFunction> pSim = ReadFunction( pFunction ) )
 	{
-		for ( const ControlPointUsage_t &usage : pSim->m_ControlPointUsage )
+		for ( const HostControlPointUsage_t &usage : pSim->m_ControlPointUsage )
 			pUsage->AddToTail( usage );
 	}
 }
@@ -46,9 +46,9 @@ void GetParticleFunctionControlPointUsage( const KeyValues3 *pFunction, CUtlVect
 void GetParticleFunctionControlPointUses( const KeyValues3 *pFunction, CUtlVector<ParticleControlPointUse_t> *pUses )
 {
 	pUses->RemoveAll();
-	CUtlVector<ControlPointUsage_t> usage;
+	CUtlVector<HostControlPointUsage_t> usage;
 	GetParticleFunctionControlPointUsage( pFunction, &usage );
-	for ( const ControlPointUsage_t &record : usage )
+	for ( const HostControlPointUsage_t &record : usage )
 	{
 		int nFlags = ( ( record.m_nAccess & CONTROL_POINT_ACCESS_READ ) ? 1 : 0 ) |
 					 ( ( record.m_nAccess & ( CONTROL_POINT_ACCESS_WRITE | CONTROL_POINT_ACCESS_WRITE_SPECIAL ) ) ? 2 : 0 );

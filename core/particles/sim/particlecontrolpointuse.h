@@ -10,7 +10,7 @@
 class KeyValues3;
 
 // The full records of what the function touches, as its inputs and fields report them.
-void GetParticleFunctionControlPointUsage( const KeyValues3 *pFunction, CUtlVector<ControlPointUsage_t> *pUsage );
+void GetParticleFunctionControlPointUsage( const KeyValues3 *pFunction, CUtlVector<HostControlPointUsage_t> *pUsage );
 // One record per control point or named value, flags joined: bit 0 read, bit 1 written.
 void GetParticleFunctionControlPointUses( const KeyValues3 *pFunction, CUtlVector<ParticleControlPointUse_t> *pUses );
 // Bit n: the function writes attribute n. 0 for a table that isn't a known function.

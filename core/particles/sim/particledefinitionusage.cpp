@@ -22,7 +22,7 @@ ParticleParamUsage_t &CParticleDefinitionUsage::FindOrAdd( const ParticleParamID
 	return record;
 }
 
-void CParticleDefinitionUsage::Add( int nList, int nIndex, const ControlPointUsage_t &usage )
+void CParticleDefinitionUsage::Add( int nList, int nIndex, const HostControlPointUsage_t &usage )
 {
 	if ( usage.m_ID.IsNone() || !IsParticleFunctionList( nList ) )
 		return;

@@ -31,7 +31,7 @@ class CParticleDefinitionUsage
 {
 public:
 	// Merges one use by the function with runtime index nIndex of list nList.
-	void Add( int nList, int nIndex, const ControlPointUsage_t &usage );
+	void Add( int nList, int nIndex, const HostControlPointUsage_t &usage );
 	// A child's whole usage counts as the use of the child's runtime index in list 7.
 	void AddChild( int nIndex, const CParticleDefinitionUsage &child );
 

@@ -172,7 +172,7 @@ void CParticleFunctionReader::ReadsControlPoint( int nControlPoint, int nUsageKi
 		Fail( "control point %d is out of range (0 to 63)", nControlPoint );
 		return;
 	}
-	m_pFunction->m_ControlPointUsage.AddToTail( ControlPointUsage_t::Make( ParticleParamID_t::ControlPoint( nControlPoint ), nUsageKind, CONTROL_POINT_ACCESS_READ ) );
+	m_pFunction->m_ControlPointUsage.AddToTail( HostControlPointUsage_t::Make( ParticleParamID_t::ControlPoint( nControlPoint ), nUsageKind, CONTROL_POINT_ACCESS_READ ) );
 }
 
 void CParticleFunctionReader::WritesControlPoint( int nControlPoint, int nUsageKind, int nComponent )
@@ -185,7 +185,7 @@ void CParticleFunctionReader::WritesControlPoint( int nControlPoint, int nUsageK
 		return;
 	}
 	m_pFunction->m_ControlPointUsage.AddToTail(
-		ControlPointUsage_t::Make( ParticleParamID_t::ControlPoint( nControlPoint ), nUsageKind, CONTROL_POINT_ACCESS_WRITE, nComponent ) );
+		HostControlPointUsage_t::Make( ParticleParamID_t::ControlPoint( nControlPoint ), nUsageKind, CONTROL_POINT_ACCESS_WRITE, nComponent ) );
 }
 
 void CParticleFunctionReader::FirstModelOfList( const char *pName, CUtlString *pModel ) const

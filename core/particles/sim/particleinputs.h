@@ -14,7 +14,7 @@
 
 class KeyValues3;
 class CParticleCollection;
-class CParticleNamedValueBindings;
+class CHostNamedValueBindings;
 
 enum ParticleFloatType_t : int32_t
 {
@@ -94,7 +94,7 @@ float ParticleBias( int nBiasType, float flParameter, float x );
 // What compile hands every input: named value slots, the running cache offset.
 struct ParticleInputCompileContext_t
 {
-	CParticleNamedValueBindings *m_pBindings = nullptr;
+	CHostNamedValueBindings *m_pBindings = nullptr;
 	int m_nCacheOffset = 0;
 };
 
@@ -140,7 +140,7 @@ public:
 	// The mapping stage alone, for tests and for callers that already have a source.
 	float ApplyMap( float flValue ) const;
 
-	void CollectControlPointUsage( CUtlVector<ControlPointUsage_t> *pUsage ) const;
+	void CollectControlPointUsage( CUtlVector<HostControlPointUsage_t> *pUsage ) const;
 	uint64_t GetReadAttributeMask() const;
 	uint64_t GetReadInitialAttributeMask() const;
 
@@ -210,7 +210,7 @@ public:
 	// Three arrays, one per component, for [nStart, nStart + nCount).
 	void EvaluatePerParticle( const CParticleCollection &collection, int nStart, int nCount, float *pX, float *pY, float *pZ ) const;
 
-	void CollectControlPointUsage( CUtlVector<ControlPointUsage_t> *pUsage ) const;
+	void CollectControlPointUsage( CUtlVector<HostControlPointUsage_t> *pUsage ) const;
 	uint64_t GetReadAttributeMask() const;
 	uint64_t GetReadInitialAttributeMask() const;
 
@@ -266,7 +266,7 @@ public:
 	void Compile( ParticleInputCompileContext_t *pContext );
 	// nParticle picks among a control point range; -1 for the collection.
 	ParticleTransform_t Evaluate( const CParticleCollection &collection, int nParticle = -1 ) const;
-	void CollectControlPointUsage( CUtlVector<ControlPointUsage_t> *pUsage ) const;
+	void CollectControlPointUsage( CUtlVector<HostControlPointUsage_t> *pUsage ) const;
 
 	int32_t m_nType = PT_TYPE_CONTROL_POINT;
 	CUtlString m_NamedValue;
@@ -298,7 +298,7 @@ public:
 	const char *GetModelName( const CParticleCollection &collection ) const;
 	// The control point the model follows, or -1.
 	int GetControlPoint() const { return m_nType == PM_TYPE_CONTROL_POINT ? m_nControlPoint : -1; }
-	void CollectControlPointUsage( CUtlVector<ControlPointUsage_t> *pUsage ) const;
+	void CollectControlPointUsage( CUtlVector<HostControlPointUsage_t> *pUsage ) const;
 
 	int32_t m_nType = PM_TYPE_INVALID;
 	CUtlString m_NamedValue;

@@ -367,16 +367,16 @@ void CSimFloatInput::EvaluatePerParticle( const CParticleCollection &c, int nSta
 		pOut[ i ] = ApplyMap( pOut[ i ] );
 }
 
-void CSimFloatInput::CollectControlPointUsage( CUtlVector<ControlPointUsage_t> *pUsage ) const
+void CSimFloatInput::CollectControlPointUsage( CUtlVector<HostControlPointUsage_t> *pUsage ) const
 {
 	bool bReadsPoint = m_nType == PF_TYPE_CONTROL_POINT_COMPONENT || m_nType == PF_TYPE_CONTROL_POINT_CHANGE_AGE || m_nType == PF_TYPE_CONTROL_POINT_SPEED ||
 					   m_nType == PF_TYPE_SNAPSHOT_COUNT || m_nType == PF_TYPE_RENDERER_CAMERA_DISTANCE || m_nType == PF_TYPE_RENDERER_CAMERA_DOT_PRODUCT ||
 					   ( m_nType == PF_TYPE_PARTICLE_NOISE && !m_bPerParticle );
 	if ( bReadsPoint && m_nControlPoint >= 0 )
-		pUsage->AddToTail( ControlPointUsage_t::Make( ParticleParamID_t::ControlPoint( m_nControlPoint ), 2, CONTROL_POINT_ACCESS_READ ) );
+		pUsage->AddToTail( HostControlPointUsage_t::Make( ParticleParamID_t::ControlPoint( m_nControlPoint ), 2, CONTROL_POINT_ACCESS_READ ) );
 	if ( m_nType == PF_TYPE_NAMED_VALUE && !m_NamedValue.IsEmpty() )
 	{
-		ControlPointUsage_t usage = ControlPointUsage_t::Make( ParticleParamID_t::Named( m_NamedValue.Get() ), 0, CONTROL_POINT_ACCESS_READ );
+		HostControlPointUsage_t usage = HostControlPointUsage_t::Make( ParticleParamID_t::Named( m_NamedValue.Get() ), 0, CONTROL_POINT_ACCESS_READ );
 		usage.m_ValueType = "PVAL_FLOAT";
 		pUsage->AddToTail( usage );
 	}
@@ -540,11 +540,11 @@ void CSimVecInput::EvaluatePerParticle( const CParticleCollection &c, int nStart
 	}
 }
 
-void CSimVecInput::CollectControlPointUsage( CUtlVector<ControlPointUsage_t> *pUsage ) const
+void CSimVecInput::CollectControlPointUsage( CUtlVector<HostControlPointUsage_t> *pUsage ) const
 {
 	auto add = [ pUsage ]( int nPoint ) {
 		if ( nPoint >= 0 )
-			pUsage->AddToTail( ControlPointUsage_t::Make( ParticleParamID_t::ControlPoint( nPoint ), 4, CONTROL_POINT_ACCESS_READ ) );
+			pUsage->AddToTail( HostControlPointUsage_t::Make( ParticleParamID_t::ControlPoint( nPoint ), 4, CONTROL_POINT_ACCESS_READ ) );
 	};
 	switch ( m_nType )
 	{
@@ -571,7 +571,7 @@ void CSimVecInput::CollectControlPointUsage( CUtlVector<ControlPointUsage_t> *pU
 	case PVEC_TYPE_NAMED_VALUE:
 		if ( !m_NamedValue.IsEmpty() )
 		{
-			ControlPointUsage_t usage = ControlPointUsage_t::Make( ParticleParamID_t::Named( m_NamedValue.Get() ), 0, CONTROL_POINT_ACCESS_READ );
+			HostControlPointUsage_t usage = HostControlPointUsage_t::Make( ParticleParamID_t::Named( m_NamedValue.Get() ), 0, CONTROL_POINT_ACCESS_READ );
 			usage.m_ValueType = "PVAL_VEC3";
 			pUsage->AddToTail( usage );
 		}
@@ -651,20 +651,20 @@ ParticleTransform_t CSimTransformInput::Evaluate( const CParticleCollection &c, 
 	return transform;
 }
 
-void CSimTransformInput::CollectControlPointUsage( CUtlVector<ControlPointUsage_t> *pUsage ) const
+void CSimTransformInput::CollectControlPointUsage( CUtlVector<HostControlPointUsage_t> *pUsage ) const
 {
 	int nKind = m_bUseOrientation ? 4 : 2;
 	if ( m_nType == PT_TYPE_CONTROL_POINT && m_nControlPoint >= 0 )
-		pUsage->AddToTail( ControlPointUsage_t::Make( ParticleParamID_t::ControlPoint( m_nControlPoint ), nKind, CONTROL_POINT_ACCESS_READ ) );
+		pUsage->AddToTail( HostControlPointUsage_t::Make( ParticleParamID_t::ControlPoint( m_nControlPoint ), nKind, CONTROL_POINT_ACCESS_READ ) );
 	else if ( m_nType == PT_TYPE_CONTROL_POINT_RANGE && m_nControlPoint >= 0 )
 	{
 		int nLast = std::max( m_nControlPoint, std::min( m_nControlPointRangeMax, MAX_PARTICLE_CONTROL_POINTS - 1 ) );
 		for ( int n = m_nControlPoint; n <= nLast; ++n )
-			pUsage->AddToTail( ControlPointUsage_t::Make( ParticleParamID_t::ControlPoint( n ), nKind, CONTROL_POINT_ACCESS_READ ) );
+			pUsage->AddToTail( HostControlPointUsage_t::Make( ParticleParamID_t::ControlPoint( n ), nKind, CONTROL_POINT_ACCESS_READ ) );
 	}
 	else if ( m_nType == PT_TYPE_NAMED_VALUE && !m_NamedValue.IsEmpty() )
 	{
-		ControlPointUsage_t usage = ControlPointUsage_t::Make( ParticleParamID_t::Named( m_NamedValue.Get() ), 0, CONTROL_POINT_ACCESS_READ );
+		HostControlPointUsage_t usage = HostControlPointUsage_t::Make( ParticleParamID_t::Named( m_NamedValue.Get() ), 0, CONTROL_POINT_ACCESS_READ );
 		usage.m_ValueType = "PVAL_TRANSFORM";
 		pUsage->AddToTail( usage );
 	}
@@ -677,13 +677,13 @@ const char *CSimModelInput::GetModelName( const CParticleCollection & ) const
 	return "";
 }
 
-void CSimModelInput::CollectControlPointUsage( CUtlVector<ControlPointUsage_t> *pUsage ) const
+void CSimModelInput::CollectControlPointUsage( CUtlVector<HostControlPointUsage_t> *pUsage ) const
 {
 	if ( m_nType == PM_TYPE_CONTROL_POINT && m_nControlPoint >= 0 )
-		pUsage->AddToTail( ControlPointUsage_t::Make( ParticleParamID_t::ControlPoint( m_nControlPoint ), 10, CONTROL_POINT_ACCESS_READ ) );
+		pUsage->AddToTail( HostControlPointUsage_t::Make( ParticleParamID_t::ControlPoint( m_nControlPoint ), 10, CONTROL_POINT_ACCESS_READ ) );
 	else if ( ( m_nType == PM_TYPE_NAMED_VALUE_MODEL || m_nType == PM_TYPE_NAMED_VALUE_EHANDLE ) && !m_NamedValue.IsEmpty() )
 	{
-		ControlPointUsage_t usage = ControlPointUsage_t::Make( ParticleParamID_t::Named( m_NamedValue.Get() ), 0, CONTROL_POINT_ACCESS_READ );
+		HostControlPointUsage_t usage = HostControlPointUsage_t::Make( ParticleParamID_t::Named( m_NamedValue.Get() ), 0, CONTROL_POINT_ACCESS_READ );
 		usage.m_ValueType = m_nType == PM_TYPE_NAMED_VALUE_MODEL ? "PVAL_RESOURCE:tmsh" : "PVAL_PARTICLE_EHANDLE";
 		pUsage->AddToTail( usage );
 	}

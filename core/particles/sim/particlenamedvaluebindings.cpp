@@ -2,7 +2,7 @@
 
 #include "core/logging/logging.h"
 
-int CParticleNamedValueBindings::Declare( const ParticleNamedValueEntry_t &entry )
+int CHostNamedValueBindings::Declare( const ParticleNamedValueEntry_t &entry )
 {
 	int nExisting = Find( entry.m_ID.m_nToken );
 	if ( nExisting >= 0 )
@@ -13,13 +13,13 @@ int CParticleNamedValueBindings::Declare( const ParticleNamedValueEntry_t &entry
 	return nSlot;
 }
 
-int CParticleNamedValueBindings::Find( uint32_t nToken ) const
+int CHostNamedValueBindings::Find( uint32_t nToken ) const
 {
 	auto it = m_SlotByToken.find( nToken );
 	return it == m_SlotByToken.end() ? -1 : it->second;
 }
 
-int CParticleNamedValueBindings::Resolve( const char *pName, const char *pExpectedType )
+int CHostNamedValueBindings::Resolve( const char *pName, const char *pExpectedType )
 {
 	ParticleParamID_t id = ParticleParamID_t::Named( pName );
 	if ( id.IsNone() )

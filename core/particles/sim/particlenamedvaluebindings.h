@@ -21,7 +21,7 @@ struct ParticleNamedValueEntry_t
 	Vector m_vDefaultAngles;
 };
 
-class CParticleNamedValueBindings
+class CHostNamedValueBindings
 {
 public:
 	void SetSystemName( const char *pName ) { m_SystemName = pName; }

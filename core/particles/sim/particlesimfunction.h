@@ -45,7 +45,7 @@ public:
 	virtual void FillDrawData( const CParticleCollection &, ParticleDrawData_t * ) const {}
 
 	// Control points and named values this function touches beyond those of its inputs.
-	virtual void CollectOwnControlPointUsage( CUtlVector<ControlPointUsage_t> * ) const {}
+	virtual void CollectOwnControlPointUsage( CUtlVector<HostControlPointUsage_t> * ) const {}
 
 	const char *GetClassName() const { return m_ClassName.Get(); }
 	ParticleFunctionType_t GetFunctionType() const { return m_eType; }
@@ -57,7 +57,7 @@ public:
 	uint64_t m_nWrittenAttributes = 0;
 	uint64_t m_nReadAttributes = 0;
 	uint64_t m_nReadInitialAttributes = 0;
-	CUtlVector<ControlPointUsage_t> m_ControlPointUsage;
+	CUtlVector<HostControlPointUsage_t> m_ControlPointUsage;
 	// Whether this class's behaviour is known; unknown registered classes compile as no-ops.
 	bool m_bHasBehaviour = true;
 	// Runs in a culled step too: functions that end lives, so culled systems still finish.

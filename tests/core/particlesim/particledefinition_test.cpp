@@ -115,16 +115,16 @@ TEST( ParticleDefinition, UsageMatchesWhatFunctionsReadAndWrite )
 TEST( ParticleDefinition, DefaultOffsetsComeWithTheUsageKind )
 {
 	CParticleDefinitionUsage usage;
-	usage.Add( PARTICLE_FUNCTION_OPERATOR, 2, ControlPointUsage_t::Make( ParticleParamID_t::ControlPoint( 1 ), 5, CONTROL_POINT_ACCESS_READ ) );
+	usage.Add( PARTICLE_FUNCTION_OPERATOR, 2, HostControlPointUsage_t::Make( ParticleParamID_t::ControlPoint( 1 ), 5, CONTROL_POINT_ACCESS_READ ) );
 	Vector vOffset;
 	ASSERT_TRUE( usage.GetDefaultOffset( ParticleParamID_t::ControlPoint( 1 ), &vOffset ) );
 	EXPECT_EQ( vOffset, Vector( 0, 0, 1 ) );
-	usage.Add( PARTICLE_FUNCTION_OPERATOR, 3, ControlPointUsage_t::Make( ParticleParamID_t::ControlPoint( 2 ), 2, CONTROL_POINT_ACCESS_READ ) );
+	usage.Add( PARTICLE_FUNCTION_OPERATOR, 3, HostControlPointUsage_t::Make( ParticleParamID_t::ControlPoint( 2 ), 2, CONTROL_POINT_ACCESS_READ ) );
 	EXPECT_FALSE( usage.GetDefaultOffset( ParticleParamID_t::ControlPoint( 2 ), &vOffset ) );
 	CParticleDefinitionUsage same;
-	same.Add( PARTICLE_FUNCTION_OPERATOR, 2, ControlPointUsage_t::Make( ParticleParamID_t::ControlPoint( 1 ), 5, CONTROL_POINT_ACCESS_READ ) );
+	same.Add( PARTICLE_FUNCTION_OPERATOR, 2, HostControlPointUsage_t::Make( ParticleParamID_t::ControlPoint( 1 ), 5, CONTROL_POINT_ACCESS_READ ) );
 	EXPECT_FALSE( same == usage );
-	same.Add( PARTICLE_FUNCTION_OPERATOR, 3, ControlPointUsage_t::Make( ParticleParamID_t::ControlPoint( 2 ), 2, CONTROL_POINT_ACCESS_READ ) );
+	same.Add( PARTICLE_FUNCTION_OPERATOR, 3, HostControlPointUsage_t::Make( ParticleParamID_t::ControlPoint( 2 ), 2, CONTROL_POINT_ACCESS_READ ) );
 	EXPECT_TRUE( same == usage );
 }
 
@@ -158,7 +158,7 @@ TEST( ParticleDefinition, FunctionControlPointUsesForTheFunctionList )
 	KeyValues3 unknown = Table( R"({ _class = "C_OP_NoSuchThing" })" );
 	GetParticleFunctionControlPointUses( &unknown, &uses );
 	EXPECT_EQ( uses.Count(), 0 );
-	CUtlVector<ControlPointUsage_t> usage;
+	CUtlVector<HostControlPointUsage_t> usage;
 	KeyValues3 initFloat = Table( R"({ _class = "C_INIT_InitFloat" m_InputValue = { m_nType = "PF_TYPE_CONTROL_POINT_SPEED" m_nControlPoint = 9 } })" );
 	GetParticleFunctionControlPointUsage( &initFloat, &usage );
 	ASSERT_EQ( usage.Count(), 1 );

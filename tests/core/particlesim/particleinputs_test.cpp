@@ -37,7 +37,7 @@ protected:
 			m_pCollection->Stream( PARTICLE_ATTRIBUTE_POSITION, 1 )[ i ] = 100.0f + float( i );
 		}
 		m_Bindings.SetSilent( true );
-		m_Context.m_pBindings = const_cast<CParticleNamedValueBindings *>( &m_pDef->m_NamedValues );
+		m_Context.m_pBindings = const_cast<CHostNamedValueBindings *>( &m_pDef->m_NamedValues );
 	}
 
 	KeyValues3 Parse( const char *pText )
@@ -85,7 +85,7 @@ protected:
 
 	ParticleDefinitionPtr_t m_pDef;
 	std::unique_ptr<CParticleCollection> m_pCollection;
-	CParticleNamedValueBindings m_Bindings;
+	CHostNamedValueBindings m_Bindings;
 	ParticleInputCompileContext_t m_Context;
 };
 
@@ -300,7 +300,7 @@ TEST_F( ParticleInputs, TransformsFollowControlPointsAndOrientation )
 
 TEST_F( ParticleInputs, InputsReportTheControlPointsTheyRead )
 {
-	CUtlVector<ControlPointUsage_t> usage;
+	CUtlVector<HostControlPointUsage_t> usage;
 	Float( "{ m_nType = \"PF_TYPE_CONTROL_POINT_COMPONENT\" m_nControlPoint = 4 }" ).CollectControlPointUsage( &usage );
 	Float( "{ m_nType = \"PF_TYPE_PARTICLE_NOISE\" m_nControlPoint = 9 }", true ).CollectControlPointUsage( &usage ); // per particle: no point
 	Vec( "{ m_nType = \"PVEC_TYPE_CP_DELTA\" m_nControlPoint = 1 m_nDeltaControlPoint = 3 }" ).CollectControlPointUsage( &usage );
@@ -321,7 +321,7 @@ TEST_F( ParticleInputs, InputsReportTheControlPointsTheyRead )
 	EXPECT_EQ( usage[ 2 ].m_ID.m_nNumber, 3 );
 	EXPECT_EQ( usage[ 3 ].m_ID.m_nNumber, 6 ) << "a range that ends below its start still reports its start";
 	EXPECT_EQ( usage[ 3 ].m_nUsageKind, 2 ) << "without orientation only a position is needed";
-	for ( const ControlPointUsage_t &record : usage )
+	for ( const HostControlPointUsage_t &record : usage )
 		EXPECT_EQ( record.m_nAccess, CONTROL_POINT_ACCESS_READ );
 }
 

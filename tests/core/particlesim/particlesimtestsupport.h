@@ -8,7 +8,7 @@
 
 #include "core/containers/utlbuffer.h"
 #include "core/particles/sim/particlecollection.h"
-#include "core/particles/sim/particlesystemdefinition.h"
+#include "core/particles/sim/particleruntimedefinition.h"
 
 // The text of a definition file with the given body inside the root table.
 inline std::string DefinitionText( const std::string &body )

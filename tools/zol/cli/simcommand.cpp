@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "core/particles/sim/iparticlecollection.h"
-#include "core/particles/sim/particlesystemdefinition.h"
+#include "core/particles/sim/particleruntimedefinition.h"
 #include "tools/zol/cli/clicommand.h"
 #include "tools/zol/cli/clifile.h"
 

@@ -1,4 +1,4 @@
-#include "core/particles/sim/particlesystemdefinition.h"
+#include "core/particles/sim/particleruntimedefinition.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -43,7 +43,7 @@ bool IsDeclaredFunctionClass( const char *pClassName )
 	return ParticleTypeScope()->FindDeclaredClass( pClassName ) != nullptr;
 }
 
-void ReadNamedValueLocal( const KeyValues3 *pLocal, CParticleNamedValueBindings *pBindings )
+void ReadNamedValueLocal( const KeyValues3 *pLocal, CHostNamedValueBindings *pBindings )
 {
 	const KeyValues3 *pName = Member( pLocal, "m_Name" );
 	if ( !pName || !pName->IsString() || !*pName->GetString() )
@@ -76,7 +76,7 @@ void ReadNamedValueLocal( const KeyValues3 *pLocal, CParticleNamedValueBindings 
 	pBindings->Declare( entry );
 }
 
-bool CompileFunctionList( const KeyValues3 *pRoot, int nList, CParticleSystemDefinition *pDef, ParticleInputCompileContext_t *pContext, CUtlString *pError )
+bool CompileFunctionList( const KeyValues3 *pRoot, int nList, CParticleRuntimeDefinition *pDef, ParticleInputCompileContext_t *pContext, CUtlString *pError )
 {
 	const char *pKey = GetParticleFunctionListKey( nList );
 	const KeyValues3 *pArray = Member( pRoot, pKey );
@@ -135,7 +135,7 @@ bool CompileFunctionList( const KeyValues3 *pRoot, int nList, CParticleSystemDef
 		pFunction->m_nReadAttributes |= reader.m_nReadMask;
 		pFunction->m_nReadInitialAttributes |= reader.m_nReadInitialMask;
 		pFunction->CollectOwnControlPointUsage( &pFunction->m_ControlPointUsage );
-		for ( const ControlPointUsage_t &usage : pFunction->m_ControlPointUsage )
+		for ( const HostControlPointUsage_t &usage : pFunction->m_ControlPointUsage )
 			pDef->m_Usage.Add( nList, pFunction->m_nRuntimeIndex, usage );
 		pDef->m_nAttributeMask |= pFunction->m_nWrittenAttributes | pFunction->m_nReadAttributes | pFunction->m_nReadInitialAttributes;
 		pDef->m_nInitialAttributeMask |= pFunction->m_nReadInitialAttributes;
@@ -144,7 +144,7 @@ bool CompileFunctionList( const KeyValues3 *pRoot, int nList, CParticleSystemDef
 	return true;
 }
 
-bool CompileChildren( const KeyValues3 *pRoot, CParticleSystemDefinition *pDef, const ParticleChildResolver_t &resolver, CUtlString *pError )
+bool CompileChildren( const KeyValues3 *pRoot, CParticleRuntimeDefinition *pDef, const ParticleChildResolver_t &resolver, CUtlString *pError )
 {
 	const KeyValues3 *pArray = Member( pRoot, "m_Children" );
 	if ( !pArray || pArray->IsNull() )
@@ -195,7 +195,7 @@ bool CompileChildren( const KeyValues3 *pRoot, CParticleSystemDefinition *pDef, 
 	return true;
 }
 
-void ReadBaseProperties( const KeyValues3 *pRoot, CParticleSystemDefinition *pDef )
+void ReadBaseProperties( const KeyValues3 *pRoot, CParticleRuntimeDefinition *pDef )
 {
 	pDef->m_nBehaviorVersion = ReadInt( Member( pRoot, "m_nBehaviorVersion" ), 0 );
 	pDef->m_nMaxParticles = std::clamp( ReadInt( Member( pRoot, "m_nMaxParticles" ), 1000 ), 0, MAX_PARTICLES_LIMIT );
@@ -230,7 +230,7 @@ ParticleDefinitionPtr_t CompileParticleDefinitionFromKV3( const KeyValues3 *pRoo
 			pError->Set( "File does not contain a root object of type 'CParticleSystemDefinition'" );
 		return nullptr;
 	}
-	auto pDef = std::make_shared<CParticleSystemDefinition>();
+	auto pDef = std::make_shared<CParticleRuntimeDefinition>();
 	pDef->m_Name = pName ? pName : "";
 	ReadBaseProperties( pRoot, pDef.get() );
 	pDef->m_NamedValues.SetSystemName( pDef->m_Name.Get() );
@@ -263,7 +263,7 @@ ParticleDefinitionPtr_t CompileParticleDefinitionFromKV3( const KeyValues3 *pRoo
 	for ( int nSlot = 0; nSlot < pDef->m_NamedValues.Count(); ++nSlot )
 	{
 		const ParticleNamedValueEntry_t &entry = pDef->m_NamedValues.Get( nSlot );
-		ControlPointUsage_t usage = ControlPointUsage_t::Make( entry.m_ID, 0, 0 );
+		HostControlPointUsage_t usage = HostControlPointUsage_t::Make( entry.m_ID, 0, 0 );
 		usage.m_ValueType = entry.m_Type;
 		pDef->m_Usage.Add( PARTICLE_FUNCTION_NAMED_VALUE_LOCALS, nSlot, usage );
 	}

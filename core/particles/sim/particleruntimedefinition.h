@@ -19,9 +19,9 @@
 
 class CUtlBuffer;
 class KeyValues3;
-class CParticleSystemDefinition;
+class CParticleRuntimeDefinition;
 
-using ParticleDefinitionPtr_t = std::shared_ptr<const CParticleSystemDefinition>;
+using ParticleDefinitionPtr_t = std::shared_ptr<const CParticleRuntimeDefinition>;
 
 // Finds and compiles a child by the path in its m_ChildRef (forward slashes). Answers
 // null with a text when it can't.
@@ -35,7 +35,7 @@ struct ParticleChildInfo_t
 	bool m_bEndCap = false;
 };
 
-class CParticleSystemDefinition
+class CParticleRuntimeDefinition
 {
 public:
 	CUtlString m_Name;
@@ -58,7 +58,7 @@ public:
 
 	std::vector<std::unique_ptr<CParticleSimFunction>> m_Functions[ PARTICLE_FUNCTION_CLASS_LIST_COUNT ];
 	std::vector<ParticleChildInfo_t> m_Children;
-	CParticleNamedValueBindings m_NamedValues;
+	CHostNamedValueBindings m_NamedValues;
 	CParticleDefinitionUsage m_Usage;
 
 	// Attributes some function reads or writes, and those read at their initial value.
