@@ -103,6 +103,7 @@ TEST( ZolSessionEndToEnd, EditCompilesOnTheFrameSavesUndoesAndReloads )
 	IAsset *pAsset = services.GetAssetSystem()->FindAssetByAbsolutePath( strPath );
 	ASSERT_NE( pAsset, nullptr );
 	EXPECT_STREQ( pAsset->GetLastCompileError(), "" );
+	EXPECT_EQ( services.GetAssetSystem()->FindCompiler( RESOURCE_TYPE_PARTICLE_SYSTEM ), pApp->GetParticleCompiler() );
 	uint32_t nCompileStamp = pAsset->GetCompileStamp();
 	pApp->Frame();
 	EXPECT_EQ( counter.m_nCount, 1 );

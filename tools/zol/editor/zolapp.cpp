@@ -2,7 +2,9 @@
 
 #include <algorithm>
 
+#include "core/host/iassetsystem.h"
 #include "core/host/iprompt.h"
+#include "core/host/resourcetype.h"
 #include "core/kv3/keyvalues3.h"
 #include "core/text/pathtools.h"
 #include "core/text/strtools.h"
@@ -61,6 +63,11 @@ bool CZolApp::Init()
 		SetDefaultDirectory( strDefault );
 	}
 	m_bPreviewSessionLocked = false;
+	if ( IAssetSystem *pAssetSystem = GetAssetSystem() )
+	{
+		pAssetSystem->RegisterCompiler( RESOURCE_TYPE_PARTICLE_SYSTEM, &m_ParticleCompiler );
+		m_bParticleCompilerRegistered = true;
+	}
 	return true;
 }
 
@@ -74,6 +81,13 @@ void CZolApp::RunFrame()
 
 void CZolApp::Shutdown()
 {
+	// The asset system outlives the tool; it must not keep a compiler that goes with it.
+	if ( m_bParticleCompilerRegistered )
+	{
+		if ( IAssetSystem *pAssetSystem = GetAssetSystem() )
+			pAssetSystem->RegisterCompiler( RESOURCE_TYPE_PARTICLE_SYSTEM, nullptr );
+		m_bParticleCompilerRegistered = false;
+	}
 	delete m_pMainWnd;
 	m_pMainWnd = nullptr;
 }

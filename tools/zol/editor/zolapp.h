@@ -9,6 +9,7 @@
 
 #include "core/text/utlstring.h"
 #include "tools/toolutils2/baseeditorapp/simpleeditorsharedwindowapp.h"
+#include "tools/zol/editor/particleassetcompiler.h"
 #include "tools/toolutils2/toolevents/tooleventdispatcher.h"
 #include "zoldoc_lib/izoleventhub.h"
 
@@ -52,6 +53,7 @@ public:
 	IBaseEditorWindow *GetMainWindow() override;
 
 	CZolEventHub *GetEventHub() const { return m_pEventHub.get(); }
+	IAssetCompiler *GetParticleCompiler() { return &m_ParticleCompiler; }
 	CQZolMainWnd *GetZolMainWindow() const { return m_pMainWnd; }
 	CZolSession *GetPreviewSession() const { return m_pPreviewSession; }
 	void SetPreviewSession( CZolSession *pSession );
@@ -79,6 +81,9 @@ public:
 private:
 	CQZolMainWnd *m_pMainWnd = nullptr;
 	std::unique_ptr<CZolEventHub> m_pEventHub;
+	// Turns edited and loaded definitions into what the preview simulates.
+	CParticleAssetCompiler m_ParticleCompiler;
+	bool m_bParticleCompilerRegistered = false;
 	std::vector<CUtlString> m_RecentDirectories;
 	bool m_bPreviewSessionLocked = false;
 	bool m_bAllowScreenSpaceOverlay = false;

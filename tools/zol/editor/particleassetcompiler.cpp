@@ -1,0 +1,37 @@
+#include "tools/zol/editor/particleassetcompiler.h"
+
+#include "core/containers/utlbuffer.h"
+#include "core/host/ifilesystem.h"
+
+// Children come from their files through the host's file system, found on the content
+// search paths.
+static bool ReadContentFile( const char *pPath, CUtlBuffer *pBuffer, CUtlString *pError )
+{
+	IFileSystem *pFileSystem = GetFileSystem();
+	if ( !pFileSystem )
+	{
+		pError->Format( "Unable to read '%s': no file system", pPath );
+		return false;
+	}
+	return pFileSystem->ReadFile( pPath, PATH_ID_CONTENT, pBuffer, pError );
+}
+
+bool CParticleAssetCompiler::Compile( const CUtlBuffer &source, const char *pResourceName, std::unique_ptr<CResourceData> *pResult, CUtlString *pError )
+{
+	// The definition compiler reads from its own get position; the source stays untouched.
+	CUtlBuffer text;
+	text.Put( source.Base(), source.TellPut() );
+
+	CParticleDefinitionFileCompiler children( "", &ReadContentFile );
+	ParticleChildResolver_t fnResolveChild = [ &children ]( const char *pPath, CUtlString *pChildError ) { return children.Compile( pPath, pChildError ); };
+	CUtlString strError;
+	ParticleDefinitionPtr_t pDefinition = CompileParticleDefinition( &text, pResourceName, fnResolveChild, &strError );
+	if ( !pDefinition )
+	{
+		if ( pError )
+			*pError = strError;
+		return false;
+	}
+	*pResult = std::make_unique<CParticleSystemResourceData>( std::move( pDefinition ) );
+	return true;
+}
