@@ -66,6 +66,8 @@ void AddComponentUsage( int nAttribute, const char *pszTexts, ParticleFunctionIn
 
 CHostParticleSystemMgr::CHostParticleSystemMgr()
 {
+	// The lists come from the schema, so the classes must be there before they are read.
+	RegisterParticleFunctionClasses();
 	const CSchemaSystemTypeScope *pScope = ParticleTypeScope();
 	for ( int i = 0; i < pScope->GetClassCount(); ++i )
 	{

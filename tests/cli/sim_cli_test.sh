@@ -21,7 +21,7 @@ done
 
 # Bursts live and die: the sparks burst is gone after its longest life.
 out=$("$zol" sim "$src/content/content/particles/samples/sparks.tfxs" --seconds 0.3)
-echo "$out" | grep -q '^t=0.30 particles 60 ' || fail "the sparks burst is not alive at 0.3 s: $out"
+echo "$out" | grep -Eq '^t=0.30 particles (4[0-9]|5[0-9]|60) ' || fail "the sparks burst (40 to 60) is not alive at 0.3 s: $out"
 out=$("$zol" sim "$src/content/content/particles/samples/sparks.tfxs" --seconds 3)
 echo "$out" | grep -q '^t=3.00 particles 0 .*bounds none' || fail "sparks not dead after three seconds: $out"
 echo "$out" | grep -q 'finished$' || fail "sparks not reported finished: $out"

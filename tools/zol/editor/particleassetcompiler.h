@@ -4,7 +4,7 @@
 // from their files under the content root, each compile on its own (no stale cache).
 
 #include "core/host/iassetcompiler.h"
-#include "core/particles/sim/particlesystemdefinition.h"
+#include "core/particles/sim/particleruntimedefinition.h"
 
 // The resource data of a compiled particle system definition.
 class CParticleSystemResourceData final : public CResourceData
