@@ -7,6 +7,7 @@
 #include "core/particles/particleattributes.h"
 #include "core/particles/particlebehaviorversion.h"
 #include "core/particles/particlefunctionclasses.h"
+#include "core/particles/sim/particlecontrolpointuse.h"
 #include "core/schema/schemaclassinfo.h"
 #include "core/schema/schemasystemtypescope.h"
 
@@ -159,8 +160,10 @@ void CHostParticleSystemMgr::GetFunctionInfo( const KeyValues3 *pFunction, Parti
 		return;
 	pInfo->m_nWrittenAttributes = 0;
 	pInfo->m_AttributeUsage.RemoveAll();
+	pInfo->m_ControlPointUses.RemoveAll();
 	if ( !pFunction || !pFunction->IsTable() )
 		return;
+	GetParticleFunctionControlPointUses( pFunction, &pInfo->m_ControlPointUses );
 	const CSchemaClassInfo *pClass = ParticleTypeScope()->FindDeclaredClass( pFunction->GetMemberString( "_class", "" ) );
 	if ( !IsClassListType( GetFunctionClassType( pClass ) ) )
 		return;

@@ -5,6 +5,7 @@
 #include <cstdint>
 
 #include "core/containers/utlvector.h"
+#include "core/particles/sim/controlpointusage.h"
 #include "core/text/utlstring.h"
 
 // A renderer's statement of what it uses a particle attribute for. A negative component
@@ -20,4 +21,6 @@ struct ParticleFunctionInfo_t
 {
 	uint64_t m_nWrittenAttributes = 0; // bit n: the function writes attribute n
 	CUtlVector<ParticleAttributeUsage_t> m_AttributeUsage;
+	// The control points and named values the function reads (flag 1) or writes (flag 2).
+	CUtlVector<ParticleControlPointUse_t> m_ControlPointUses;
 };

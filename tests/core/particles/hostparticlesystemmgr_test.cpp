@@ -327,3 +327,26 @@ TEST( HostParticleSystemMgr, RenderersReportTheAttributesTheyUse )
 	Mgr().GetFunctionInfo( &emitter, &reused );
 	EXPECT_EQ( reused.m_AttributeUsage.Count(), 0 );
 }
+
+TEST( HostParticleSystemMgr, FunctionInfoNamesTheControlPointsReadAndWritten )
+{
+	// The attraction reads its control point; the pre-emission operator writes its own.
+	KeyValues3 attract = FunctionTable( "C_OP_AttractToControlPoint" );
+	KeyValues3 *pTransform = attract.FindOrCreateMember( "m_TransformInput" );
+	pTransform->SetToEmptyTable();
+	pTransform->SetMemberString( "m_nType", "PT_TYPE_CONTROL_POINT" );
+	pTransform->SetMemberInt( "m_nControlPoint", 3 );
+	ParticleFunctionInfo_t info = InfoOf( attract );
+	bool bReadsThree = false;
+	for ( int i = 0; i < info.m_ControlPointUses.Count(); ++i )
+		bReadsThree |= info.m_ControlPointUses[ i ].m_ID.m_nNumber == 3 && ( info.m_ControlPointUses[ i ].m_nFlags & 1 );
+	EXPECT_TRUE( bReadsThree );
+
+	KeyValues3 setter = FunctionTable( "C_OP_SetSingleControlPointPosition" );
+	setter.SetMemberInt( "m_nCP1", 5 );
+	info = InfoOf( setter );
+	bool bWritesFive = false;
+	for ( int i = 0; i < info.m_ControlPointUses.Count(); ++i )
+		bWritesFive |= info.m_ControlPointUses[ i ].m_ID.m_nNumber == 5 && ( info.m_ControlPointUses[ i ].m_nFlags & 2 );
+	EXPECT_TRUE( bWritesFive );
+}

@@ -8,6 +8,7 @@
 #include <QMenuBar>
 #include <QStatusBar>
 
+#include "core/host/hostpaths.h"
 #include "tools/toolutils2/undo/undohistory.h"
 #include "tools/toolutils2/widgets/undo/undohistorywidget.h"
 #include "tools/zol/editor/zolapp.h"
@@ -199,7 +200,8 @@ void CQZolMainWnd::SessionActivated( CZolSession *, CZolSession *pNew )
 		CUtlString strTitle;
 		pNew->GetTitle( &strTitle, 0 );
 		setWindowTitle( QString::fromUtf8( strTitle.Get() ) );
-		m_pStatusBar->showMessage( QString::fromUtf8( pNew->GetFileName() ) );
+		// Paths are kept with backslashes in memory; show the user the path as it is on disk.
+		m_pStatusBar->showMessage( QString::fromUtf8( Host_DiskPath( pNew->GetFileName() ).Get() ) );
 	}
 	else
 	{
