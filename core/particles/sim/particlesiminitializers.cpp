@@ -526,9 +526,8 @@ public:
 			// The ring's tilt, then the transform's frame.
 			vDir = RotateByDegrees( vDir, pPitch[ j ], pYaw[ j ], pRoll[ j ] );
 			vVelocityDir = RotateByDegrees( vVelocityDir, pPitch[ j ], pYaw[ j ], pRoll[ j ] );
-			Vector vPos = LocalToWorld( transform.m_vOrigin, transform.m_vForward, transform.m_vRight, transform.m_vUp, Vector( vDir.x, -vDir.y, vDir.z ) );
-			vPos = Add( Scale( Sub( vPos, transform.m_vOrigin ), flDistance ), transform.m_vOrigin );
-			Vector vWorldDir = LocalToWorld( Vector(), transform.m_vForward, transform.m_vRight, transform.m_vUp, Vector( vVelocityDir.x, -vVelocityDir.y, vVelocityDir.z ) );
+			Vector vPos = LocalToWorld( transform.m_vOrigin, transform.m_vForward, transform.m_vRight, transform.m_vUp, Scale( vDir, flDistance ) );
+			Vector vWorldDir = LocalToWorld( Vector(), transform.m_vForward, transform.m_vRight, transform.m_vUp, vVelocityDir );
 			Vector vVelocity = Scale( vWorldDir, pSpeed[ j ] );
 			for ( int k = 0; k < 3; ++k )
 			{

@@ -37,8 +37,13 @@ int ListOfClass( CSchemaSystemTypeScope *pScope, const CSchemaClassInfo *pClass 
 {
 	for ( const FunctionListBase_t &base : s_ListBases )
 	{
+		if ( pScope->FindDeclaredClass( base.m_pBaseClass ) == pClass )
+			return -1;
+	}
+	for ( const FunctionListBase_t &base : s_ListBases )
+	{
 		const CSchemaClassInfo *pBase = pScope->FindDeclaredClass( base.m_pBaseClass );
-		if ( pBase && pClass != pBase && pClass->IsA( pBase ) )
+		if ( pBase && pClass->IsA( pBase ) )
 			return base.m_nList;
 	}
 	return -1;
