@@ -1,6 +1,7 @@
 // Force generators add to the per-particle force accumulators that movement integrates;
 // constraints correct positions after movement.
 
+#include <algorithm>
 #include <cmath>
 
 #include "core/particles/sim/particlecollection.h"
@@ -216,12 +217,123 @@ private:
 	Vector m_vMin, m_vMax;
 };
 
+// A vortex: pushes particles along circles around an axis through a control point.
+class CTwistAroundAxis final : public CParticleSimFunction
+{
+public:
+	void Read( CParticleFunctionReader &reader ) override
+	{
+		m_flAmount = reader.Float( "m_fForceAmount", 0.0f );
+		m_vAxis = Normalized( reader.Vec( "m_TwistAxis", Vector( 0.0f, 0.0f, 1.0f ) ) );
+		m_bLocalSpace = reader.Bool( "m_bLocalSpace", false );
+		m_nControlPoint = reader.Int( "m_nControlPointNumber", 0 );
+		reader.ReadsControlPoint( m_nControlPoint, m_bLocalSpace ? 4 : 2 );
+		reader.Reads( PARTICLE_ATTRIBUTE_POSITION );
+	}
+
+	void Operate( CParticleCollection &c, float ) const override
+	{
+		if ( m_flAmount == 0.0f || m_vAxis == Vector() )
+			return;
+		const ParticleControlPoint_t &cp = c.GetControlPoint( m_nControlPoint );
+		Vector vAxis = m_bLocalSpace ? Normalized( LocalToWorld( Vector(), cp.m_vForward, cp.m_vRight, cp.m_vUp, m_vAxis ) ) : m_vAxis;
+		const float *pX = c.Stream( PARTICLE_ATTRIBUTE_POSITION, 0 ), *pY = c.Stream( PARTICLE_ATTRIBUTE_POSITION, 1 ), *pZ = c.Stream( PARTICLE_ATTRIBUTE_POSITION, 2 );
+		float *pFX = c.Force( 0 ), *pFY = c.Force( 1 ), *pFZ = c.Force( 2 );
+		int n = c.Count();
+		for ( int i = 0; i < n; ++i )
+		{
+			Vector vFrom( pX[ i ] - cp.m_vPosition.x, pY[ i ] - cp.m_vPosition.y, pZ[ i ] - cp.m_vPosition.z );
+			// The tangent has the same strength at any distance from the axis.
+			Vector vTangent = Normalized( Cross( vAxis, vFrom ) );
+			pFX[ i ] += vTangent.x * m_flAmount;
+			pFY[ i ] += vTangent.y * m_flAmount;
+			pFZ[ i ] += vTangent.z * m_flAmount;
+		}
+	}
+
+private:
+	float m_flAmount = 0.0f;
+	Vector m_vAxis{ 0.0f, 0.0f, 1.0f };
+	bool m_bLocalSpace = false;
+	int m_nControlPoint = 0;
+};
+
+// A ground plane at a height above a control point. Particles that pass below it, less
+// their radius, are put back on it and bounce, slide or die.
+class CCollideWithPlane final : public CParticleSimFunction
+{
+public:
+	void Read( CParticleFunctionReader &reader ) override
+	{
+		static const char *const s_Responses[] = { "PARTICLE_COLLISION_BOUNCE", "PARTICLE_COLLISION_SLIDE", "PARTICLE_COLLISION_KILL" };
+		m_flPlaneOffset = reader.Float( "m_flPlaneOffset", 0.0f );
+		m_nControlPoint = reader.Int( "m_nControlPointNumber", 0 );
+		m_nResponse = reader.Enum( "m_nResponse", s_Responses, 3, PARTICLE_COLLISION_BOUNCE );
+		m_Bounce = CSimFloatInput( 0.5f );
+		reader.FloatInput( "m_flBounceAmount", &m_Bounce, true );
+		reader.FloatInput( "m_flSlideAmount", &m_Slide, true );
+		m_flRadiusScale = reader.Float( "m_flRadiusScale", 1.0f );
+		m_flMinSpeed = reader.Float( "m_flMinSpeed", 0.0f );
+		reader.ReadsControlPoint( m_nControlPoint, 2 );
+		reader.Reads( PARTICLE_ATTRIBUTE_RADIUS );
+		reader.Writes( PARTICLE_ATTRIBUTE_POSITION );
+		reader.Writes( PARTICLE_ATTRIBUTE_PREVIOUS_POSITION );
+	}
+
+	void Operate( CParticleCollection &c, float flDt ) const override
+	{
+		int n = c.Count();
+		float flGround = c.GetControlPoint( m_nControlPoint ).m_vPosition.z + m_flPlaneOffset;
+		float *pBounce = c.Scratch( 0 ), *pSlide = c.Scratch( 1 );
+		m_Bounce.EvaluatePerParticle( c, 0, n, pBounce );
+		m_Slide.EvaluatePerParticle( c, 0, n, pSlide );
+		const float *pRadius = c.Stream( PARTICLE_ATTRIBUTE_RADIUS );
+		float *pX = c.Stream( PARTICLE_ATTRIBUTE_POSITION, 0 ), *pY = c.Stream( PARTICLE_ATTRIBUTE_POSITION, 1 ), *pZ = c.Stream( PARTICLE_ATTRIBUTE_POSITION, 2 );
+		float *pPX = c.Stream( PARTICLE_ATTRIBUTE_PREVIOUS_POSITION, 0 ), *pPY = c.Stream( PARTICLE_ATTRIBUTE_PREVIOUS_POSITION, 1 ), *pPZ = c.Stream( PARTICLE_ATTRIBUTE_PREVIOUS_POSITION, 2 );
+		float flMinMove = m_flMinSpeed * flDt;
+		for ( int i = 0; i < n; ++i )
+		{
+			float flFloor = flGround + pRadius[ i ] * m_flRadiusScale;
+			if ( pZ[ i ] >= flFloor )
+				continue;
+			if ( m_nResponse == PARTICLE_COLLISION_KILL )
+			{
+				c.KillParticle( i );
+				pZ[ i ] = flFloor;
+				pPZ[ i ] = flFloor;
+				continue;
+			}
+			// The motion of this step, split into its part along the ground and its part into it.
+			float flMoveX = pX[ i ] - pPX[ i ], flMoveY = pY[ i ] - pPY[ i ], flMoveZ = pZ[ i ] - pPZ[ i ];
+			float flKeepAlong = 1.0f - Saturate( pSlide[ i ] );
+			float flOut = m_nResponse == PARTICLE_COLLISION_BOUNCE && flMoveZ < 0.0f ? -flMoveZ * std::max( pBounce[ i ], 0.0f ) : 0.0f;
+			float flAlongX = flMoveX * flKeepAlong, flAlongY = flMoveY * flKeepAlong;
+			// Too slow a bounce comes to rest on the ground.
+			if ( flMinMove > 0.0f && std::sqrt( flAlongX * flAlongX + flAlongY * flAlongY + flOut * flOut ) < flMinMove )
+				flAlongX = flAlongY = flOut = 0.0f;
+			pZ[ i ] = flFloor;
+			pPX[ i ] = pX[ i ] - flAlongX;
+			pPY[ i ] = pY[ i ] - flAlongY;
+			pPZ[ i ] = flFloor - flOut;
+		}
+	}
+
+private:
+	float m_flPlaneOffset = 0.0f;
+	int m_nControlPoint = 0;
+	int m_nResponse = PARTICLE_COLLISION_BOUNCE;
+	CSimFloatInput m_Bounce, m_Slide;
+	float m_flRadiusScale = 1.0f, m_flMinSpeed = 0.0f;
+};
+
 const ParticleSimFunctionEntry_t s_Functions[] = {
 	{ "C_OP_TurbulenceForce", CreateParticleSimFunction<CTurbulenceForce> },
 	{ "C_OP_AttractToControlPoint", CreateParticleSimFunction<CAttractToControlPoint> },
 	{ "C_OP_PlanarConstraint", CreateParticleSimFunction<CPlanarConstraint> },
 	{ "C_OP_ConstrainDistance", CreateParticleSimFunction<CConstrainDistance> },
 	{ "C_OP_RandomForce", CreateParticleSimFunction<CRandomForce> },
+	{ "C_OP_TwistAroundAxis", CreateParticleSimFunction<CTwistAroundAxis> },
+	{ "C_OP_CollideWithPlane", CreateParticleSimFunction<CCollideWithPlane> },
 };
 } // namespace
 

@@ -467,6 +467,326 @@ private:
 	int m_nControlPoint = 0;
 };
 
+// Places particles on a ring around a transform, spread evenly by particle id or at random,
+// each moving outward from the ring's centre.
+class CRingWave final : public CParticleSimFunction
+{
+public:
+	void Read( CParticleFunctionReader &reader ) override
+	{
+		reader.TransformInput( "m_TransformInput", &m_Transform );
+		m_PerOrbit = CSimFloatInput( -1.0f );
+		reader.FloatInput( "m_flParticlesPerOrbit", &m_PerOrbit, false );
+		reader.FloatInput( "m_flInitialRadius", &m_Radius, true );
+		reader.FloatInput( "m_flThickness", &m_Thickness, true );
+		reader.FloatInput( "m_flInitialSpeedMin", &m_SpeedMin, true );
+		reader.FloatInput( "m_flInitialSpeedMax", &m_SpeedMax, true );
+		reader.FloatInput( "m_flRoll", &m_Roll, true );
+		reader.FloatInput( "m_flPitch", &m_Pitch, true );
+		reader.FloatInput( "m_flYaw", &m_Yaw, true );
+		m_bEvenDistribution = reader.Bool( "m_bEvenDistribution", false );
+		m_bXYVelocityOnly = reader.Bool( "m_bXYVelocityOnly", true );
+		reader.Reads( PARTICLE_ATTRIBUTE_PARTICLE_ID );
+		reader.Writes( PARTICLE_ATTRIBUTE_POSITION );
+		reader.Writes( PARTICLE_ATTRIBUTE_PREVIOUS_POSITION );
+	}
+
+	void InitNewParticles( CParticleCollection &c, int nStart, int nCount ) const override
+	{
+		constexpr float TWO_PI = 6.28318530718f;
+		ParticleTransform_t transform = m_Transform.Evaluate( c );
+		float flPerOrbit = m_PerOrbit.EvaluateCollection( c );
+		bool bEven = m_bEvenDistribution || flPerOrbit > 0.0f;
+		float flEvenStep = flPerOrbit >= 1.0f ? TWO_PI / std::floor( flPerOrbit ) : TWO_PI / 16.0f;
+		// Six scratch arrays for seven inputs: the speed is drawn first, freeing one for pitch.
+		float *pRadius = c.Scratch( 0 ), *pThickness = c.Scratch( 1 ), *pSpeed = c.Scratch( 2 ), *pSpeedMaxThenPitch = c.Scratch( 3 );
+		float *pRoll = c.Scratch( 4 ), *pYaw = c.Scratch( 5 );
+		m_Radius.EvaluatePerParticle( c, nStart, nCount, pRadius );
+		m_Thickness.EvaluatePerParticle( c, nStart, nCount, pThickness );
+		m_SpeedMin.EvaluatePerParticle( c, nStart, nCount, pSpeed );
+		m_SpeedMax.EvaluatePerParticle( c, nStart, nCount, pSpeedMaxThenPitch );
+		CParticleRandom &random = c.Random();
+		for ( int j = 0; j < nCount; ++j )
+			pSpeed[ j ] = random.RandomFloat( pSpeed[ j ], pSpeedMaxThenPitch[ j ] );
+		float *pPitch = pSpeedMaxThenPitch;
+		m_Pitch.EvaluatePerParticle( c, nStart, nCount, pPitch );
+		m_Roll.EvaluatePerParticle( c, nStart, nCount, pRoll );
+		m_Yaw.EvaluatePerParticle( c, nStart, nCount, pYaw );
+		const float *pID = c.Stream( PARTICLE_ATTRIBUTE_PARTICLE_ID );
+		float flDt = c.GetPreviousDt();
+		for ( int j = 0; j < nCount; ++j )
+		{
+			int i = nStart + j;
+			float flAngle = bEven ? float( uint32_t( pID[ i ] ) ) * flEvenStep : random.NextFloat() * TWO_PI;
+			float flDistance = pRadius[ j ] + pThickness[ j ] * random.NextFloat();
+			Vector vDir( std::cos( flAngle ), std::sin( flAngle ), 0.0f );
+			Vector vVelocityDir = vDir;
+			if ( !m_bXYVelocityOnly )
+				vVelocityDir = Normalized( Vector( vDir.x, vDir.y, random.NextFloat() * 2.0f - 1.0f ) );
+			// The ring's tilt, then the transform's frame.
+			vDir = RotateByDegrees( vDir, pPitch[ j ], pYaw[ j ], pRoll[ j ] );
+			vVelocityDir = RotateByDegrees( vVelocityDir, pPitch[ j ], pYaw[ j ], pRoll[ j ] );
+			Vector vPos = LocalToWorld( transform.m_vOrigin, transform.m_vForward, transform.m_vRight, transform.m_vUp, Scale( vDir, flDistance ) );
+			Vector vWorldDir = LocalToWorld( Vector(), transform.m_vForward, transform.m_vRight, transform.m_vUp, vVelocityDir );
+			Vector vVelocity = Scale( vWorldDir, pSpeed[ j ] );
+			for ( int k = 0; k < 3; ++k )
+			{
+				c.Stream( PARTICLE_ATTRIBUTE_POSITION, k )[ i ] = vPos[ k ];
+				c.Stream( PARTICLE_ATTRIBUTE_PREVIOUS_POSITION, k )[ i ] = vPos[ k ] - vVelocity[ k ] * flDt;
+			}
+		}
+	}
+
+private:
+	CSimTransformInput m_Transform;
+	CSimFloatInput m_PerOrbit, m_Radius, m_Thickness, m_SpeedMin, m_SpeedMax, m_Roll, m_Pitch, m_Yaw;
+	bool m_bEvenDistribution = false, m_bXYVelocityOnly = true;
+};
+
+// Without a model's geometry the run time places particles on (or, when forced inside, in)
+// a small sphere around the model's control point, scaled per axis by the hitbox scale.
+class CCreateOnModel final : public CParticleSimFunction
+{
+public:
+	static constexpr float STAND_IN_RADIUS = 8.0f;
+
+	void Read( CParticleFunctionReader &reader ) override
+	{
+		reader.ModelInput( "m_modelInput", &m_Model );
+		reader.TransformInput( "m_transformInput", &m_Transform );
+		m_nForceInModel = reader.Int( "m_nForceInModel", 0 );
+		m_HitboxScale = CSimVecInput( Vector( 1.0f, 1.0f, 1.0f ) );
+		reader.VecInput( "m_vecHitBoxScale", &m_HitboxScale, false );
+		reader.Writes( PARTICLE_ATTRIBUTE_POSITION );
+		reader.Writes( PARTICLE_ATTRIBUTE_PREVIOUS_POSITION );
+		reader.Writes( PARTICLE_ATTRIBUTE_HITBOX_INDEX );
+		reader.Writes( PARTICLE_ATTRIBUTE_HITBOX_OFFSET_POSITION );
+	}
+
+	void InitNewParticles( CParticleCollection &c, int nStart, int nCount ) const override
+	{
+		ParticleTransform_t transform = m_Transform.Evaluate( c );
+		if ( m_Model.GetControlPoint() >= 0 )
+			transform.m_vOrigin = c.GetControlPoint( m_Model.GetControlPoint() ).m_vPosition;
+		Vector vScale = Scale( m_HitboxScale.EvaluateCollection( c ), STAND_IN_RADIUS );
+		CParticleRandom &random = c.Random();
+		float *pHitbox = c.Stream( PARTICLE_ATTRIBUTE_HITBOX_INDEX );
+		for ( int i = nStart; i < nStart + nCount; ++i )
+		{
+			Vector vDir;
+			float flLengthSq;
+			do
+			{
+				vDir = Vector( random.NextFloat() * 2.0f - 1.0f, random.NextFloat() * 2.0f - 1.0f, random.NextFloat() * 2.0f - 1.0f );
+				flLengthSq = Dot( vDir, vDir );
+			} while ( flLengthSq > 1.0f || flLengthSq < 1e-6f );
+			// Inside: the point in the ball as drawn; otherwise pushed out to the surface.
+			Vector vLocal = m_nForceInModel == 1 ? vDir : Scale( vDir, 1.0f / std::sqrt( flLengthSq ) );
+			vLocal = Mul( vLocal, vScale );
+			Vector vPos = LocalToWorld( transform.m_vOrigin, transform.m_vForward, transform.m_vRight, transform.m_vUp, vLocal );
+			for ( int k = 0; k < 3; ++k )
+			{
+				c.Stream( PARTICLE_ATTRIBUTE_POSITION, k )[ i ] = vPos[ k ];
+				c.Stream( PARTICLE_ATTRIBUTE_PREVIOUS_POSITION, k )[ i ] = vPos[ k ];
+				c.Stream( PARTICLE_ATTRIBUTE_HITBOX_OFFSET_POSITION, k )[ i ] = vLocal[ k ];
+			}
+			pHitbox[ i ] = 0.0f;
+		}
+	}
+
+private:
+	CSimModelInput m_Model;
+	CSimTransformInput m_Transform;
+	CSimVecInput m_HitboxScale;
+	int m_nForceInModel = 0;
+};
+
+// Writes a vector to a vector attribute with a set method; a moved position takes its
+// previous position along unless the move should be felt as a push.
+void WriteVectorAttribute( CParticleCollection &c, int nField, int nSetMethod, int nStart, int nCount, const Vector &v, bool bAccelerate )
+{
+	int nComponents = GetParticleAttributeComponentCount( nField );
+	float *pValue = c.Scratch( 0 ), *pBefore = c.Scratch( 1 );
+	for ( int k = 0; k < nComponents; ++k )
+	{
+		for ( int i = 0; i < nCount; ++i )
+			pValue[ i ] = v[ nComponents == 3 ? k : 0 ];
+		float *pTarget = c.Stream( nField, k ) + nStart;
+		for ( int i = 0; i < nCount; ++i )
+			pBefore[ i ] = pTarget[ i ];
+		ApplyParticleSetMethod( nSetMethod, pTarget, pValue, nCount );
+		if ( nField == PARTICLE_ATTRIBUTE_POSITION && !bAccelerate )
+		{
+			float *pPrev = c.Stream( PARTICLE_ATTRIBUTE_PREVIOUS_POSITION, k ) + nStart;
+			for ( int i = 0; i < nCount; ++i )
+				pPrev[ i ] += pTarget[ i ] - pBefore[ i ];
+		}
+	}
+}
+
+class CRemapTransformToVector final : public CParticleSimFunction
+{
+public:
+	void Read( CParticleFunctionReader &reader ) override
+	{
+		m_nField = reader.OutputAttribute( "m_nFieldOutput", PARTICLE_ATTRIBUTE_POSITION );
+		m_vInputMin = reader.Vec( "m_vInputMin", Vector() );
+		m_vInputMax = reader.Vec( "m_vInputMax", Vector( 1.0f, 1.0f, 1.0f ) );
+		m_vOutputMin = reader.Vec( "m_vOutputMin", Vector() );
+		m_vOutputMax = reader.Vec( "m_vOutputMax", Vector( 1.0f, 1.0f, 1.0f ) );
+		reader.TransformInput( "m_TransformInput", &m_Transform );
+		m_nSetMethod = reader.Enum( "m_nSetMethod", g_ParticleSetMethodNames, 6, PARTICLE_SET_REPLACE_VALUE );
+		m_bOffset = reader.Bool( "m_bOffset", false );
+		m_bAccelerate = reader.Bool( "m_bAccelerate", false );
+		if ( m_nField == PARTICLE_ATTRIBUTE_POSITION )
+			reader.Writes( PARTICLE_ATTRIBUTE_PREVIOUS_POSITION );
+	}
+
+	void InitNewParticles( CParticleCollection &c, int nStart, int nCount ) const override
+	{
+		Vector vIn = m_Transform.Evaluate( c ).m_vOrigin;
+		Vector vOut;
+		for ( int k = 0; k < 3; ++k )
+		{
+			float flRange = m_vInputMax[ k ] - m_vInputMin[ k ];
+			float t = std::fabs( flRange ) > 1e-6f ? Saturate( ( vIn[ k ] - m_vInputMin[ k ] ) / flRange ) : 0.0f;
+			vOut[ k ] = Lerp( m_vOutputMin[ k ], m_vOutputMax[ k ], t );
+		}
+		// An offset adds to what is there whatever the set method says.
+		int nMethod = m_bOffset ? int( PARTICLE_SET_ADD_TO_CURRENT_VALUE ) : m_nSetMethod;
+		WriteVectorAttribute( c, m_nField, nMethod, nStart, nCount, vOut, m_bAccelerate );
+	}
+
+private:
+	int m_nField = PARTICLE_ATTRIBUTE_POSITION;
+	int m_nSetMethod = 0;
+	Vector m_vInputMin, m_vInputMax, m_vOutputMin, m_vOutputMax;
+	CSimTransformInput m_Transform;
+	bool m_bOffset = false, m_bAccelerate = false;
+};
+
+// The direction from the transform to each new particle, written to a vector attribute.
+class CRemapInitialDirectionToTransformToVector final : public CParticleSimFunction
+{
+public:
+	void Read( CParticleFunctionReader &reader ) override
+	{
+		reader.TransformInput( "m_TransformInput", &m_Transform );
+		m_nField = reader.OutputAttribute( "m_nFieldOutput", PARTICLE_ATTRIBUTE_NORMAL );
+		m_flScale = reader.Float( "m_flScale", 1.0f );
+		m_flOffsetRot = reader.Float( "m_flOffsetRot", 0.0f );
+		m_vOffsetAxis = Normalized( reader.Vec( "m_vecOffsetAxis", Vector() ) );
+		m_bNormalize = reader.Bool( "m_bNormalize", false );
+		reader.Reads( PARTICLE_ATTRIBUTE_POSITION );
+	}
+
+	void InitNewParticles( CParticleCollection &c, int nStart, int nCount ) const override
+	{
+		Vector vOrigin = m_Transform.Evaluate( c ).m_vOrigin;
+		int nComponents = GetParticleAttributeComponentCount( m_nField );
+		bool bRotate = m_flOffsetRot != 0.0f && !( m_vOffsetAxis == Vector() );
+		for ( int i = nStart; i < nStart + nCount; ++i )
+		{
+			Vector vDir( c.Stream( PARTICLE_ATTRIBUTE_POSITION, 0 )[ i ] - vOrigin.x, c.Stream( PARTICLE_ATTRIBUTE_POSITION, 1 )[ i ] - vOrigin.y,
+				c.Stream( PARTICLE_ATTRIBUTE_POSITION, 2 )[ i ] - vOrigin.z );
+			if ( m_bNormalize )
+				vDir = Normalized( vDir );
+			if ( bRotate )
+				vDir = RotateAboutAxis( vDir, m_vOffsetAxis, m_flOffsetRot );
+			vDir = Scale( vDir, m_flScale );
+			for ( int k = 0; k < nComponents; ++k )
+				c.Stream( m_nField, k )[ i ] = nComponents == 3 ? vDir[ k ] : Length( vDir );
+		}
+	}
+
+private:
+	CSimTransformInput m_Transform;
+	int m_nField = PARTICLE_ATTRIBUTE_NORMAL;
+	float m_flScale = 1.0f, m_flOffsetRot = 0.0f;
+	Vector m_vOffsetAxis;
+	bool m_bNormalize = false;
+};
+
+constexpr float RAD_TO_DEG = 180.0f / 3.14159265358979f;
+
+// The heading of one of the transform's axes in its horizontal plane, in degrees.
+class CRemapInitialTransformDirectionToRotation final : public CParticleSimFunction
+{
+public:
+	void Read( CParticleFunctionReader &reader ) override
+	{
+		reader.TransformInput( "m_TransformInput", &m_Transform );
+		m_nField = reader.OutputAttribute( "m_nFieldOutput", PARTICLE_ATTRIBUTE_YAW );
+		m_flOffsetRot = reader.Float( "m_flOffsetRot", 0.0f );
+		m_nComponent = reader.Int( "m_nComponent", 0 );
+		if ( m_nComponent < 0 || m_nComponent > 2 )
+			reader.Fail( "m_nComponent: %d is not an axis (0, 1 or 2)", m_nComponent );
+	}
+
+	void InitNewParticles( CParticleCollection &c, int nStart, int nCount ) const override
+	{
+		ParticleTransform_t transform = m_Transform.Evaluate( c );
+		const Vector &vAxis = m_nComponent == 0 ? transform.m_vForward : ( m_nComponent == 1 ? transform.m_vRight : transform.m_vUp );
+		float flDegrees = std::atan2( vAxis.y, vAxis.x ) * RAD_TO_DEG + m_flOffsetRot;
+		float *pOut = c.Stream( m_nField );
+		for ( int i = nStart; i < nStart + nCount; ++i )
+			pOut[ i ] = flDegrees;
+	}
+
+private:
+	CSimTransformInput m_Transform;
+	int m_nField = PARTICLE_ATTRIBUTE_YAW;
+	float m_flOffsetRot = 0.0f;
+	int m_nComponent = 0;
+};
+
+// The transform's orientation as pitch, yaw and roll, plus a fixed offset.
+class CRemapTransformOrientationToRotations final : public CParticleSimFunction
+{
+public:
+	void Read( CParticleFunctionReader &reader ) override
+	{
+		reader.TransformInput( "m_TransformInput", &m_Transform );
+		m_vRotation = reader.Vec( "m_vecRotation", Vector() );
+		m_bWriteNormal = reader.Bool( "m_bWriteNormal", false );
+		reader.Writes( PARTICLE_ATTRIBUTE_PITCH );
+		reader.Writes( PARTICLE_ATTRIBUTE_YAW );
+		reader.Writes( PARTICLE_ATTRIBUTE_ROLL );
+		if ( m_bWriteNormal )
+			reader.Writes( PARTICLE_ATTRIBUTE_NORMAL );
+	}
+
+	void InitNewParticles( CParticleCollection &c, int nStart, int nCount ) const override
+	{
+		ParticleTransform_t t = m_Transform.Evaluate( c );
+		const Vector &f = t.m_vForward;
+		float flPitch = std::atan2( -f.z, std::sqrt( f.x * f.x + f.y * f.y ) ) * RAD_TO_DEG + m_vRotation.x;
+		float flYaw = std::atan2( f.y, f.x ) * RAD_TO_DEG + m_vRotation.y;
+		// Left is minus right; the roll is how far left has tipped out of the horizontal.
+		float flRoll = std::atan2( -t.m_vRight.z, t.m_vUp.z ) * RAD_TO_DEG + m_vRotation.z;
+		float *pPitch = c.Stream( PARTICLE_ATTRIBUTE_PITCH ), *pYaw = c.Stream( PARTICLE_ATTRIBUTE_YAW ), *pRoll = c.Stream( PARTICLE_ATTRIBUTE_ROLL );
+		for ( int i = nStart; i < nStart + nCount; ++i )
+		{
+			pPitch[ i ] = flPitch;
+			pYaw[ i ] = flYaw;
+			pRoll[ i ] = flRoll;
+		}
+		if ( !m_bWriteNormal )
+			return;
+		for ( int k = 0; k < 3; ++k )
+		{
+			float *pNormal = c.Stream( PARTICLE_ATTRIBUTE_NORMAL, k );
+			for ( int i = nStart; i < nStart + nCount; ++i )
+				pNormal[ i ] = f[ k ];
+		}
+	}
+
+private:
+	CSimTransformInput m_Transform;
+	Vector m_vRotation;
+	bool m_bWriteNormal = false;
+};
+
 const ParticleSimFunctionEntry_t s_Initializers[] = {
 	{ "C_INIT_CreateWithinSphere", CreateParticleSimFunction<CCreateWithinSphere> },
 	{ "C_INIT_InitFloat", CreateParticleSimFunction<CInitFloat> },
@@ -483,6 +803,12 @@ const ParticleSimFunctionEntry_t s_Initializers[] = {
 	{ "C_INIT_InitialVelocityNoise", CreateParticleSimFunction<CInitialVelocityNoise> },
 	{ "C_INIT_VelocityRandom", CreateParticleSimFunction<CVelocityRandom> },
 	{ "C_INIT_PositionOffset", CreateParticleSimFunction<CPositionOffset> },
+	{ "C_INIT_RingWave", CreateParticleSimFunction<CRingWave> },
+	{ "C_INIT_CreateOnModel", CreateParticleSimFunction<CCreateOnModel> },
+	{ "C_INIT_RemapTransformToVector", CreateParticleSimFunction<CRemapTransformToVector> },
+	{ "C_INIT_RemapInitialDirectionToTransformToVector", CreateParticleSimFunction<CRemapInitialDirectionToTransformToVector> },
+	{ "C_INIT_RemapInitialTransformDirectionToRotation", CreateParticleSimFunction<CRemapInitialTransformDirectionToRotation> },
+	{ "C_INIT_RemapTransformOrientationToRotations", CreateParticleSimFunction<CRemapTransformOrientationToRotations> },
 };
 } // namespace
 

@@ -30,4 +30,24 @@ inline Vector LocalToWorld( const Vector &origin, const Vector &forward, const V
 {
 	return Add( origin, Add( Scale( forward, local.x ), Add( Scale( right, -local.y ), Scale( up, local.z ) ) ) );
 }
+
+// v turned by roll about x, then pitch about y, then yaw about z; all in degrees.
+inline Vector RotateByDegrees( const Vector &v, float flPitch, float flYaw, float flRoll )
+{
+	constexpr float DEG_TO_RAD = 3.14159265358979f / 180.0f;
+	float sr = std::sin( flRoll * DEG_TO_RAD ), cr = std::cos( flRoll * DEG_TO_RAD );
+	float sp = std::sin( flPitch * DEG_TO_RAD ), cp = std::cos( flPitch * DEG_TO_RAD );
+	float sy = std::sin( flYaw * DEG_TO_RAD ), cy = std::cos( flYaw * DEG_TO_RAD );
+	Vector a( v.x, v.y * cr - v.z * sr, v.y * sr + v.z * cr );
+	Vector b( a.x * cp + a.z * sp, a.y, -a.x * sp + a.z * cp );
+	return Vector( b.x * cy - b.y * sy, b.x * sy + b.y * cy, b.z );
+}
+
+// v turned by flDegrees about the unit axis (Rodrigues).
+inline Vector RotateAboutAxis( const Vector &v, const Vector &axis, float flDegrees )
+{
+	float flRadians = flDegrees * 3.14159265358979f / 180.0f;
+	float s = std::sin( flRadians ), c = std::cos( flRadians );
+	return Add( Add( Scale( v, c ), Scale( Cross( axis, v ), s ) ), Scale( axis, Dot( axis, v ) * ( 1.0f - c ) ) );
+}
 } // namespace ParticleMath

@@ -5,6 +5,7 @@
 
 #include "core/particles/sim/particlecollection.h"
 #include "core/particles/sim/particlefunctionreader.h"
+#include "core/particles/sim/particlenoise.h"
 #include "core/particles/sim/particlesimfunctionlist.h"
 #include "core/particles/sim/particlesimmath.h"
 
@@ -558,6 +559,252 @@ private:
 	bool m_bSetOnce = false;
 };
 
+// A per-particle value in 0 .. 1 that stays the same for the particle's whole life, so
+// each one keeps its own rate and frequency without storing them.
+inline float StableParticleFraction( float flParticleID, uint32_t nSalt )
+{
+	return float( ParticleNoiseHash( uint32_t( flParticleID ) * 2654435761u + nSalt ) & 0xFFFFFFu ) / float( 0xFFFFFF );
+}
+
+// Oscillation: the value changes per second by rate * sin( pi * ( clock * frequency * mult + add ) ),
+// where the clock is the particle's normalized age (proportional) or its seconds alive.
+class COscillate : public CParticleSimFunction
+{
+public:
+	void ReadOscillation( CParticleFunctionReader &reader )
+	{
+		m_bProportional = reader.Bool( "m_bProportional", true );
+		m_flOscMult = reader.Float( "m_flOscMult", 2.0f );
+		m_flOscAdd = reader.Float( "m_flOscAdd", 0.5f );
+		reader.Reads( PARTICLE_ATTRIBUTE_CREATION_TIME );
+		reader.Reads( PARTICLE_ATTRIBUTE_LIFE_DURATION );
+		reader.Reads( PARTICLE_ATTRIBUTE_PARTICLE_ID );
+	}
+
+protected:
+	// Fills pTime with each particle's clock: normalized age or seconds alive.
+	void ParticleClock( const CParticleCollection &c, float *pTime ) const
+	{
+		const float *pCreation = c.Stream( PARTICLE_ATTRIBUTE_CREATION_TIME );
+		const float *pLife = c.Stream( PARTICLE_ATTRIBUTE_LIFE_DURATION );
+		float flTime = c.GetTime();
+		int n = c.Count();
+		for ( int i = 0; i < n; ++i )
+		{
+			float flAge = flTime - pCreation[ i ];
+			pTime[ i ] = m_bProportional ? ( pLife[ i ] > 0.0f ? flAge / pLife[ i ] : 1.0f ) : flAge;
+		}
+	}
+
+	void OscillateComponent( CParticleCollection &c, const float *pTime, float *pOut, float flRateMin, float flRateMax, float flFreqMin, float flFreqMax,
+		uint32_t nSalt, float flDt, float *pPrev = nullptr ) const
+	{
+		constexpr float PI = 3.14159265358979f;
+		const float *pID = c.Stream( PARTICLE_ATTRIBUTE_PARTICLE_ID );
+		int n = c.Count();
+		for ( int i = 0; i < n; ++i )
+		{
+			float flRate = Lerp( flRateMin, flRateMax, StableParticleFraction( pID[ i ], nSalt ) );
+			float flFrequency = Lerp( flFreqMin, flFreqMax, StableParticleFraction( pID[ i ], nSalt + 1u ) );
+			float flPhase = pTime[ i ] * flFrequency * m_flOscMult + m_flOscAdd;
+			float flDelta = flRate * std::sin( flPhase * PI ) * flDt;
+			pOut[ i ] += flDelta;
+			// A position keeps its velocity: the previous position moves along.
+			if ( pPrev )
+				pPrev[ i ] += flDelta;
+		}
+	}
+
+	bool m_bProportional = true;
+	float m_flOscMult = 2.0f, m_flOscAdd = 0.5f;
+};
+
+class COscillateScalar final : public COscillate
+{
+public:
+	void Read( CParticleFunctionReader &reader ) override
+	{
+		m_flRateMin = reader.Float( "m_RateMin", 0.0f );
+		m_flRateMax = reader.Float( "m_RateMax", 0.0f );
+		m_flFrequencyMin = reader.Float( "m_FrequencyMin", 1.0f );
+		m_flFrequencyMax = reader.Float( "m_FrequencyMax", 1.0f );
+		m_nField = reader.OutputAttribute( "m_nField", PARTICLE_ATTRIBUTE_ALPHA );
+		ReadOscillation( reader );
+	}
+
+	void Operate( CParticleCollection &c, float flDt ) const override
+	{
+		float *pTime = c.Scratch( 0 );
+		ParticleClock( c, pTime );
+		OscillateComponent( c, pTime, c.Stream( m_nField ), m_flRateMin, m_flRateMax, m_flFrequencyMin, m_flFrequencyMax, 0x51u, flDt );
+	}
+
+private:
+	float m_flRateMin = 0.0f, m_flRateMax = 0.0f, m_flFrequencyMin = 1.0f, m_flFrequencyMax = 1.0f;
+	int m_nField = PARTICLE_ATTRIBUTE_ALPHA;
+};
+
+class COscillateVector final : public COscillate
+{
+public:
+	void Read( CParticleFunctionReader &reader ) override
+	{
+		m_vRateMin = reader.Vec( "m_RateMin", Vector() );
+		m_vRateMax = reader.Vec( "m_RateMax", Vector() );
+		m_vFrequencyMin = reader.Vec( "m_FrequencyMin", Vector( 1.0f, 1.0f, 1.0f ) );
+		m_vFrequencyMax = reader.Vec( "m_FrequencyMax", Vector( 1.0f, 1.0f, 1.0f ) );
+		m_nField = reader.OutputAttribute( "m_nField", PARTICLE_ATTRIBUTE_POSITION );
+		if ( m_nField == PARTICLE_ATTRIBUTE_POSITION )
+			reader.Writes( PARTICLE_ATTRIBUTE_PREVIOUS_POSITION );
+		ReadOscillation( reader );
+	}
+
+	void Operate( CParticleCollection &c, float flDt ) const override
+	{
+		float *pTime = c.Scratch( 0 );
+		ParticleClock( c, pTime );
+		int nComponents = GetParticleAttributeComponentCount( m_nField );
+		for ( int k = 0; k < nComponents; ++k )
+		{
+			OscillateComponent( c, pTime, c.Stream( m_nField, k ), m_vRateMin[ k ], m_vRateMax[ k ], m_vFrequencyMin[ k ], m_vFrequencyMax[ k ],
+				0x71u + 2u * uint32_t( k ), flDt, m_nField == PARTICLE_ATTRIBUTE_POSITION ? c.Stream( PARTICLE_ATTRIBUTE_PREVIOUS_POSITION, k ) : nullptr );
+		}
+	}
+
+private:
+	Vector m_vRateMin, m_vRateMax, m_vFrequencyMin{ 1.0f, 1.0f, 1.0f }, m_vFrequencyMax{ 1.0f, 1.0f, 1.0f };
+	int m_nField = PARTICLE_ATTRIBUTE_POSITION;
+};
+
+// Scalar noise of the particle's position, mapped to the output range. The three
+// generations differ in their lattice noise and whether the field moves over time.
+class CNoiseScalar final : public CParticleSimFunction
+{
+public:
+	enum NoiseGeneration_t
+	{
+		NOISE_VALUE,
+		NOISE_GRADIENT,
+		NOISE_GRADIENT_ANIMATED,
+	};
+
+	explicit CNoiseScalar( NoiseGeneration_t eGeneration ) : m_eGeneration( eGeneration ) {}
+
+	void Read( CParticleFunctionReader &reader ) override
+	{
+		m_nField = reader.OutputAttribute( "m_nFieldOutput", PARTICLE_ATTRIBUTE_RADIUS );
+		m_flOutputMin = reader.Float( "m_flOutputMin", 0.0f );
+		m_flOutputMax = reader.Float( "m_flOutputMax", 1.0f );
+		m_flNoiseScale = reader.Float( "m_fl4NoiseScale", 0.001f );
+		m_bAdditive = reader.Bool( "m_bAdditive", false );
+		if ( m_eGeneration == NOISE_GRADIENT_ANIMATED )
+			m_flAnimationTimeScale = reader.Float( "m_flNoiseAnimationTimeScale", 0.0f );
+		reader.Reads( PARTICLE_ATTRIBUTE_POSITION );
+	}
+
+	void Operate( CParticleCollection &c, float flDt ) const override
+	{
+		const float *pX = c.Stream( PARTICLE_ATTRIBUTE_POSITION, 0 ), *pY = c.Stream( PARTICLE_ATTRIBUTE_POSITION, 1 ), *pZ = c.Stream( PARTICLE_ATTRIBUTE_POSITION, 2 );
+		float *pNoise = c.Scratch( 0 );
+		float flTimeOffset = c.GetTime() * m_flAnimationTimeScale;
+		float s = m_flNoiseScale;
+		int n = c.Count();
+		if ( m_eGeneration == NOISE_VALUE )
+		{
+			for ( int i = 0; i < n; ++i )
+				pNoise[ i ] = ParticleValueNoise( pX[ i ] * s, pY[ i ] * s, pZ[ i ] * s );
+		}
+		else
+		{
+			for ( int i = 0; i < n; ++i )
+				pNoise[ i ] = ParticleGradientNoise( pX[ i ] * s + flTimeOffset, pY[ i ] * s, pZ[ i ] * s - flTimeOffset );
+		}
+		float flRange = m_flOutputMax - m_flOutputMin;
+		for ( int i = 0; i < n; ++i )
+			pNoise[ i ] = m_flOutputMin + flRange * Saturate( pNoise[ i ] * 0.5f + 0.5f );
+		// Additive noise is a rate, so it adds the same per second at any step length.
+		int nComponents = GetParticleAttributeComponentCount( m_nField );
+		for ( int k = 0; k < nComponents; ++k )
+		{
+			float *pOut = c.Stream( m_nField, k );
+			if ( m_bAdditive )
+			{
+				for ( int i = 0; i < n; ++i )
+					pOut[ i ] += pNoise[ i ] * flDt;
+			}
+			else
+			{
+				for ( int i = 0; i < n; ++i )
+					pOut[ i ] = pNoise[ i ];
+			}
+		}
+	}
+
+private:
+	NoiseGeneration_t m_eGeneration;
+	int m_nField = PARTICLE_ATTRIBUTE_RADIUS;
+	float m_flOutputMin = 0.0f, m_flOutputMax = 1.0f, m_flNoiseScale = 0.001f, m_flAnimationTimeScale = 0.0f;
+	bool m_bAdditive = false;
+};
+
+template <CNoiseScalar::NoiseGeneration_t GENERATION> std::unique_ptr<CParticleSimFunction> CreateNoiseScalar()
+{
+	return std::make_unique<CNoiseScalar>( GENERATION );
+}
+
+class CVectorNoise final : public CParticleSimFunction
+{
+public:
+	void Read( CParticleFunctionReader &reader ) override
+	{
+		m_nField = reader.OutputAttribute( "m_nFieldOutput", PARTICLE_ATTRIBUTE_POSITION );
+		m_vOutputMin = reader.Vec( "m_vecOutputMin", Vector( -1.0f, -1.0f, -1.0f ) );
+		m_vOutputMax = reader.Vec( "m_vecOutputMax", Vector( 1.0f, 1.0f, 1.0f ) );
+		m_flNoiseScale = reader.Float( "m_fl4NoiseScale", 0.001f );
+		m_bAdditive = reader.Bool( "m_bAdditive", true );
+		m_bOffset = reader.Bool( "m_bOffset", false );
+		reader.Reads( PARTICLE_ATTRIBUTE_POSITION );
+		if ( m_nField == PARTICLE_ATTRIBUTE_POSITION && m_bOffset )
+			reader.Writes( PARTICLE_ATTRIBUTE_PREVIOUS_POSITION );
+	}
+
+	void Operate( CParticleCollection &c, float flDt ) const override
+	{
+		static const Vector s_Shift[ 3 ] = { Vector( 0.0f, 0.0f, 0.0f ), Vector( 31.4f, -17.2f, 5.3f ), Vector( -11.9f, 47.1f, -23.7f ) };
+		int nComponents = GetParticleAttributeComponentCount( m_nField );
+		bool bMovePrevious = m_nField == PARTICLE_ATTRIBUTE_POSITION && m_bOffset;
+		float *pNoise = c.Scratch( 0 );
+		float s = m_flNoiseScale;
+		int n = c.Count();
+		for ( int k = 0; k < nComponents; ++k )
+		{
+			// The noise is sampled at the position before this component changes it.
+			const float *pX = c.Stream( PARTICLE_ATTRIBUTE_POSITION, 0 ), *pY = c.Stream( PARTICLE_ATTRIBUTE_POSITION, 1 ), *pZ = c.Stream( PARTICLE_ATTRIBUTE_POSITION, 2 );
+			const Vector &shift = s_Shift[ k ];
+			for ( int i = 0; i < n; ++i )
+				pNoise[ i ] = ParticleGradientNoise( pX[ i ] * s + shift.x, pY[ i ] * s + shift.y, pZ[ i ] * s + shift.z );
+			float flMin = m_vOutputMin[ k ], flRange = m_vOutputMax[ k ] - m_vOutputMin[ k ];
+			for ( int i = 0; i < n; ++i )
+				pNoise[ i ] = flMin + flRange * Saturate( pNoise[ i ] * 0.5f + 0.5f );
+			float *pOut = c.Stream( m_nField, k );
+			float *pPrev = bMovePrevious ? c.Stream( PARTICLE_ATTRIBUTE_PREVIOUS_POSITION, k ) : nullptr;
+			for ( int i = 0; i < n; ++i )
+			{
+				float flNew = m_bAdditive ? pOut[ i ] + pNoise[ i ] * flDt : pNoise[ i ];
+				if ( pPrev )
+					pPrev[ i ] += flNew - pOut[ i ];
+				pOut[ i ] = flNew;
+			}
+		}
+	}
+
+private:
+	int m_nField = PARTICLE_ATTRIBUTE_POSITION;
+	Vector m_vOutputMin{ -1.0f, -1.0f, -1.0f }, m_vOutputMax{ 1.0f, 1.0f, 1.0f };
+	float m_flNoiseScale = 0.001f;
+	bool m_bAdditive = true, m_bOffset = false;
+};
+
 const ParticleSimFunctionEntry_t s_Operators[] = {
 	{ "C_OP_BasicMovement", CreateParticleSimFunction<CBasicMovement> },
 	{ "C_OP_Decay", CreateParticleSimFunction<CDecay> },
@@ -575,6 +822,12 @@ const ParticleSimFunctionEntry_t s_Operators[] = {
 	{ "C_OP_ClampScalar", CreateParticleSimFunction<CClampScalar> },
 	{ "C_OP_Spin", CreateParticleSimFunction<CSpin> },
 	{ "C_OP_SetSingleControlPointPosition", CreateParticleSimFunction<CSetSingleControlPointPosition> },
+	{ "C_OP_OscillateScalar", CreateParticleSimFunction<COscillateScalar> },
+	{ "C_OP_OscillateVector", CreateParticleSimFunction<COscillateVector> },
+	{ "C_OP_NoiseLegacy", CreateNoiseScalar<CNoiseScalar::NOISE_VALUE> },
+	{ "C_OP_NoiseSimplex", CreateNoiseScalar<CNoiseScalar::NOISE_GRADIENT> },
+	{ "C_OP_Noise", CreateNoiseScalar<CNoiseScalar::NOISE_GRADIENT_ANIMATED> },
+	{ "C_OP_VectorNoise", CreateParticleSimFunction<CVectorNoise> },
 };
 } // namespace
 

@@ -235,8 +235,9 @@ TEST( ParticleDefinition, TheSampleAndPresetClassesAllHaveBehaviour )
 
 TEST( ParticleDefinition, DeclaredClassesWithoutBehaviourCompileAsNoOps )
 {
-	// The editor accepts every declared class, so the preview must not refuse one.
-	ParticleDefinitionPtr_t pDef = CompileBody( R"(m_Initializers = [ { _class = "C_INIT_RingWave" }, { _class = "C_INIT_CreateWithinBox" } ])" );
+	// The editor accepts every declared class, so the preview must not refuse one; a bare
+	// base class is declared but has nothing to do.
+	ParticleDefinitionPtr_t pDef = CompileBody( R"(m_Initializers = [ { _class = "CParticleFunctionInitializer" }, { _class = "C_INIT_CreateWithinBox" } ])" );
 	ASSERT_TRUE( pDef );
 	ASSERT_EQ( pDef->GetFunctions( PARTICLE_FUNCTION_INITIALIZER ).size(), 2u );
 	EXPECT_FALSE( pDef->GetFunctions( PARTICLE_FUNCTION_INITIALIZER )[ 0 ]->m_bHasBehaviour );
