@@ -12,6 +12,7 @@ class CSessionVersionControl
 {
 public:
 	explicit CSessionVersionControl( CBaseEditorApp *pApp = nullptr ) : m_pApp( pApp ) {}
+	CBaseEditorApp *GetApp() const { return m_pApp; }
 
 	// The service exists, is connected, the "Perforce Integration" setting is on and the
 	// application supports version control.

@@ -3,6 +3,7 @@
 // frees sessions of the tool's class and hands out the window.
 
 #include "tools/toolutils2/baseeditorapp/baseeditorapp.h"
+#include "tools/toolutils2/baseeditorapp/baseeditorsession.h"
 
 class CBaseEditorSharedWindowApp : public CBaseEditorApp
 {
