@@ -55,7 +55,8 @@ void CZolFunctionNode::GetSetterDisplayStrings( CBufferString *pName, CBufferStr
 
 	CBufferString inputText;
 	CUtlString error;
-	if ( !GetParticleInputDisplayString( m_KV3.FindMember( "m_InputValue" ), pDomain, &inputText, &error ) )
+	if ( !GetParticleInputDisplayString( m_KV3.GetMemberString( "_class" ), "m_InputValue", m_KV3.FindMember( "m_InputValue" ), pDomain, &inputText,
+										 &error ) )
 		Log_Warning( LOG_ZOL, "LoadKV3ObjectInPlace error: %s\n", error.Get() );
 	pValue->Format( "= %s", inputText.Get() );
 }

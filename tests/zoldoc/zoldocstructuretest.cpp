@@ -346,7 +346,7 @@ TEST_F( ZolDocFixture, SetterFunctionsShowTheAttributeTheySet )
 	CBufferString name, value, hint;
 	pSetter->GetDisplayStrings( &name, &value, &hint );
 	EXPECT_STREQ( name.Get(), "Sprite Alpha" );
-	EXPECT_STREQ( value.Get(), "= PF_TYPE_RANDOM_UNIFORM" );
+	EXPECT_STREQ( value.Get(), "= Random 0 - 1" );
 	EXPECT_STREQ( hint.Get(), "Edit node" );
 
 	pOther->GetDisplayStrings( &name, &value, &hint );
