@@ -38,11 +38,12 @@ public:
 	// The resource of the asset's name; never null for an asset of an asset system.
 	virtual CResourceBinding *GetResource() const = 0;
 
-	// Assets that refer to this one / that this one refers to, without duplicates. With
-	// bRecursive the whole chain up / down (cycles end the walk). Appends; answers the
-	// count added.
-	virtual int GetParents( CUtlVector<IAsset *> *pParents, bool bRecursive = false ) = 0;
-	virtual int GetChildren( CUtlVector<IAsset *> *pChildren, bool bRecursive = false ) = 0;
+	// Assets that refer to this one / that this one refers to, without duplicates, in
+	// the order found. With bRecursive the whole chain up / down (cycles end the walk).
+	// With a type, only assets of that type are listed and walked through. Appends;
+	// answers the count added.
+	virtual int GetParents( CUtlVector<IAsset *> *pParents, bool bRecursive = false, ResourceType_t nType = RESOURCE_TYPE_NONE ) = 0;
+	virtual int GetChildren( CUtlVector<IAsset *> *pChildren, bool bRecursive = false, ResourceType_t nType = RESOURCE_TYPE_NONE ) = 0;
 
 	// Change stamps: the file's modification stamp (0 without a file) and a counter of
 	// successful compiles, which moves with every compile from memory.
