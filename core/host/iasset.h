@@ -5,6 +5,9 @@
 //
 // Paths: GetPath is the content path with backslashes ("particles\samples\fire.tfxs"),
 // GetResourceName the same with forward slashes, as files refer to it.
+//
+// Reference counts are safe from any thread; everything else runs on the tool's main
+// thread, as compiles and the listeners they call do.
 
 #include <cstdint>
 
