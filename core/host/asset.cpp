@@ -110,6 +110,7 @@ bool CAsset::Compile( const CUtlBuffer &source, bool bFromMemory, CUtlString *pE
 
 	m_nCompileStamp.fetch_add( 1, std::memory_order_acq_rel );
 	m_pSystem->GetResourceSystem()->ReplaceResourceData( m_pResource, std::shared_ptr<const CResourceData>( std::move( pData ) ) );
+	m_pSystem->NotifyAssetChanged( ASSET_CHANGE_COMPILED, this );
 	return true;
 }
 
@@ -158,24 +159,24 @@ const CUtlVector<CUtlString> &CAsset::GetReferenceNames()
 	return m_ReferenceNames;
 }
 
-void CAsset::DirectChildren( CUtlVector<IAsset *> *pChildren )
+void CAsset::DirectChildren( CUtlVector<IAsset *> *pChildren, ResourceType_t nType )
 {
 	CUtlVector<CUtlString> names = GetReferenceNames();
 	for ( const CUtlString &name : names )
 	{
 		IAsset *pChild = m_pSystem->FindAssetByResourceName( name.Get() );
-		if ( pChild && !pChildren->HasElement( pChild ) )
+		if ( pChild && ( nType == RESOURCE_TYPE_NONE || pChild->GetType() == nType ) && !pChildren->HasElement( pChild ) )
 			pChildren->AddToTail( pChild );
 	}
 }
 
-int CAsset::GetChildren( CUtlVector<IAsset *> *pChildren, bool bRecursive )
+int CAsset::GetChildren( CUtlVector<IAsset *> *pChildren, bool bRecursive, ResourceType_t nType )
 {
 	if ( !m_pSystem || !pChildren )
 		return 0;
 	int nBefore = pChildren->Count();
 	CUtlVector<IAsset *> pending;
-	DirectChildren( &pending );
+	DirectChildren( &pending, nType );
 	std::unordered_set<IAsset *> seen{ this };
 	for ( IAsset *pListed : *pChildren )
 		seen.insert( pListed );
@@ -187,18 +188,18 @@ int CAsset::GetChildren( CUtlVector<IAsset *> *pChildren, bool bRecursive )
 			continue;
 		pChildren->AddToTail( pChild );
 		if ( bRecursive )
-			static_cast<CAsset *>( pChild )->DirectChildren( &pending );
+			static_cast<CAsset *>( pChild )->DirectChildren( &pending, nType );
 	}
 	return pChildren->Count() - nBefore;
 }
 
-int CAsset::GetParents( CUtlVector<IAsset *> *pParents, bool bRecursive )
+int CAsset::GetParents( CUtlVector<IAsset *> *pParents, bool bRecursive, ResourceType_t nType )
 {
 	if ( !m_pSystem || !pParents )
 		return 0;
 	// Each asset's references are read (or checked against the file) once per query.
 	CUtlVector<IAsset *> all;
-	m_pSystem->GetAssets( &all );
+	m_pSystem->GetAssets( &all, nType );
 	std::vector<std::pair<IAsset *, std::vector<std::string>>> references;
 	references.reserve( size_t( all.Count() ) );
 	for ( IAsset *pCandidate : all )

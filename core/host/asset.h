@@ -33,8 +33,8 @@ public:
 
 	CResourceBinding *GetResource() const override { return m_pResource; }
 
-	int GetParents( CUtlVector<IAsset *> *pParents, bool bRecursive = false ) override;
-	int GetChildren( CUtlVector<IAsset *> *pChildren, bool bRecursive = false ) override;
+	int GetParents( CUtlVector<IAsset *> *pParents, bool bRecursive = false, ResourceType_t nType = RESOURCE_TYPE_NONE ) override;
+	int GetChildren( CUtlVector<IAsset *> *pChildren, bool bRecursive = false, ResourceType_t nType = RESOURCE_TYPE_NONE ) override;
 
 	int64_t GetFileStamp() const override;
 	uint32_t GetCompileStamp() const override { return m_nCompileStamp.load( std::memory_order_acquire ); }
@@ -54,7 +54,7 @@ public:
 
 private:
 	bool Compile( const CUtlBuffer &source, bool bFromMemory, CUtlString *pError );
-	void DirectChildren( CUtlVector<IAsset *> *pChildren );
+	void DirectChildren( CUtlVector<IAsset *> *pChildren, ResourceType_t nType );
 
 	CAssetSystem *m_pSystem;
 	CUtlString m_strPath;

@@ -44,8 +44,10 @@ const AssetTypeInfo_t *CAssetSystem::FindAssetType( ResourceType_t nType ) const
 	return nullptr;
 }
 
-CAsset *CAssetSystem::FindOrAdd( const char *pContentPath, bool bCreate )
+CAsset *CAssetSystem::FindOrAdd( const char *pContentPath, bool bCreate, bool *pAdded )
 {
+	if ( pAdded )
+		*pAdded = false;
 	CUtlString key = ResourceNameKey( pContentPath );
 	if ( key.IsEmpty() )
 		return nullptr;
@@ -63,6 +65,8 @@ CAsset *CAssetSystem::FindOrAdd( const char *pContentPath, bool bCreate )
 	auto pAsset = std::make_unique<CAsset>( this, pContentPath, absolutePath.Get() );
 	CAsset *pResult = pAsset.get();
 	m_Assets.emplace( key.Storage(), std::move( pAsset ) );
+	if ( pAdded )
+		*pAdded = true;
 	return pResult;
 }
 
@@ -92,9 +96,12 @@ IAsset *CAssetSystem::AddAssetForNewFile( const char *pPath )
 		Log_Warning( LOG_GENERAL, "Unable to add an asset for '%s': the file is not under a content directory\n", pPath );
 		return nullptr;
 	}
-	IAsset *pAsset = FindOrAdd( relative.Get(), true );
+	bool bAdded = false;
+	IAsset *pAsset = FindOrAdd( relative.Get(), true, &bAdded );
 	if ( !pAsset )
 		Log_Warning( LOG_GENERAL, "Unable to add an asset for '%s': no asset type has that extension\n", pPath ? pPath : "" );
+	if ( bAdded )
+		NotifyAssetChanged( ASSET_CHANGE_ADDED, pAsset );
 	return pAsset;
 }
 
@@ -121,7 +128,7 @@ int CAssetSystem::Rescan()
 {
 	if ( !m_pFileSystem )
 		return 0;
-	int nAdded = 0;
+	CUtlVector<AssetChange_t> added;
 	for ( const AssetTypeInfo_t &type : s_AssetTypes )
 	{
 		CUtlString pattern;
@@ -133,13 +140,14 @@ int CAssetSystem::Rescan()
 			CUtlString relative;
 			if ( !m_pFileSystem->FullPathToRelativePath( file.Get(), PATH_ID_CONTENT, &relative ) )
 				continue;
-			std::lock_guard lock( m_Mutex );
-			bool bKnown = m_Assets.count( ResourceNameKey( relative.Get() ).Storage() ) != 0;
-			if ( !bKnown && FindOrAdd( relative.Get(), true ) )
-				++nAdded;
+			bool bAdded = false;
+			CAsset *pAsset = FindOrAdd( relative.Get(), true, &bAdded );
+			if ( bAdded )
+				added.AddToTail( AssetChange_t{ ASSET_CHANGE_ADDED, pAsset, pAsset->GetFileStamp(), pAsset->GetCompileStamp() } );
 		}
 	}
-	return nAdded;
+	NotifyAssetsChanged( added );
+	return added.Count();
 }
 
 int CAssetSystem::ReloadChangedFiles()
@@ -147,6 +155,7 @@ int CAssetSystem::ReloadChangedFiles()
 	CUtlVector<IAsset *> assets;
 	GetAssets( &assets );
 	CUtlVector<ResourceChange_t> changes;
+	CUtlVector<AssetChange_t> assetChanges;
 	for ( IAsset *pInterface : assets )
 	{
 		CAsset *pAsset = static_cast<CAsset *>( pInterface );
@@ -169,9 +178,76 @@ int CAssetSystem::ReloadChangedFiles()
 		pAsset->GetResource()->SetData( std::shared_ptr<const CResourceData>( std::move( pData ) ) );
 		pAsset->NoteReloadedFromFile( nStamp );
 		changes.AddToTail( ResourceChange_t{ pAsset->GetType(), CUtlString( pAsset->GetResourceName() ) } );
+		assetChanges.AddToTail( AssetChange_t{ ASSET_CHANGE_FILE_CHANGED, pAsset, nStamp, pAsset->GetCompileStamp() } );
 	}
 	m_pResourceSystem->NotifyResourcesReloaded( changes );
+	NotifyAssetsChanged( assetChanges );
 	return changes.Count();
+}
+
+void CAssetSystem::AddChangeListener( IAssetChangeListener *pListener )
+{
+	std::lock_guard lock( m_ListenerMutex );
+	if ( pListener && !m_ChangeListeners.HasElement( pListener ) )
+		m_ChangeListeners.AddToTail( pListener );
+}
+
+void CAssetSystem::RemoveChangeListener( IAssetChangeListener *pListener )
+{
+	std::lock_guard lock( m_ListenerMutex );
+	int nIndex = m_ChangeListeners.Find( pListener );
+	if ( nIndex >= 0 )
+		m_ChangeListeners.Remove( nIndex );
+}
+
+void CAssetSystem::NotifyAssetChanged( AssetChangeKind_t eKind, IAsset *pAsset )
+{
+	CUtlVector<AssetChange_t> changes;
+	changes.AddToTail( AssetChange_t{ eKind, pAsset, pAsset->GetFileStamp(), pAsset->GetCompileStamp() } );
+	NotifyAssetsChanged( changes );
+}
+
+void CAssetSystem::NotifyAssetsChanged( const CUtlVector<AssetChange_t> &changes )
+{
+	if ( changes.IsEmpty() )
+		return;
+	CUtlVector<IAssetChangeListener *> listeners;
+	{
+		std::lock_guard lock( m_ListenerMutex );
+		listeners = m_ChangeListeners;
+	}
+	for ( IAssetChangeListener *pListener : listeners )
+	{
+		bool bStillListening;
+		{
+			std::lock_guard lock( m_ListenerMutex );
+			bStillListening = m_ChangeListeners.HasElement( pListener );
+		}
+		if ( bStillListening )
+			pListener->OnAssetsChanged( changes );
+	}
+}
+
+void CAssetSystem::NoteFileOpened( const char *pPath )
+{
+	IAsset *pAsset = ( pPath && V_IsAbsolutePath( pPath ) ) ? FindAssetByAbsolutePath( pPath ) : FindAssetByContentPath( pPath );
+	if ( !pAsset )
+		return;
+	std::lock_guard lock( m_Mutex );
+	int nIndex = m_RecentlyOpened.Find( pAsset );
+	if ( nIndex >= 0 )
+		m_RecentlyOpened.Remove( nIndex );
+	m_RecentlyOpened.AddToHead( pAsset );
+	constexpr int MAX_RECENTLY_OPENED = 50;
+	while ( m_RecentlyOpened.Count() > MAX_RECENTLY_OPENED )
+		m_RecentlyOpened.Remove( m_RecentlyOpened.Count() - 1 );
+}
+
+int CAssetSystem::GetRecentlyOpenedAssets( CUtlVector<IAsset *> *pAssets ) const
+{
+	std::lock_guard lock( m_Mutex );
+	pAssets->AddVectorToTail( m_RecentlyOpened );
+	return m_RecentlyOpened.Count();
 }
 
 void CAssetSystem::RegisterCompiler( ResourceType_t nType, IAssetCompiler *pCompiler )

@@ -31,21 +31,32 @@ public:
 	int Rescan() override;
 	int ReloadChangedFiles() override;
 
+	void AddChangeListener( IAssetChangeListener *pListener ) override;
+	void RemoveChangeListener( IAssetChangeListener *pListener ) override;
+	void NoteFileOpened( const char *pPath ) override;
+	int GetRecentlyOpenedAssets( CUtlVector<IAsset *> *pAssets ) const override;
+
 	void RegisterCompiler( ResourceType_t nType, IAssetCompiler *pCompiler ) override;
 	IAssetCompiler *FindCompiler( ResourceType_t nType ) const override;
 
 	IFileSystem *GetFileSystem() const { return m_pFileSystem; }
 	IResourceSystem *GetResourceSystem() const { return m_pResourceSystem; }
+	// Tells the change listeners of one asset's change.
+	void NotifyAssetChanged( AssetChangeKind_t eKind, IAsset *pAsset );
+	void NotifyAssetsChanged( const CUtlVector<AssetChange_t> &changes );
 
 private:
 	// The asset of a content-relative name, made when bCreate; null for unknown types.
-	CAsset *FindOrAdd( const char *pContentPath, bool bCreate );
+	CAsset *FindOrAdd( const char *pContentPath, bool bCreate, bool *pAdded = nullptr );
 
 	IFileSystem *m_pFileSystem;
 	IResourceSystem *m_pResourceSystem;
 	mutable std::recursive_mutex m_Mutex;
 	std::unordered_map<std::string, std::unique_ptr<CAsset>> m_Assets; // by resource name key
 	std::unordered_map<ResourceType_t, IAssetCompiler *> m_Compilers;
+	std::mutex m_ListenerMutex;
+	CUtlVector<IAssetChangeListener *> m_ChangeListeners;
+	CUtlVector<IAsset *> m_RecentlyOpened; // newest first
 	CSourceAssetCompiler m_ParticleSourceCompiler{ RESOURCE_TYPE_PARTICLE_SYSTEM };
 	CSourceAssetCompiler m_BinarySourceCompiler{ RESOURCE_TYPE_NONE };
 };

@@ -120,6 +120,44 @@ int CFileSystem::GetSearchPaths( const char *pPathID, CUtlVector<CUtlString> *pP
 	return paths.Count();
 }
 
+void CFileSystem::SetDirectoryUnmodifiable( const char *pPath, bool bUnmodifiable )
+{
+	if ( !pPath || !*pPath )
+		return;
+	CUtlString path = Host_NormalizePath( pPath );
+	std::unique_lock lock( m_Mutex );
+	for ( int i = m_UnmodifiableDirectories.Count() - 1; i >= 0; --i )
+	{
+		if ( V_PathsMatch( m_UnmodifiableDirectories[ i ].Get(), path.Get() ) )
+			m_UnmodifiableDirectories.Remove( i );
+	}
+	if ( bUnmodifiable )
+		m_UnmodifiableDirectories.AddToTail( path );
+}
+
+bool CFileSystem::IsPathUnmodifiable( const char *pPath, const char *pPathID ) const
+{
+	CUtlString fullPath;
+	if ( !MakeWritePath( pPath, pPathID, &fullPath ) )
+		return false;
+	{
+		std::shared_lock lock( m_Mutex );
+		for ( const CUtlString &directory : m_UnmodifiableDirectories )
+		{
+			if ( V_PathsMatch( fullPath.Get(), directory.Get() ) || Host_PathInside( fullPath.Get(), directory.Get() ) )
+				return true;
+		}
+	}
+	// The nearest directory that exists decides.
+	std::error_code error;
+	fs::path disk( Host_DiskPathForWrite( fullPath.Get() ).Get() );
+	fs::path directory = fs::is_directory( disk, error ) ? disk : disk.parent_path();
+	while ( !directory.empty() && !fs::exists( directory, error ) && directory != directory.parent_path() )
+		directory = directory.parent_path();
+	fs::perms permissions = fs::status( directory, error ).permissions();
+	return !error && ( permissions & fs::perms::owner_write ) == fs::perms::none;
+}
+
 bool CFileSystem::Locate( const char *pFileName, const char *pPathID, CUtlString *pDiskPath ) const
 {
 	if ( !pFileName || !*pFileName )

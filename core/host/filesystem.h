@@ -19,6 +19,7 @@ public:
 	void AddSearchPath( const char *pPath, const char *pPathID, bool bAddToHead = false ) override;
 	void RemoveSearchPaths( const char *pPathID ) override;
 	int GetSearchPaths( const char *pPathID, CUtlVector<CUtlString> *pPaths ) const override;
+	void SetDirectoryUnmodifiable( const char *pPath, bool bUnmodifiable ) override;
 
 	bool ReadFile( const char *pFileName, const char *pPathID, CUtlBuffer *pBuffer, CUtlString *pError = nullptr ) override;
 	bool WriteFile( const char *pFileName, const char *pPathID, const CUtlBuffer &buffer, CUtlString *pError = nullptr ) override;
@@ -28,6 +29,7 @@ public:
 	bool FileExists( const char *pFileName, const char *pPathID = nullptr ) const override;
 	bool IsDirectory( const char *pPath, const char *pPathID = nullptr ) const override;
 	bool IsFileWritable( const char *pFileName, const char *pPathID = nullptr ) const override;
+	bool IsPathUnmodifiable( const char *pPath, const char *pPathID = nullptr ) const override;
 	int64_t GetFileTime( const char *pFileName, const char *pPathID = nullptr ) const override;
 
 	int FindFiles( const char *pPattern, const char *pPathID, unsigned nFlags, CUtlVector<CUtlString> *pResults ) const override;
@@ -51,4 +53,5 @@ private:
 
 	mutable std::shared_mutex m_Mutex;
 	CUtlVector<SearchPath_t> m_SearchPaths;
+	CUtlVector<CUtlString> m_UnmodifiableDirectories; // in-memory form
 };

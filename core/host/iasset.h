@@ -5,6 +5,9 @@
 //
 // Paths: GetPath is the content path with backslashes ("particles\samples\fire.tfxs"),
 // GetResourceName the same with forward slashes, as files refer to it.
+//
+// Reference counts are safe from any thread; everything else runs on the tool's main
+// thread, as compiles and the listeners they call do.
 
 #include <cstdint>
 
@@ -38,11 +41,12 @@ public:
 	// The resource of the asset's name; never null for an asset of an asset system.
 	virtual CResourceBinding *GetResource() const = 0;
 
-	// Assets that refer to this one / that this one refers to, without duplicates. With
-	// bRecursive the whole chain up / down (cycles end the walk). Appends; answers the
-	// count added.
-	virtual int GetParents( CUtlVector<IAsset *> *pParents, bool bRecursive = false ) = 0;
-	virtual int GetChildren( CUtlVector<IAsset *> *pChildren, bool bRecursive = false ) = 0;
+	// Assets that refer to this one / that this one refers to, without duplicates, in
+	// the order found. With bRecursive the whole chain up / down (cycles end the walk).
+	// With a type, only assets of that type are listed and walked through. Appends;
+	// answers the count added.
+	virtual int GetParents( CUtlVector<IAsset *> *pParents, bool bRecursive = false, ResourceType_t nType = RESOURCE_TYPE_NONE ) = 0;
+	virtual int GetChildren( CUtlVector<IAsset *> *pChildren, bool bRecursive = false, ResourceType_t nType = RESOURCE_TYPE_NONE ) = 0;
 
 	// Change stamps: the file's modification stamp (0 without a file) and a counter of
 	// successful compiles, which moves with every compile from memory.

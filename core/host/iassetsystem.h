@@ -15,6 +15,32 @@ struct AssetTypeInfo_t
 	const char *m_pDescription; // "Particle System Definition"
 };
 
+enum AssetChangeKind_t
+{
+	ASSET_CHANGE_ADDED,        // a new asset was indexed or added for a new file
+	ASSET_CHANGE_COMPILED,     // its resource was compiled (from memory or from its file)
+	ASSET_CHANGE_FILE_CHANGED, // its file changed on disk and was reloaded
+};
+
+// One record of a batch of changes, with the asset's two change stamps after it.
+struct AssetChange_t
+{
+	AssetChangeKind_t m_eKind = ASSET_CHANGE_COMPILED;
+	IAsset *m_pAsset = nullptr;
+	int64_t m_nFileStamp = 0;
+	uint32_t m_nCompileStamp = 0;
+};
+
+// Told of changed assets in batches, on the thread that changed them (the main thread).
+class IAssetChangeListener
+{
+public:
+	virtual void OnAssetsChanged( const CUtlVector<AssetChange_t> &changes ) = 0;
+
+protected:
+	~IAssetChangeListener() = default;
+};
+
 class IAssetSystem
 {
 public:
@@ -40,6 +66,14 @@ public:
 	// Recompiles resident assets whose file changed on disk (and which aren't being
 	// edited in memory), telling resource listeners in one batch; answers the count.
 	virtual int ReloadChangedFiles() = 0;
+
+	virtual void AddChangeListener( IAssetChangeListener *pListener ) = 0;
+	virtual void RemoveChangeListener( IAssetChangeListener *pListener ) = 0;
+
+	// A tool opened the file: its asset (if it has one) moves to the front of the list of
+	// recently opened assets, which keeps the newest 50.
+	virtual void NoteFileOpened( const char *pPath ) = 0;
+	virtual int GetRecentlyOpenedAssets( CUtlVector<IAsset *> *pAssets ) const = 0;
 
 	// The compiler of a type (null removes it); the asset system doesn't own it.
 	virtual void RegisterCompiler( ResourceType_t nType, IAssetCompiler *pCompiler ) = 0;

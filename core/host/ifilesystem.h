@@ -41,6 +41,9 @@ public:
 	virtual void RemoveSearchPaths( const char *pPathID ) = 0;
 	// The id's directories in search order (absolute, backslashes); answers the count.
 	virtual int GetSearchPaths( const char *pPathID, CUtlVector<CUtlString> *pPaths ) const = 0;
+	// Marks a directory (usually a search path, such as a base mod's content) as one
+	// where nothing may be written.
+	virtual void SetDirectoryUnmodifiable( const char *pPath, bool bUnmodifiable ) = 0;
 
 	// Reads the whole file; the buffer is replaced. False with a reason when it can't.
 	virtual bool ReadFile( const char *pFileName, const char *pPathID, CUtlBuffer *pBuffer, CUtlString *pError = nullptr ) = 0;
@@ -57,6 +60,10 @@ public:
 	virtual bool IsDirectory( const char *pPath, const char *pPathID = nullptr ) const = 0;
 	// True when the existing file could be written now (not read only).
 	virtual bool IsFileWritable( const char *pFileName, const char *pPathID = nullptr ) const = 0;
+	// True when the file or directory lies where it can't ever be modified: inside a
+	// directory marked unmodifiable, or in an existing directory that can't be written.
+	// A relative name is taken as the id's first search path would write it.
+	virtual bool IsPathUnmodifiable( const char *pPath, const char *pPathID = nullptr ) const = 0;
 	// Nanoseconds since the epoch of the last modification, or 0 when the file doesn't
 	// exist. Fine enough to tell two writes within one second apart.
 	virtual int64_t GetFileTime( const char *pFileName, const char *pPathID = nullptr ) const = 0;

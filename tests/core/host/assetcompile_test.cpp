@@ -219,3 +219,63 @@ TEST_F( AssetCompileTest, AssetReferencesCountFromManyThreads )
 		thread.join();
 	EXPECT_EQ( m_pFire->GetRefCount(), 4 * 5000 );
 }
+
+namespace
+{
+class CAssetChangeRecorder final : public IAssetChangeListener
+{
+public:
+	void OnAssetsChanged( const CUtlVector<AssetChange_t> &changes ) override
+	{
+		m_Batches.push_back( {} );
+		for ( const AssetChange_t &change : changes )
+			m_Batches.back().push_back( change );
+	}
+	std::vector<std::vector<AssetChange_t>> m_Batches;
+};
+} // namespace
+
+TEST_F( AssetCompileTest, ChangeRecordsCarryKindAndBothStamps )
+{
+	CAssetChangeRecorder recorder;
+	m_pAssets->AddChangeListener( &recorder );
+
+	ASSERT_TRUE( m_pFire->CompileFromBuffer( TextBuffer( "one" ) ) );
+	ASSERT_EQ( recorder.m_Batches.size(), 1u );
+	const AssetChange_t &compiled = recorder.m_Batches[ 0 ][ 0 ];
+	EXPECT_EQ( compiled.m_eKind, ASSET_CHANGE_COMPILED );
+	EXPECT_EQ( compiled.m_pAsset, m_pFire );
+	EXPECT_EQ( compiled.m_nCompileStamp, m_pFire->GetCompileStamp() );
+	EXPECT_EQ( compiled.m_nFileStamp, m_pFire->GetFileStamp() );
+
+	m_Scratch.Write( "content/particles/a.tfxs", "a" );
+	m_Scratch.Write( "content/particles/b.tfxs", "b" );
+	EXPECT_EQ( m_pAssets->Rescan(), 2 );
+	ASSERT_EQ( recorder.m_Batches.size(), 2u );
+	EXPECT_EQ( recorder.m_Batches[ 1 ].size(), 2u );
+	EXPECT_EQ( recorder.m_Batches[ 1 ][ 0 ].m_eKind, ASSET_CHANGE_ADDED );
+
+	IAsset *pNew = m_pAssets->AddAssetForNewFile( "particles/c.tfxs" );
+	EXPECT_EQ( m_pAssets->AddAssetForNewFile( "particles/c.tfxs" ), pNew );
+	ASSERT_EQ( recorder.m_Batches.size(), 3u );
+	EXPECT_EQ( recorder.m_Batches[ 2 ][ 0 ].m_pAsset, pNew );
+
+	m_pAssets->RemoveChangeListener( &recorder );
+	ASSERT_TRUE( m_pFire->CompileFromBuffer( TextBuffer( "two" ) ) );
+	EXPECT_EQ( recorder.m_Batches.size(), 3u );
+}
+
+TEST_F( AssetCompileTest, RecentlyOpenedAssetsNewestFirst )
+{
+	m_Scratch.Write( "content/particles/smoke.tfxs", "smoke" );
+	m_pAssets->Rescan();
+	m_pAssets->NoteFileOpened( ( m_Scratch.Content() / "particles" / "fire.tfxs" ).string().c_str() );
+	m_pAssets->NoteFileOpened( "particles\\smoke.tfxs" );
+	m_pAssets->NoteFileOpened( "PARTICLES/FIRE.TFXS" );
+	m_pAssets->NoteFileOpened( "particles/not_an_asset.txt" );
+
+	CUtlVector<IAsset *> recent;
+	ASSERT_EQ( m_pAssets->GetRecentlyOpenedAssets( &recent ), 2 );
+	EXPECT_EQ( recent[ 0 ], m_pFire );
+	EXPECT_STREQ( recent[ 1 ]->GetResourceName(), "particles/smoke.tfxs" );
+}

@@ -228,3 +228,22 @@ TEST_F( ScratchContentTest, ModSearchPathOverridesTheBaseFile )
 	// The overridden base file still finds the asset, whose own path then differs.
 	EXPECT_EQ( m_pAssets->FindAssetByAbsolutePath( ( m_Scratch.Content() / "particles" / "a.tfxs" ).string().c_str() ), pAsset );
 }
+
+TEST_F( ScratchContentTest, WalksCanStayAmongOneType )
+{
+	m_Scratch.Write( "content/particles/a.tfxs", DefinitionText( { "models/m.tmsh", "particles/b.tfxs" } ) );
+	m_Scratch.Write( "content/particles/b.tfxs", DefinitionText( {} ) );
+	m_Scratch.Write( "content/models/m.tmsh", "mesh" );
+	Start();
+
+	IAsset *pA = m_pAssets->FindAssetByResourceName( "particles/a.tfxs" );
+	CUtlVector<IAsset *> all;
+	EXPECT_EQ( NamesOf( ( pA->GetChildren( &all ), all ) ), ( std::vector<std::string>{ "models/m.tmsh", "particles/b.tfxs" } ) );
+	CUtlVector<IAsset *> systems;
+	EXPECT_EQ( NamesOf( ( pA->GetChildren( &systems, true, RESOURCE_TYPE_PARTICLE_SYSTEM ), systems ) ), std::vector<std::string>{ "particles/b.tfxs" } );
+
+	IAsset *pMesh = m_pAssets->FindAssetByResourceName( "models/m.tmsh" );
+	CUtlVector<IAsset *> parents;
+	EXPECT_EQ( pMesh->GetParents( &parents, false, RESOURCE_TYPE_PARTICLE_SYSTEM ), 1 );
+	EXPECT_EQ( pMesh->GetParents( &parents, false, RESOURCE_TYPE_MESH ), 0 );
+}

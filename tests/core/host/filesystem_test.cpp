@@ -210,3 +210,27 @@ TEST_F( FileSystemTest, PathValidity )
 	EXPECT_FALSE( m_FileSystem.IsPathValid( std::string( 260, 'a' ).c_str() ) );
 	EXPECT_TRUE( m_FileSystem.IsPathValid( std::string( 259, 'a' ).c_str() ) );
 }
+
+TEST_F( FileSystemTest, UnmodifiableDirectoriesAndReadOnlyDirectories )
+{
+	m_Scratch.Write( "base/particles/a.tfxs", "" );
+	m_Scratch.Write( "content/particles/b.tfxs", "" );
+	std::string base = ( m_Scratch.Root() / "base" ).string();
+	m_FileSystem.AddSearchPath( base.c_str(), "CONTENT" );
+	m_FileSystem.SetDirectoryUnmodifiable( base.c_str(), true );
+
+	EXPECT_TRUE( m_FileSystem.IsPathUnmodifiable( ( m_Scratch.Root() / "base" / "particles" / "a.tfxs" ).string().c_str() ) );
+	EXPECT_TRUE( m_FileSystem.IsPathUnmodifiable( base.c_str() ) );
+	EXPECT_FALSE( m_FileSystem.IsPathUnmodifiable( "particles/b.tfxs", "CONTENT" ) );
+	// A file that doesn't exist yet is judged by the directory it would go into.
+	EXPECT_FALSE( m_FileSystem.IsPathUnmodifiable( "particles/new/deeper/c.tfxs", "CONTENT" ) );
+
+	std::filesystem::path locked = m_Scratch.Content() / "locked";
+	std::filesystem::create_directories( locked );
+	std::filesystem::permissions( locked, std::filesystem::perms::owner_read | std::filesystem::perms::owner_exec );
+	EXPECT_TRUE( m_FileSystem.IsPathUnmodifiable( "locked/c.tfxs", "CONTENT" ) );
+	std::filesystem::permissions( locked, std::filesystem::perms::owner_all );
+
+	m_FileSystem.SetDirectoryUnmodifiable( base.c_str(), false );
+	EXPECT_FALSE( m_FileSystem.IsPathUnmodifiable( base.c_str() ) );
+}

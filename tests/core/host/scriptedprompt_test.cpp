@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "core/platform/dbgassert.h"
+
 #include <string>
 #include <vector>
 
@@ -153,4 +155,28 @@ TEST( HeadlessPrompt, AnswersTheDefaultAndCancelsDialogs )
 	CUtlString chosen( "stale" );
 	EXPECT_FALSE( pPrompt->GetOpenFileName( "Open", "", "", &chosen ) );
 	EXPECT_TRUE( chosen.IsEmpty() );
+}
+
+namespace
+{
+int g_nAssertsSeen = 0;
+bool CountAssert( const char *, int, const char *, const char * )
+{
+	++g_nAssertsSeen;
+	return false;
+}
+} // namespace
+
+TEST( ScriptedPrompt, WithoutAHandlerAnUnexpectedQuestionIsAFailedAssertion )
+{
+	CScriptedPrompt prompt;
+	CScopedPrompt scope( &prompt );
+	g_nAssertsSeen = 0;
+	AssertHandlerFn_t fnPrevious = SetAssertHandler( CountAssert );
+	PromptButton_t eAnswer = GetPrompt()->Ask( PROMPT_ICON_WARNING, "Warning!", "Discard?", PROMPT_BUTTON_YES | PROMPT_BUTTON_NO, PROMPT_BUTTON_YES );
+	SetAssertHandler( fnPrevious );
+
+	EXPECT_EQ( eAnswer, PROMPT_BUTTON_NO );
+	EXPECT_EQ( g_nAssertsSeen, 1 );
+	EXPECT_EQ( prompt.GetFailures().Count(), 1 );
 }
