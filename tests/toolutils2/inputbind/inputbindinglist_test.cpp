@@ -177,3 +177,25 @@ TEST_F( InputBindFileTest, UnreadableTextWarnsTheUserWithTheReadMessage )
 	ASSERT_EQ( m_Prompt.GetRecords().Count(), 1 );
 	EXPECT_STREQ( m_Prompt.GetRecords()[ 0 ].m_strText.Get(), "ERROR: Failed to read key bindings from:\ntools/keybindings/broken.txt\n" );
 }
+
+TEST( InputBindingList, ShippedBindingFilesLoadWithEveryBindingKept )
+{
+	const char *pNames[] = { "global_key_bindings.txt", "shared_tool_key_bindings.txt", "zol_key_bindings.txt" };
+	CInputBindingList list;
+	CCountingListener duplicates( "multiple times" );
+	size_t nEntries = 0;
+	for ( const char *pName : pNames )
+	{
+		fs::path path = fs::path( ZOL_SOURCE_DIR ) / "content/game/tools/keybindings" / pName;
+		std::ifstream file( path );
+		std::string text( ( std::istreambuf_iterator<char>( file ) ), std::istreambuf_iterator<char>() );
+		ASSERT_FALSE( text.empty() ) << path;
+		CUtlString strError;
+		ASSERT_EQ( LoadText( list, text, &strError ), BINDING_LOAD_OK ) << pName << ": " << strError.Get();
+		for ( size_t nPos = text.find( "m_Command" ); nPos != std::string::npos; nPos = text.find( "m_Command", nPos + 1 ) )
+			++nEntries;
+	}
+	// An unknown key name would drop its binding without a word: none may be lost.
+	EXPECT_EQ( list.GetBindings().size(), nEntries );
+	EXPECT_EQ( duplicates.m_nCount, 0 );
+}
