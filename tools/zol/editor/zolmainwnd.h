@@ -19,6 +19,8 @@ public:
 	explicit CQZolMainWnd( QWidget *pParent = nullptr );
 
 	void RunFrame();
+	// Frames run so far; the panels that follow time read it.
+	int GetFrameCount() const { return m_nFrameCount; }
 	void SessionActivated( CZolSession *pOld, CZolSession *pNew );
 	// The session is going away: drop every pointer to it.
 	void ForgetSession( CZolSession *pSession );
@@ -67,4 +69,5 @@ private:
 	QAction *m_EditActions[ EDIT_ACTION_COUNT ] = {};
 	CQUndoHistoryWidget *m_pUndoHistoryWidget = nullptr;
 	QLabel *m_pPreviewPlaceholder = nullptr;
+	int m_nFrameCount = 0;
 };
