@@ -167,6 +167,9 @@ bool CZolSession::BindAsset( CUtlString *pError )
 	if ( EditorFiles::Exists( strFile ) )
 	{
 		pAsset = pAssetSystem->FindAssetByContentPath( strRelative );
+		// A file written since the content was indexed (a save under a new name).
+		if ( !pAsset && pAssetSystem->Rescan() > 0 )
+			pAsset = pAssetSystem->FindAssetByContentPath( strRelative );
 		if ( !pAsset )
 		{
 			if ( pError && pError->IsEmpty() )
@@ -410,12 +413,17 @@ void CZolSession::FilterDrivers( KeyValues3 *pRoot ) const
 				Log_Once( LOG_ZOL, LS_WARNING, "Class data is a '%s', not a table\n", pDriver->GetTypeAsString() );
 				continue;
 			}
-			ParticleParamID_t key;
-			const KeyValues3 *pPoint = pDriver->FindMember( "m_iControlPoint" );
-			if ( pPoint && pPoint->IsString() )
-				key = ParticleParamID_t::Named( pPoint->GetString() );
-			else if ( pPoint && pPoint->IsNumber() )
-				key = ParticleParamID_t::ControlPoint( int( pPoint->GetInt() ) );
+			// A saved tree leaves out values at their default: no number is point 0.
+			ParticleParamID_t key = ParticleParamID_t::ControlPoint( 0 );
+			if ( const KeyValues3 *pPoint = pDriver->FindMember( "m_iControlPoint" ) )
+			{
+				if ( pPoint->IsString() )
+					key = ParticleParamID_t::Named( pPoint->GetString() );
+				else if ( pPoint->IsNumber() )
+					key = ParticleParamID_t::ControlPoint( int( pPoint->GetInt() ) );
+				else
+					key = ParticleParamID_t();
+			}
 			if ( !IsKnownControlPoint( key ) )
 				pDrivers->ArrayRemoveElement( nDriver );
 		}
