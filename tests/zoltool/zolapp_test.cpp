@@ -579,3 +579,89 @@ TEST_F( ZolAppTest, SaveAsBindsTheNewFileAndAnAutosaveLeavesTheBindingAlone )
 	EXPECT_STREQ( pFire->GetAsset()->GetPath(), "particles\\samples\\fire_copy.tfxs" );
 	EXPECT_TRUE( fs::exists( m_Root / "content/particles/samples/fire_copy.tfxs" ) );
 }
+
+TEST_F( ZolAppTest, AutosaveOpensAsItsSourceAndSavingAnAutosaveChangesNothing )
+{
+	Start();
+	CUtlString strRoot;
+	m_pApp->GetAutosaveRoot( &strRoot );
+	CUtlString strAutosave;
+	strAutosave.Format( "%sparticles\\samples\\fire004.tfxs_autosave", strRoot.Get() );
+	CUtlString strDiskAutosave( strAutosave );
+	strDiskAutosave.FixSlashes( '/' );
+	WriteText( strDiskAutosave.Get(), ReadText( m_Root / "content/particles/samples/fire.tfxs" ) );
+
+	CZolSession *pSession = static_cast<CZolSession *>( m_pApp->OpenFile( strAutosave, true ) );
+	ASSERT_NE( pSession, nullptr );
+	CUtlString strSource = MemoryPath( m_Root / "content/particles/samples/fire.tfxs" );
+	EXPECT_STREQ( pSession->GetFileName(), strSource ) << "a later save replaces the source";
+	ASSERT_NE( pSession->GetAsset(), nullptr );
+	EXPECT_STREQ( pSession->GetAsset()->GetPath(), "particles\\samples\\fire.tfxs" );
+
+	// An autosave of the edited session leaves name, asset and modified mark alone.
+	pSession->GetDoc()->BeginEdit( "Edit", true );
+	ASSERT_TRUE( pSession->IsModified() );
+	IAsset *pAsset = pSession->GetAsset();
+	CUtlString strNext;
+	strNext.Format( "%sparticles\\samples\\fire005.tfxs_autosave", strRoot.Get() );
+	ASSERT_TRUE( pSession->SaveToFile( strSource, strNext, true ) );
+	EXPECT_STREQ( pSession->GetFileName(), strSource );
+	EXPECT_EQ( pSession->GetAsset(), pAsset );
+	EXPECT_TRUE( pSession->IsModified() );
+	CUtlString strDiskNext( strNext );
+	strDiskNext.FixSlashes( '/' );
+	EXPECT_TRUE( fs::exists( strDiskNext.Get() ) );
+}
+
+TEST_F( ZolAppTest, ScreenSpaceOverlayIsAllowedOnlyByTheGameInformation )
+{
+	Start();
+	EXPECT_FALSE( m_pApp->IsScreenSpaceOverlayAllowed() );
+	m_pApp->ShutdownTool();
+	m_pApp->Disconnect();
+	m_bStarted = false;
+
+	std::string gameInfo = ReadText( m_Root / "game/gameinfo.gi" );
+	size_t nLast = gameInfo.rfind( '}' );
+	ASSERT_NE( nLast, std::string::npos );
+	gameInfo.insert( nLast, "\tParticles\n\t{\n\t\tZOL_AllowScreenSpaceOverlay 1\n\t}\n" );
+	WriteText( m_Root / "game/gameinfo.gi", gameInfo );
+	CUtlString strError;
+	ASSERT_TRUE( m_Services.Init( ( m_Root / "game" ).c_str(), ( m_Root / "content" ).c_str(), &strError ) ) << strError.Get();
+	m_Services.SetParticleSystemMgr( HostParticleSystemMgr() );
+	Start();
+	EXPECT_TRUE( m_pApp->IsScreenSpaceOverlayAllowed() );
+}
+
+TEST_F( ZolAppTest, AttributeChoicesNeedAContextOfKV3DataWithAClass )
+{
+	Start();
+	CZolSession *pFire = Open( "particles/samples/fire.tfxs" );
+	ASSERT_NE( pFire, nullptr );
+	const ToolAttrChoiceProviderFn_t &fnProvider = ToolAttrHost()->FindChoiceProvider( "particlefield" );
+	ASSERT_TRUE( fnProvider );
+	HToolAttrTableInstance handle = pFire->GetDoc()->GetRoot()->GetTableInstance();
+	CUtlVector<ToolAttrGenericChoice_t> nodeChoices;
+	fnProvider( handle, nullptr, &nodeChoices );
+	ASSERT_GT( nodeChoices.Count(), 0 );
+
+	handle.m_nTypeTag = 0x505a0621u;
+	CUtlVector<ToolAttrGenericChoice_t> dataChoices;
+	fnProvider( handle, nullptr, &dataChoices );
+	EXPECT_EQ( dataChoices.Count(), nodeChoices.Count() );
+
+	handle.m_nTypeTag = ToolAttrTypeTag( "CSomethingElse" );
+	CUtlVector<ToolAttrGenericChoice_t> otherChoices;
+	fnProvider( handle, nullptr, &otherChoices );
+	EXPECT_EQ( otherChoices.Count(), 0 );
+}
+
+TEST( ZolModuleExports, MetadataIsBuiltOnceAndNamesTheModule )
+{
+	const char *pError = nullptr;
+	KeyValues3 *pFirst = ExtractModuleMetadata( &pError );
+	ASSERT_NE( pFirst, nullptr );
+	EXPECT_STREQ( pFirst->GetMemberString( "module" ), "zol" );
+	EXPECT_EQ( ExtractModuleMetadata( &pError ), pFirst );
+	EXPECT_EQ( pError, nullptr );
+}
