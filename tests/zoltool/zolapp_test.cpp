@@ -24,6 +24,7 @@
 #include "core/platform/platformmode.h"
 #include "particleslib/particleinputclasses.h"
 #include "tools/toolutils2/toolattr/toolattrhost.h"
+#include "tools/toolutils2/undo/undohistory.h"
 #include "tools/zol/editor/zolapp.h"
 #include "tools/zol/editor/zolattributeeditorfactories.h"
 #include "tools/zol/editor/zolmainwnd.h"
@@ -664,4 +665,83 @@ TEST( ZolModuleExports, MetadataIsBuiltOnceAndNamesTheModule )
 	EXPECT_STREQ( pFirst->GetMemberString( "module" ), "zol" );
 	EXPECT_EQ( ExtractModuleMetadata( &pError ), pFirst );
 	EXPECT_EQ( pError, nullptr );
+}
+
+TEST_F( ZolAppTest, NewConfigurationDrivesEveryPointTheDefinitionLeavesFree )
+{
+	Start();
+	CZolSession *pFire = Open( "particles/samples/fire.tfxs" );
+	ASSERT_NE( pFire, nullptr );
+	const CParticleDefinitionUsage &usage = pFire->GetDefinitionUsage();
+	ASSERT_GT( usage.Count(), 0 );
+	CUtlVector<ParticleParamID_t> keys;
+	usage.GetKeys( &keys );
+	std::vector<int> expected;
+	for ( const ParticleParamID_t &key : keys )
+	{
+		if ( !key.IsNamed() && !usage.IsDriven( key ) )
+			expected.push_back( key.m_nNumber );
+	}
+	std::sort( expected.begin(), expected.end() );
+
+	CUndoHistory *pHistory = pFire->GetDoc()->GetUndoHistory();
+	int nSteps = pHistory->GetStepCount();
+	const char *pExisting = pFire->GetDoc()->GetRoot()->GetConfiguration( 0 )->GetName();
+	CUtlString strOtherCase( pExisting );
+	for ( char &c : strOtherCase.Storage() )
+		c = char( toupper( (unsigned char)c ) );
+	EXPECT_EQ( pFire->AddConfiguration( strOtherCase ), nullptr );
+	EXPECT_EQ( pHistory->GetStepCount(), nSteps );
+
+	ZolControlPointConfiguration_t *pConfig = pFire->AddConfiguration( "close up" );
+	ASSERT_NE( pConfig, nullptr );
+	EXPECT_EQ( pHistory->GetStepCount(), nSteps + 1 );
+	EXPECT_STREQ( pFire->GetCurrentConfigName(), "close up" );
+	const KeyValues3 *pDrivers = pConfig->m_KV3.FindMember( "m_drivers" );
+	ASSERT_NE( pDrivers, nullptr );
+	std::vector<int> driven;
+	for ( int i = 0; i < pDrivers->GetArrayElementCount(); ++i )
+	{
+		const KeyValues3 *pDriver = pDrivers->GetArrayElement( i );
+		int nPoint = pDriver->GetMemberInt( "m_iControlPoint", 0 );
+		driven.push_back( nPoint );
+		Vector vecOffset;
+		if ( usage.GetDefaultOffset( ParticleParamID_t::ControlPoint( nPoint ), &vecOffset ) )
+		{
+			EXPECT_STREQ( pDriver->GetMemberString( "m_entityName" ), "self" );
+			EXPECT_STREQ( pDriver->GetMemberString( "m_iAttachType" ), "PATTACH_WORLDORIGIN" );
+			ASSERT_NE( pDriver->FindMember( "m_vecOffset" ), nullptr );
+			EXPECT_FLOAT_EQ( float( pDriver->FindMember( "m_vecOffset" )->GetArrayElement( 2 )->GetDouble() ), vecOffset.z );
+		}
+	}
+	EXPECT_EQ( driven, expected );
+}
+
+TEST_F( ZolAppTest, FileOutsideTheContentTreeEditsAndSavesWithoutAnAssetKeepingItsDrivers )
+{
+	Start();
+	fs::create_directories( m_Root / "elsewhere" );
+	std::string campfire = ReadText( m_Root / "content/particles/samples/campfire.tfxs" );
+	WriteText( m_Root / "elsewhere/loose.tfxs", campfire );
+	CZolSession *pSession = static_cast<CZolSession *>( m_pApp->OpenFile( MemoryPath( m_Root / "elsewhere/loose.tfxs" ), true ) );
+	ASSERT_NE( pSession, nullptr );
+	EXPECT_EQ( pSession->GetAsset(), nullptr );
+	EXPECT_EQ( m_Prompt.FindRecord( "File opened with errors" ), nullptr ) << "outside the content tree is not an error";
+	EXPECT_TRUE( pSession->GetKnownControlPoints().empty() );
+
+	CZolDoc *pDoc = pSession->GetDoc();
+	KeyValues3 before;
+	ASSERT_TRUE( pDoc->BuildSaveTree( &before ) );
+	pDoc->BeginEdit( "Max particles", true );
+	pDoc->GetRoot()->GetKV3ForModify()->SetMemberInt( "m_nMaxParticles", 77 );
+	m_pApp->Frame();
+	ASSERT_TRUE( m_pApp->SaveSession( pSession ) );
+	std::string saved = ReadText( m_Root / "elsewhere/loose.tfxs" );
+	KeyValues3 file;
+	CUtlString strError;
+	ASSERT_TRUE( LoadKV3FromText( &file, &strError, saved.c_str(), saved.size(), KV3_FORMAT_TFXS ) ) << strError.Get();
+	EXPECT_EQ( file.GetMemberInt( "m_nMaxParticles" ), 77 );
+	// Nothing compiled tells which points are used, so no driver is dropped.
+	EXPECT_EQ( DriverPoints( file ), DriverPoints( before ) );
+	EXPECT_FALSE( DriverPoints( file ).empty() );
 }

@@ -128,7 +128,11 @@ int CZolSession::Open( const char *pPath, CUtlString *pError )
 {
 	if ( !LoadSession( pPath, pError ) )
 		return EDITOR_OPEN_FAILED;
-	return PostOpen() ? EDITOR_OPEN_LOADED : EDITOR_OPEN_FAILED;
+	if ( !PostOpen() )
+		return EDITOR_OPEN_FAILED;
+	// A file that couldn't be bound to its asset opens for editing, and the framework
+	// shows why it won't preview.
+	return pError && !pError->IsEmpty() ? EDITOR_OPEN_LOADED_WITH_ERRORS : EDITOR_OPEN_LOADED;
 }
 
 bool CZolSession::LoadSession( const char *pPath, CUtlString *pError )
