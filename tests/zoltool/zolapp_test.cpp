@@ -200,21 +200,6 @@ TEST_F( ZolAppTest, StartRegistersHelpForEachFunctionClassAndTheGraphEditorScope
 	EXPECT_TRUE( ToolAttrHost()->FindChoiceProvider( "sound_channel" ) );
 }
 
-TEST( ZolAttributeEditorFactories, TableNamesEveryEditorWithItsRowHeight )
-{
-	int nCount = 0;
-	const ZolAttributeEditorFactoryEntry_t *pTable = GetZolAttributeEditorFactories( &nCount );
-	ASSERT_EQ( nCount, 13 );
-	std::vector<std::string> fixed;
-	for ( int i = 0; i < nCount; ++i )
-	{
-		if ( pTable[ i ].m_bFixedHeight )
-			fixed.push_back( pTable[ i ].m_pName );
-	}
-	EXPECT_EQ( fixed, ( std::vector<std::string>{ "SequencePicker", "SoundPicker", "ParticleVariableRef" } ) );
-	EXPECT_STREQ( pTable[ 2 ].m_pName, "PerParticleFloatInput" );
-}
-
 TEST( ZolAttributeEditorFactoriesDeathTest, RegisteringWithoutAPropertyEditorSystemStopsTheProcess )
 {
 	GTEST_FLAG_SET( death_test_style, "threadsafe" );
@@ -341,13 +326,8 @@ TEST_F( ZolAppTest, FrameTakesAChangedUsageOnceAndRebuildsTheKnownPoints )
 	pFire->GetEventDispatcher()->RemoveListenersOf( &counter );
 }
 
-TEST_F( ZolAppTest, EditModeFollowsTheUsageKind )
+TEST_F( ZolAppTest, KnownPointsGetAnEditModeThatFitsTheirUsage )
 {
-	EXPECT_TRUE( DoesControlPointEditModeFit( 4, 2 ) );
-	EXPECT_FALSE( DoesControlPointEditModeFit( 3, 1 ) );
-	EXPECT_EQ( GetControlPointEditModeForUsage( 3 ), 2 );
-	EXPECT_EQ( GetControlPointEditModeForUsage( 6 ), 3 );
-	EXPECT_EQ( GetControlPointEditModeForUsage( 9 ), 0 );
 	Start();
 	CZolSession *pFire = Open( "particles/samples/fire.tfxs" );
 	ASSERT_NE( pFire, nullptr );
