@@ -5,6 +5,7 @@
 #include "core/text/strtools.h"
 #include "tools/toolutils2/fgd/gamedataclass.h"
 #include "tools/toolutils2/toolattr/itoolattrnotifyroot.h"
+#include "tools/toolutils2/toolattr/toolattrhandle.h"
 #include "tools/toolutils2/toolattr/toolattrhost.h"
 #include "zoldoc_lib/particlegamedata.h"
 #include "zoldoc_lib/zoldoc.h"
@@ -47,10 +48,18 @@ void AddAttributes( CUtlVector<ToolAttrGenericChoice_t> *pChoices, const CZolDoc
 	}
 }
 
+// The edited table must be KV3 data with a class: a table of the class description
+// (tagged as such) or a document node (tagged with its own class). Any other context
+// counts as absent.
 const CZolDoc *FindDocument( HToolAttrTableInstance handle )
 {
+	static const uint32_t s_nKV3DataTag = ToolAttrTypeTag( "CBaseKV3DataWithFGDClass" );
 	const CBaseZolNode *pNode = dynamic_cast<const CBaseZolNode *>( handle.m_pNotifyRoot );
-	return pNode ? pNode->GetDoc() : nullptr;
+	if ( !pNode )
+		return nullptr;
+	if ( handle.m_nTypeTag != s_nKV3DataTag && handle.m_nTypeTag != ToolAttrTypeTag( pNode->GetClassName() ) )
+		return nullptr;
+	return pNode->GetDoc();
 }
 
 constexpr const char *s_ChoiceNames[] = { "particlefield", "particlefield_scalar", "particlefield_vector", "particlefield_rotation",

@@ -8,6 +8,9 @@
 #include "core/host/interfaceregistry.h"
 #include "core/host/propertyeditorsystem.h"
 #include "core/host/resourcesystem.h"
+#include "core/host/scenesystem.h"
+#include "core/host/toolscenenodefactory.h"
+#include "core/particles/iparticlesystemmgr.h"
 
 CHostServices::CHostServices() = default;
 
@@ -26,6 +29,8 @@ bool CHostServices::Init( const char *pGameRoot, const char *pContentRoot, CUtlS
 	m_pHelpSystem = std::make_unique<CHelpSystem>();
 	m_pPropertyEditorSystem = std::make_unique<CPropertyEditorSystem>();
 	m_pGameInfo = std::make_unique<CGameInfo>();
+	m_pSceneSystem = std::make_unique<CSceneSystem>();
+	m_pToolSceneNodeFactory = std::make_unique<CToolSceneNodeFactory>();
 
 	for ( const char *pRoot : { pGameRoot, pContentRoot } )
 	{
@@ -57,11 +62,14 @@ void CHostServices::Install()
 	m_Registrations[ 3 ] = std::make_unique<CHostInterfaceReg>( HELPSYSTEM_INTERFACE_VERSION, static_cast<IHelpSystem *>( m_pHelpSystem.get() ) );
 	m_Registrations[ 4 ] = std::make_unique<CHostInterfaceReg>( PROPERTYEDITORSYSTEM_INTERFACE_VERSION, static_cast<IPropertyEditorSystem *>( m_pPropertyEditorSystem.get() ) );
 	m_Registrations[ 5 ] = std::make_unique<CHostInterfaceReg>( GAMEINFO_INTERFACE_VERSION, static_cast<void *>( m_pGameInfo.get() ) );
+	m_Registrations[ 6 ] = std::make_unique<CHostInterfaceReg>( SCENESYSTEM_INTERFACE_VERSION, static_cast<ISceneSystem *>( m_pSceneSystem.get() ) );
+	m_Registrations[ 7 ] = std::make_unique<CHostInterfaceReg>( TOOLSCENENODEFACTORY_INTERFACE_VERSION, static_cast<IToolSceneNodeFactory *>( m_pToolSceneNodeFactory.get() ) );
 	m_bInstalled = true;
 }
 
 void CHostServices::Uninstall()
 {
+	SetParticleSystemMgr( nullptr );
 	if ( !m_bInstalled )
 		return;
 	for ( std::unique_ptr<CHostInterfaceReg> &pRegistration : m_Registrations )
@@ -80,4 +88,16 @@ void CHostServices::Uninstall()
 	if ( ::GetGameInfo() == m_pGameInfo.get() )
 		::SetGameInfo( nullptr );
 	m_bInstalled = false;
+}
+
+void CHostServices::SetParticleSystemMgr( IParticleSystemMgr *pMgr )
+{
+	m_pParticleSystemMgrRegistration.reset();
+	if ( m_pParticleSystemMgr && ::GetParticleSystemMgr() == m_pParticleSystemMgr )
+		::SetParticleSystemMgr( nullptr );
+	m_pParticleSystemMgr = pMgr;
+	if ( !pMgr )
+		return;
+	::SetParticleSystemMgr( pMgr );
+	m_pParticleSystemMgrRegistration = std::make_unique<CHostInterfaceReg>( PARTICLESYSTEMMGR_INTERFACE_VERSION, static_cast<void *>( pMgr ) );
 }

@@ -19,6 +19,9 @@ class CHelpSystem;
 class CHostInterfaceReg;
 class CPropertyEditorSystem;
 class CResourceSystem;
+class CSceneSystem;
+class CToolSceneNodeFactory;
+class IParticleSystemMgr;
 
 class CHostServices
 {
@@ -39,6 +42,12 @@ public:
 	CHelpSystem *GetHelpSystem() const { return m_pHelpSystem.get(); }
 	CPropertyEditorSystem *GetPropertyEditorSystem() const { return m_pPropertyEditorSystem.get(); }
 	CGameInfo *GetGameInfo() const { return m_pGameInfo.get(); }
+	CSceneSystem *GetSceneSystem() const { return m_pSceneSystem.get(); }
+	CToolSceneNodeFactory *GetToolSceneNodeFactory() const { return m_pToolSceneNodeFactory.get(); }
+
+	// The particle manager that the host made; it becomes the current one and answers
+	// "ParticleSystemMgr003" until these services go (or another one is given).
+	void SetParticleSystemMgr( IParticleSystemMgr *pMgr );
 
 private:
 	void Install();
@@ -50,6 +59,10 @@ private:
 	std::unique_ptr<CHelpSystem> m_pHelpSystem;
 	std::unique_ptr<CPropertyEditorSystem> m_pPropertyEditorSystem;
 	std::unique_ptr<CGameInfo> m_pGameInfo;
-	std::unique_ptr<CHostInterfaceReg> m_Registrations[ 6 ];
+	std::unique_ptr<CSceneSystem> m_pSceneSystem;
+	std::unique_ptr<CToolSceneNodeFactory> m_pToolSceneNodeFactory;
+	std::unique_ptr<CHostInterfaceReg> m_Registrations[ 8 ];
+	IParticleSystemMgr *m_pParticleSystemMgr = nullptr;
+	std::unique_ptr<CHostInterfaceReg> m_pParticleSystemMgrRegistration;
 	bool m_bInstalled = false;
 };

@@ -9,6 +9,9 @@
 
 class KeyValues3;
 
+// The name under which the host answers for its particle manager.
+constexpr const char *PARTICLESYSTEMMGR_INTERFACE_VERSION = "ParticleSystemMgr003";
+
 class IParticleSystemMgr
 {
 public:

@@ -382,3 +382,32 @@ TEST_F( BaseEditorAppTest, DamagedSettingsFileStartsTheToolWithDefaults )
 	EXPECT_TRUE( stored.IsTable() );
 	GetToolSettingsStore().SetDirectory( "" );
 }
+
+TEST_F( BaseEditorAppTest, VersionControlCommandsWithoutAServiceSayWhyAndChangeNothing )
+{
+	// Nothing to act on: no box at all.
+	EXPECT_FALSE( m_App.VersionControlCheckOut() );
+	EXPECT_FALSE( m_App.VersionControlCheckIn() );
+	EXPECT_EQ( m_Prompt.GetRecords().Count(), 0 );
+
+	CBaseEditorSession *pSession = m_App.OpenFile( MakeFile( "particles/a.txt" ), true );
+	ASSERT_NE( pSession, nullptr );
+	EXPECT_FALSE( pSession->CanAddToVersionControl() );
+	EXPECT_FALSE( m_App.VersionControlAdd() );
+	EXPECT_EQ( m_Prompt.GetRecords().Count(), 0 ) << "adding needs a service, and there is none to fail";
+
+	EXPECT_FALSE( m_App.VersionControlCheckOut() );
+	const CScriptedPrompt::Record_t *pCheckOut = m_Prompt.FindRecord( "Check Out failed" );
+	ASSERT_NE( pCheckOut, nullptr );
+	EXPECT_EQ( strncmp( pCheckOut->m_strText, "Could not check out file\n", 25 ), 0 ) << pCheckOut->m_strText.Get();
+	EXPECT_GT( pCheckOut->m_strText.Length(), 25u ) << "the reason follows";
+
+	EXPECT_FALSE( m_App.VersionControlCheckIn() );
+	EXPECT_FALSE( m_App.VersionControlCheckInAll() );
+	EXPECT_FALSE( m_App.VersionControlStatus() );
+	EXPECT_NE( m_Prompt.FindRecord( "Check In" ), nullptr );
+	EXPECT_NE( m_Prompt.FindRecord( "Check In All" ), nullptr );
+	EXPECT_NE( m_Prompt.FindRecord( "Status" ), nullptr );
+	EXPECT_FALSE( pSession->IsModified() );
+	EXPECT_FALSE( pSession->IsInVersionControl() );
+}

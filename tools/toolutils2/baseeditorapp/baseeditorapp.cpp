@@ -681,3 +681,70 @@ bool CBaseEditorApp::CloseAllSessions()
 	}
 	return true;
 }
+
+// ---------------------------------------------------------------------------------------
+// Version control commands
+
+bool CBaseEditorApp::VersionControlAdd()
+{
+	if ( !m_pActiveSession )
+		return false;
+	CSessionVersionControl versionControl( this );
+	if ( !versionControl.IsVersionControlUsable() )
+		return false;
+	m_pActiveSession->AddToVersionControl();
+	if ( m_pActiveSession->IsInVersionControl() )
+		return true;
+	CUtlString strText;
+	strText.Format( "Could not add file to version control: %s", versionControl.GetLastError() );
+	GetPrompt()->Warning( "Add failed", strText );
+	return false;
+}
+
+bool CBaseEditorApp::VersionControlCheckOut()
+{
+	if ( !m_pActiveSession )
+		return false;
+	CSessionVersionControl versionControl( this );
+	if ( versionControl.CheckOutFile( m_pActiveSession->GetFileName() ) == 0 )
+	{
+		m_pActiveSession->UpdateFileStatus();
+		return true;
+	}
+	CUtlString strText;
+	strText.Format( "Could not check out file\n%s", versionControl.GetLastError() );
+	GetPrompt()->Warning( "Check Out failed", strText );
+	return false;
+}
+
+// The check-in and status dialogs need a connected service; without one the user hears
+// why nothing opens.
+static bool WarnVersionControlUnavailable( CBaseEditorApp *pApp, const char *pTitle )
+{
+	CSessionVersionControl versionControl( pApp );
+	if ( versionControl.IsVersionControlUsable() )
+		return false;
+	CUtlString strText;
+	strText.Format( "Version control is not available: %s", versionControl.GetLastError() );
+	GetPrompt()->Warning( pTitle, strText );
+	return true;
+}
+
+bool CBaseEditorApp::VersionControlCheckIn()
+{
+	if ( !m_pActiveSession || WarnVersionControlUnavailable( this, "Check In" ) )
+		return false;
+	return m_pActiveSession->CanCheckIn();
+}
+
+bool CBaseEditorApp::VersionControlCheckInAll()
+{
+	if ( m_Sessions.empty() || WarnVersionControlUnavailable( this, "Check In All" ) )
+		return false;
+	return std::any_of( m_Sessions.begin(), m_Sessions.end(), []( CBaseEditorSession *pSession ) { return pSession->CanCheckIn(); } );
+}
+
+bool CBaseEditorApp::VersionControlStatus()
+{
+	return !WarnVersionControlUnavailable( this, "Status" );
+}

@@ -84,6 +84,14 @@ public:
 	bool SaveActiveSession();
 	CBaseEditorSession *OpenAsset( const char *pContentPath, bool bTrackRecent, const void *pExtra );
 
+	// The version control commands, on the active session (check in all: every session).
+	// Where version control can't act the user is told why; false when nothing was done.
+	bool VersionControlAdd();
+	bool VersionControlCheckOut();
+	bool VersionControlCheckIn();
+	bool VersionControlCheckInAll();
+	bool VersionControlStatus();
+
 	const std::vector<CBaseEditorSession *> &GetSessions() const { return m_Sessions; }
 	const CEditorSessionHistory &GetSessionHistory() const { return m_SessionHistory; }
 	CAutosaveManager &GetAutosaveManager() { return m_AutosaveManager; }

@@ -9,6 +9,22 @@ const char *const *CBaseToolSystem2::GetNeededInterfaces() const
 	return s_pNone;
 }
 
+bool CBaseToolSystem2::CheckNeededInterfaces( ToolCreateInterfaceFn_t fnFactory, CUtlString *pError ) const
+{
+	for ( const char *const *ppName = GetNeededInterfaces(); ppName && *ppName; ++ppName )
+	{
+		int nReturnCode = IFACE_FAILED;
+		void *pInterface = fnFactory ? fnFactory( *ppName, &nReturnCode ) : nullptr;
+		if ( !pInterface || nReturnCode != IFACE_OK )
+		{
+			if ( pError )
+				pError->Format( "The host has no \"%s\", which the tool needs to start.", *ppName );
+			return false;
+		}
+	}
+	return true;
+}
+
 bool CBaseToolSystem2::Connect( ToolCreateInterfaceFn_t fnFactory )
 {
 	if ( !fnFactory )

@@ -49,6 +49,9 @@ public:
 	virtual void ShutdownTool() = 0;
 	// Interface names that must answer before the tool starts; null ends the list.
 	virtual const char *const *GetNeededInterfaces() const;
+	// Asks the factory for each needed interface: true when all answer, else false with
+	// the message that names the first one missing. The host refuses to start on false.
+	bool CheckNeededInterfaces( ToolCreateInterfaceFn_t fnFactory, CUtlString *pError ) const;
 	virtual bool StartTool( int nToolId ) = 0;
 	virtual void OnOpenRequest( const ToolOpenRequest_t &request ) = 0;
 	virtual void Frame() = 0;

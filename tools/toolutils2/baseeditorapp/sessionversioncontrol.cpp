@@ -26,8 +26,21 @@ bool CSessionVersionControl::IsOpenByOtherUser( const char *, CUtlString *pNames
 	return false;
 }
 
+static constexpr const char *NO_SERVICE_REASON = "no version control service";
+
 bool CSessionVersionControl::AddFileToVersionControl( const char * )
 {
-	Log_Warning( LOG_GENERAL, "%s - Perforce unavailable: %s \n", "AddFileToVersionControl", "no version control service" );
+	Log_Warning( LOG_GENERAL, "%s - Perforce unavailable: %s \n", "AddFileToVersionControl", NO_SERVICE_REASON );
 	return false;
+}
+
+int CSessionVersionControl::CheckOutFile( const char * )
+{
+	Log_Warning( LOG_GENERAL, "%s - Perforce unavailable: %s \n", "CheckOutFile", NO_SERVICE_REASON );
+	return 2;
+}
+
+const char *CSessionVersionControl::GetLastError() const
+{
+	return NO_SERVICE_REASON;
 }

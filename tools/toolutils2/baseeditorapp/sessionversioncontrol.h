@@ -25,6 +25,10 @@ public:
 	// Names of other users that have the file open; false when none or unknown.
 	bool IsOpenByOtherUser( const char *pPath, CUtlString *pNames );
 	bool AddFileToVersionControl( const char *pPath );
+	// 0 checked out, 1 the user declined, 2 failed (GetLastError says why).
+	int CheckOutFile( const char *pPath );
+	// The service's last error, or why there is no service.
+	const char *GetLastError() const;
 
 	void SetChangelist( const char *pName ) { m_strChangelist = pName; }
 

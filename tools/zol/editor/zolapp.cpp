@@ -2,16 +2,32 @@
 
 #include <algorithm>
 
+#include <QStatusBar>
+
+#include "core/host/gameinfo.h"
+#include "core/host/iasset.h"
 #include "core/host/iassetsystem.h"
+#include "core/host/ihelpsystem.h"
 #include "core/host/iprompt.h"
+#include "core/host/ipropertyeditorsystem.h"
+#include "core/host/iscenesystem.h"
+#include "core/host/itoolscenenodefactory.h"
 #include "core/host/resourcetype.h"
 #include "core/kv3/keyvalues3.h"
+#include "core/logging/logging.h"
+#include "core/particles/iparticlesystemmgr.h"
 #include "core/text/pathtools.h"
 #include "core/text/strtools.h"
 #include "tools/toolutils2/baseeditorapp/editorfilequeries.h"
 #include "tools/toolutils2/widgets/inputbind/inputbindmanager.h"
+#include "tools/toolutils2/baseeditorapp/sessionversioncontrol.h"
+#include "tools/toolutils2/toolattr/toolattrhost.h"
+#include "tools/zol/editor/zolattributeeditorfactories.h"
 #include "tools/zol/editor/zolmainwnd.h"
 #include "tools/zol/editor/zolsession.h"
+#include "zoldoc_lib/particlegamedata.h"
+#include "zoldoc_lib/zolautosavename.h"
+#include "zoldoc_lib/zolchoiceproviders.h"
 #include "zoldoc_lib/zolevents.h"
 
 static CZolApp *s_pZolApp = nullptr;
@@ -36,9 +52,9 @@ CZolApp::~CZolApp()
 
 const char *const *CZolApp::GetNeededInterfaces() const
 {
-	// The scene, property editor and tool scene services join this list as they come to
-	// the host; the preview cannot run without them.
-	static const char *const s_pNeeded[] = { nullptr };
+	// The preview and the property panel can't run without these.
+	static const char *const s_pNeeded[] = { SCENESYSTEM_INTERFACE_VERSION, PROPERTYEDITORSYSTEM_INTERFACE_VERSION, PARTICLESYSTEMMGR_INTERFACE_VERSION,
+		TOOLSCENENODEFACTORY_INTERFACE_VERSION, nullptr };
 	return s_pNeeded;
 }
 
@@ -46,14 +62,44 @@ bool CZolApp::Init()
 {
 	m_pPreviewSession = nullptr;
 	m_pEventHub = std::make_unique<CZolEventHub>();
+
+	m_bAllowScreenSpaceOverlay = false;
+	if ( const CGameInfo *pGameInfo = GetGameInfo() )
+	{
+		if ( const KeyValues *pParticles = pGameInfo->FindKey( "Particles" ) )
+			m_bAllowScreenSpaceOverlay = pParticles->GetInt( "ZOL_AllowScreenSpaceOverlay", 0 ) != 0;
+	}
+
 	if ( m_bCreatesMainWindow )
 	{
 		m_pMainWnd = new CQZolMainWnd();
 		m_pMainWnd->SetApplication( this );
 	}
+	// Help: one entry per function class, so the picker and the property panel can show
+	// each class's title; then the scope of the graph editor.
+	if ( IHelpSystem *pHelp = GetHelpSystem() )
+	{
+		pHelp->OpenScope( "particles", 1 );
+		if ( IParticleSystemMgr *pMgr = GetParticleSystemMgr() )
+		{
+			for ( int nType = PARTICLE_FUNCTION_PRE_EMISSION_OPERATOR; nType <= PARTICLE_FUNCTION_RENDERER; ++nType )
+			{
+				ParticleFunctionType_t eType = ParticleFunctionType_t( nType );
+				for ( int i = 0; i < pMgr->GetFunctionCount( eType ); ++i )
+				{
+					CUtlString strKey;
+					strKey.Format( "Element.%s", pMgr->GetFunctionSchemaClass( eType, i ) );
+					pHelp->AddEntry( "particles", strKey, pMgr->GetFunctionFriendlyName( eType, i ), "", "" );
+				}
+			}
+		}
+		pHelp->OpenScope( "pulse_editor", 0 );
+	}
+
 	// Keys of what all editors share, then the particle editor's own.
 	CQInputBindManager::Get()->LoadBindingsOnce( "tools/keybindings/shared_tool_key_bindings.txt" );
 	CQInputBindManager::Get()->LoadBindingsOnce( "tools/keybindings/zol_key_bindings.txt" );
+
 	SetToolName( "particles" );
 	SetOpenFilter( "Particle System Definition (*.tfxs);;Particle System Definition Autosave (*.tfxs_autosave);;All Files (*)" );
 	SetSaveFilter( "Particle System Definition (*.tfxs);;" );
@@ -66,12 +112,21 @@ bool CZolApp::Init()
 		strDefault.Format( "%s\\particles", strContentRoot.Get() );
 		SetDefaultDirectory( strDefault );
 	}
+	RegisterZolAttributeEditorFactories();
+	RegisterParticleChoiceProviders( ToolAttrHost() );
+
 	m_bPreviewSessionLocked = false;
+	if ( IResourceSystem *pResourceSystem = GetResourceSystem(); pResourceSystem && !m_bResourceListenerAdded )
+	{
+		pResourceSystem->AddListener( this );
+		m_bResourceListenerAdded = true;
+	}
 	if ( IAssetSystem *pAssetSystem = GetAssetSystem() )
 	{
 		pAssetSystem->RegisterCompiler( RESOURCE_TYPE_PARTICLE_SYSTEM, &m_ParticleCompiler );
 		m_bParticleCompilerRegistered = true;
 	}
+	GetParticleGameData();
 	return true;
 }
 
@@ -85,6 +140,12 @@ void CZolApp::RunFrame()
 
 void CZolApp::Shutdown()
 {
+	if ( m_bResourceListenerAdded )
+	{
+		if ( IResourceSystem *pResourceSystem = GetResourceSystem() )
+			pResourceSystem->RemoveListener( this );
+		m_bResourceListenerAdded = false;
+	}
 	// The asset system outlives the tool; it must not keep a compiler that goes with it.
 	if ( m_bParticleCompilerRegistered )
 	{
@@ -128,12 +189,25 @@ void CZolApp::SetPreviewSession( CZolSession *pSession )
 {
 	if ( pSession == m_pPreviewSession )
 		return;
+	// The selected control point carries over to a session that knows it too.
+	ParticleParamID_t carriedKey;
+	int nCarriedMode = 0;
+	if ( m_pPreviewSession )
+	{
+		carriedKey = m_pPreviewSession->GetSelectedControlPoint();
+		nCarriedMode = m_pPreviewSession->GetControlPointEditMode( carriedKey );
+	}
 	m_pPreviewSession = pSession;
 	if ( CToolEventDispatcher *pHub = m_pEventHub ? m_pEventHub->GetEventDispatcher() : nullptr )
 	{
 		ZolEvent_PreviewSessionChanged_t event;
 		event.m_pSession = pSession;
 		pHub->Dispatch( event );
+	}
+	if ( pSession && !carriedKey.IsNone() && pSession->IsKnownControlPoint( carriedKey ) )
+	{
+		pSession->SetSelectedControlPoint( carriedKey );
+		pSession->SetControlPointEditMode( carriedKey, nCarriedMode );
 	}
 }
 
@@ -152,6 +226,86 @@ CBaseEditorSession *CZolApp::GetOtherSession( CBaseEditorSession *pSession )
 IBaseEditorWindow *CZolApp::GetMainWindow()
 {
 	return m_pMainWnd;
+}
+
+void CZolApp::OnFileOpened( CBaseEditorSession *, const char *pPath )
+{
+	CSessionVersionControl versionControl( this );
+	CUtlString strUsers;
+	if ( !versionControl.IsOpenByOtherUser( pPath, &strUsers ) || strUsers.IsEmpty() )
+		return;
+	CUtlString strText;
+	strText.Format( "This file is currently opened by: %s", strUsers.Get() );
+	ShowStatusMessage( strText, 3 );
+}
+
+void CZolApp::ShowStatusMessage( const char *pText, int nSeverity )
+{
+	m_strLastStatus = pText;
+	if ( nSeverity >= 3 )
+		Log_Warning( LOG_ZOL, "%s\n", pText );
+	if ( m_pMainWnd )
+		m_pMainWnd->statusBar()->showMessage( QString::fromUtf8( pText ) );
+}
+
+void CZolApp::OnResourcesReloaded( const CUtlVector<ResourceChange_t> &changes )
+{
+	IAssetSystem *pAssetSystem = GetAssetSystem();
+	if ( !pAssetSystem || !m_fnAssetPreviewUpdate )
+		return;
+	for ( const ResourceChange_t &change : changes )
+	{
+		if ( change.m_nType != RESOURCE_TYPE_PARTICLE_SYSTEM )
+			continue;
+		IAsset *pAsset = pAssetSystem->FindAssetByResourceName( change.m_strName );
+		if ( pAsset && pAsset->IsResident() )
+			m_fnAssetPreviewUpdate( pAsset );
+	}
+}
+
+void CZolApp::OnSessionSaved( CZolSession *pSession, const char *pOldAssetName )
+{
+	// The asset pane and the preview rebind through the session-activated path; what
+	// stays here is telling the panels that the session's asset changed.
+	(void)pOldAssetName;
+	if ( !pSession || !pSession->GetAsset() )
+		return;
+	if ( pSession == m_pPreviewSession )
+	{
+		if ( CToolEventDispatcher *pHub = m_pEventHub ? m_pEventHub->GetEventDispatcher() : nullptr )
+		{
+			ZolEvent_PreviewSessionChanged_t event;
+			event.m_pSession = pSession;
+			pHub->Dispatch( event );
+		}
+	}
+}
+
+void CZolApp::GetAutosaveRoot( CUtlString *pRoot ) const
+{
+	CUtlString strContentRoot;
+	EditorFiles::GetRoot( "CONTENTROOT", &strContentRoot );
+	strContentRoot.FixSlashes( '\\' );
+	while ( strContentRoot.Length() > 1 && strContentRoot.Get()[ strContentRoot.Length() - 1 ] == '\\' )
+		strContentRoot.Set( strContentRoot.Get(), strContentRoot.Length() - 1 );
+	pRoot->Format( "%s_toolsautosave\\%s\\", strContentRoot.Get(), GetToolName() );
+}
+
+void CZolApp::GetAutosaveSourceName( const char *pAutosavePath, CUtlString *pSource ) const
+{
+	CUtlString strRoot;
+	GetAutosaveRoot( &strRoot );
+	CUtlString strContentRoot;
+	EditorFiles::GetRoot( "CONTENTROOT", &strContentRoot );
+	// An autosave outside the autosave tree comes back beside itself.
+	CUtlString strAutosave( pAutosavePath );
+	strAutosave.FixSlashes( '\\' );
+	if ( strAutosave.Length() < strRoot.Length() || V_strnicmp_fast( strAutosave, strRoot, strRoot.Length() ) )
+	{
+		strRoot = strAutosave.DirName();
+		strContentRoot = strRoot;
+	}
+	GetZolAutosaveSourceName( pAutosavePath, strRoot, strContentRoot, pSource );
 }
 
 // ---------------------------------------------------------------------------------------
@@ -173,11 +327,27 @@ void CZolApp::OpenDirectory( const char *pDirectory )
 	for ( const CUtlString &strName : names )
 	{
 		const char *pExtension = V_GetFileExtension( strName );
-		if ( pExtension && !V_stricmp_fast( pExtension, "tfxs" ) )
+		if ( pExtension && V_strnicmp_fast( pExtension, "tfxs", 4 ) == 0 && ( !pExtension[ 4 ] || IsZolAutosaveFile( strName ) ) )
 		{
 			CUtlString strFile;
 			strFile.Format( "%s\\%s", strDirectory.Get(), strName.Get() );
 			files.push_back( strFile );
+		}
+	}
+	// An autosave whose source is open would replace the open session's file: refuse the
+	// whole directory rather than open half of it.
+	for ( const CUtlString &strFile : files )
+	{
+		if ( !IsZolAutosaveFile( strFile ) )
+			continue;
+		CUtlString strSource;
+		GetAutosaveSourceName( strFile, &strSource );
+		if ( FindSessionByFile( strSource ) )
+		{
+			CUtlString strText;
+			strText.Format( "The source file of the autosave '%s' is already open.\nClose it first to open this file.", V_UnqualifiedFileName( strFile ) );
+			GetPrompt()->Warning( "Unable to open", strText );
+			return;
 		}
 	}
 	for ( auto it = files.rbegin(); it != files.rend(); ++it )

@@ -7,6 +7,7 @@
 #include <memory>
 #include <vector>
 
+#include "core/host/iresourcesystem.h"
 #include "core/text/utlstring.h"
 #include "tools/toolutils2/baseeditorapp/simpleeditorsharedwindowapp.h"
 #include "tools/toolutils2/inputbind/bindtarget.h"
@@ -31,7 +32,9 @@ private:
 	int m_nSuspendCount = 0;
 };
 
-class CZolApp : public CSimpleEditorSharedWindowApp<CZolSession, CQZolMainWnd>, public IBindTarget
+class IAsset;
+
+class CZolApp : public CSimpleEditorSharedWindowApp<CZolSession, CQZolMainWnd>, public IResourceListener, public IBindTarget
 {
 public:
 	CZolApp();
@@ -48,6 +51,7 @@ public:
 	void SessionActivated( CBaseEditorSession *pOld, CBaseEditorSession *pNew ) override;
 	bool OfferSync( const char * ) override { return true; }
 	bool CheckOtherUsers( const char * ) override { return true; }
+	void OnFileOpened( CBaseEditorSession *pSession, const char *pPath ) override;
 	void RestoreToolSettings( const KeyValues3 *pTable ) override;
 	void SaveToolSettings( KeyValues3 *pTable ) override;
 	CBaseEditorSession *GetOtherSession( CBaseEditorSession *pSession ) override;
@@ -62,6 +66,27 @@ public:
 	void RestartPreview();
 	void RestartGlobal();
 	void StopSimulation( bool bPlayEndCaps );
+	// IResourceListener: compiled particle systems that changed get their asset's
+	// thumbnail refreshed.
+	void OnResourcesReloaded( const CUtlVector<ResourceChange_t> &changes ) override;
+	// Where refreshed thumbnails go; the asset preview service installs itself here.
+	using AssetPreviewUpdateFn_t = std::function<void( IAsset * )>;
+	void SetAssetPreviewUpdater( AssetPreviewUpdateFn_t fn ) { m_fnAssetPreviewUpdate = std::move( fn ); }
+
+	// After a save under a new path: the asset of the old name leaves the asset list and
+	// the session's new asset takes its place where the session shows.
+	void OnSessionSaved( CZolSession *pSession, const char *pOldAssetName );
+	// A line for the status bar; severity 3 marks a warning. The last one is kept.
+	void ShowStatusMessage( const char *pText, int nSeverity );
+	const char *GetLastStatusMessage() const { return m_strLastStatus.Get(); }
+	bool IsScreenSpaceOverlayAllowed() const { return m_bAllowScreenSpaceOverlay; }
+	bool IsScreenSpaceOverlayShown() const { return m_bShowScreenSpaceOverlay; }
+	void SetScreenSpaceOverlayShown( bool bShow ) { m_bShowScreenSpaceOverlay = bShow; }
+
+	// The source file of an autosave: the autosave tree mirrors the content tree under
+	// "<content root>_toolsautosave\<tool>\".
+	void GetAutosaveRoot( CUtlString *pRoot ) const;
+	void GetAutosaveSourceName( const char *pAutosavePath, CUtlString *pSource ) const;
 
 	CZolEventHub *GetEventHub() const { return m_pEventHub.get(); }
 	IAssetCompiler *GetParticleCompiler() { return &m_ParticleCompiler; }
@@ -101,6 +126,9 @@ private:
 	bool m_bShowScreenSpaceOverlay = false;
 	CZolSession *m_pPreviewSession = nullptr;
 	bool m_bCreatesMainWindow = true;
+	bool m_bResourceListenerAdded = false;
+	AssetPreviewUpdateFn_t m_fnAssetPreviewUpdate;
+	CUtlString m_strLastStatus;
 	CUtlString m_strClipboard;
 	ClipboardSetFn_t m_fnClipboardSet;
 	ClipboardGetFn_t m_fnClipboardGet;

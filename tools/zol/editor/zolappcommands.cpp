@@ -31,21 +31,11 @@ static void BuildZolAppCommands( CBindTargetDescriptor<CZolApp> &d )
 		pApp->GetAutosaveManager().ClearRecentFiles();
 		pApp->MarkSettingsDirty();
 	} );
-	d.AddClickCommand( "VersionControlAdd", []( CZolApp *pApp ) {
-		CBaseEditorSession *pSession = pApp->GetActiveSession();
-		if ( pSession && pSession->CanAddToVersionControl() )
-			pSession->AddToVersionControl();
-	} );
-	// This host has no version control service: check in and status have nothing to
-	// talk to, and the framework offers no operation for them.
-	d.AddClickCommand( "VersionControlCheckIn", []( CZolApp * ) { Log_Msg( LOG_ZOL, "Version control is not available.\n" ); } );
-	d.AddClickCommand( "VersionControlCheckOut", []( CZolApp *pApp ) {
-		CBaseEditorSession *pSession = pApp->GetActiveSession();
-		if ( pSession && pSession->CanCheckOut() )
-			pSession->CheckOutIfNeeded();
-	} );
-	d.AddClickCommand( "VersionControlCheckInAll", []( CZolApp * ) { Log_Msg( LOG_ZOL, "Version control is not available.\n" ); } );
-	d.AddClickCommand( "VersionControlStatus", []( CZolApp * ) { Log_Msg( LOG_ZOL, "Version control is not available.\n" ); } );
+	d.AddClickCommand( "VersionControlAdd", []( CZolApp *pApp ) { pApp->VersionControlAdd(); } );
+	d.AddClickCommand( "VersionControlCheckIn", []( CZolApp *pApp ) { pApp->VersionControlCheckIn(); } );
+	d.AddClickCommand( "VersionControlCheckOut", []( CZolApp *pApp ) { pApp->VersionControlCheckOut(); } );
+	d.AddClickCommand( "VersionControlCheckInAll", []( CZolApp *pApp ) { pApp->VersionControlCheckInAll(); } );
+	d.AddClickCommand( "VersionControlStatus", []( CZolApp *pApp ) { pApp->VersionControlStatus(); } );
 	d.AddClickCommand( "ActivateNextEditorSession", []( CZolApp *pApp ) { pApp->ActivateNextEditorSession(); } );
 	d.AddClickCommand( "ActivatePreviousEditorSession", []( CZolApp *pApp ) { pApp->ActivatePreviousEditorSession(); } );
 	d.AddClickCommand( "NextSession", []( CZolApp *pApp ) { pApp->CycleSession( true ); } );

@@ -232,6 +232,7 @@ void CQZolMainWnd::OnEditRedo()
 
 void CQZolMainWnd::RunFrame()
 {
+	++m_nFrameCount;
 }
 
 void CQZolMainWnd::SessionActivated( CZolSession *, CZolSession *pNew )

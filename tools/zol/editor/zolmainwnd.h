@@ -19,6 +19,8 @@ public:
 	explicit CQZolMainWnd( QWidget *pParent = nullptr );
 
 	void RunFrame();
+	// Frames run so far; the panels that follow time read it.
+	int GetFrameCount() const { return m_nFrameCount; }
 	void SessionActivated( CZolSession *pOld, CZolSession *pNew );
 	// The session is going away: drop every pointer to it.
 	void ForgetSession( CZolSession *pSession );
@@ -75,4 +77,5 @@ private:
 	QAction *m_pOpenDirectoryAction = nullptr;
 	QAction *m_pSaveAllAction = nullptr;
 	QAction *m_pCloseAllAction = nullptr;
+	int m_nFrameCount = 0;
 };

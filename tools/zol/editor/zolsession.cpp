@@ -1,18 +1,25 @@
 #include "tools/zol/editor/zolsession.h"
 
+#include <algorithm>
+#include <vector>
+
 #include "core/containers/utlbuffer.h"
 #include "core/host/iasset.h"
 #include "core/host/iassetsystem.h"
 #include "core/host/iprompt.h"
+#include "core/host/iresourcesystem.h"
 #include "core/kv3/keyvalues3.h"
 #include "core/kv3/kv3serialize.h"
 #include "core/logging/logging.h"
 #include "core/logging/logonce.h"
 #include "core/text/pathtools.h"
 #include "core/text/strtools.h"
+#include "tools/toolutils2/baseeditorapp/editorfilequeries.h"
 #include "tools/toolutils2/baseeditorapp/ibaseeditorwindow.h"
 #include "tools/toolutils2/undo/undohistory.h"
+#include "tools/zol/editor/particleassetcompiler.h"
 #include "tools/zol/editor/zolapp.h"
+#include "zoldoc_lib/zolautosavename.h"
 #include "zoldoc_lib/zolcontrolpointconfiguration.h"
 #include "zoldoc_lib/zoldoc.h"
 #include "zoldoc_lib/zolnode.h"
@@ -34,13 +41,21 @@ CZolSession::CZolSession( CBaseEditorApp *pApp ) : CSimpleSharedWindowEditorSess
 CZolSession::~CZolSession()
 {
 	// The resource goes back to what the file holds.
-	if ( m_bAssetEdited )
-	{
-		if ( IAsset *pAsset = FindEditedAsset() )
-			pAsset->EndEditing();
-	}
+	ReleaseAsset();
 	m_EventMap.Detach( TOOL_EVENT_SLOT_DOCUMENT );
 	m_pDoc.reset();
+}
+
+void CZolSession::ReleaseAsset()
+{
+	if ( m_pAsset )
+		m_pAsset->EndEditing();
+	m_DefinitionUsage = CParticleDefinitionUsage();
+	m_bUsageFromResource = false;
+	if ( m_pAsset )
+		m_pAsset->Release();
+	m_pAsset = nullptr;
+	m_hResource.Reset();
 }
 
 CZolApp *CZolSession::GetZolApp() const
@@ -102,6 +117,8 @@ bool CZolSession::New( const char *pName )
 	CUtlString strName;
 	strName.Format( "%s.tfxs", pName );
 	StoreFileName( strName );
+	IAssetSystem *pAssetSystem = GetAssetSystem();
+	SetAsset( pAssetSystem ? pAssetSystem->FindAssetByAbsolutePath( strName ) : nullptr );
 	m_pDoc->Reset();
 	RecompileResource();
 	return PostOpen();
@@ -111,17 +128,204 @@ int CZolSession::Open( const char *pPath, CUtlString *pError )
 {
 	if ( !LoadSession( pPath, pError ) )
 		return EDITOR_OPEN_FAILED;
-	return PostOpen() ? EDITOR_OPEN_LOADED : EDITOR_OPEN_FAILED;
+	if ( !PostOpen() )
+		return EDITOR_OPEN_FAILED;
+	// A file that couldn't be bound to its asset opens for editing, and the framework
+	// shows why it won't preview.
+	return pError && !pError->IsEmpty() ? EDITOR_OPEN_LOADED_WITH_ERRORS : EDITOR_OPEN_LOADED;
 }
 
 bool CZolSession::LoadSession( const char *pPath, CUtlString *pError )
 {
 	if ( !m_pDoc->LoadFromFile( pPath, nullptr, pError ) )
 		return false;
-	// Binding the file's asset and resource comes with the host's asset system; until
-	// then the session compiles into memory only.
+	// An autosave is edited as its source: a later save replaces the source.
+	if ( IsZolAutosaveFile( pPath ) )
+	{
+		CUtlString strSource;
+		GetZolApp()->GetAutosaveSourceName( pPath, &strSource );
+		StoreFileName( strSource );
+	}
+	// A file that can't be bound stays editable; it just doesn't compile.
+	BindAsset( pError );
+	return true;
+}
+
+bool CZolSession::BindAsset( CUtlString *pError )
+{
+	CUtlString strFile( GetFileName() );
+	strFile.FixSlashes( '/' );
+	if ( IsZolAutosaveFile( strFile ) )
+		return false;
+	if ( m_pAsset )
+		m_pAsset->EndEditing();
+
+	CUtlString strRelative;
+	IAssetSystem *pAssetSystem = GetAssetSystem();
+	if ( !pAssetSystem || !EditorFiles::MakeRelative( strFile, "CONTENTROOT", &strRelative ) || strRelative.IsEmpty() || strRelative.Get()[ 0 ] == '.' )
+	{
+		SetAsset( nullptr );
+		return false;
+	}
+	IAsset *pAsset = nullptr;
+	if ( EditorFiles::Exists( strFile ) )
+	{
+		pAsset = pAssetSystem->FindAssetByContentPath( strRelative );
+		// A file written since the content was indexed (a save under a new name).
+		if ( !pAsset && pAssetSystem->Rescan() > 0 )
+			pAsset = pAssetSystem->FindAssetByContentPath( strRelative );
+		if ( !pAsset )
+		{
+			if ( pError && pError->IsEmpty() )
+				pError->Format( "Unable to find asset for the file %s! Was this file added to a read-only path but not the asset database?", strFile.Get() );
+			SetAsset( nullptr );
+			return false;
+		}
+		if ( !V_PathsMatch( pAsset->GetAbsolutePath(), GetFileName() ) )
+		{
+			if ( pError )
+				pError->Format( "This session's file path %s is overridden by a file %s in leafier mod. Unable to open.\n", GetFileName(), pAsset->GetAbsolutePath() );
+			SetAsset( nullptr );
+			return false;
+		}
+	}
+	else
+		pAsset = pAssetSystem->AddAssetForNewFile( strRelative );
+	SetAsset( pAsset );
+	if ( !m_pAsset )
+		return false;
 	RecompileResource();
 	return true;
+}
+
+void CZolSession::SetAsset( IAsset *pAsset )
+{
+	m_DefinitionUsage = CParticleDefinitionUsage();
+	m_bUsageFromResource = false;
+	if ( pAsset && pAsset->GetType() == RESOURCE_TYPE_PARTICLE_SYSTEM )
+		pAsset->AddRef();
+	else
+		pAsset = nullptr;
+	if ( m_pAsset )
+		m_pAsset->Release();
+	m_pAsset = pAsset;
+	if ( m_pAsset && !m_pAsset->IsResident() )
+		m_pAsset->Load();
+
+	CResourceHandle hResource;
+	if ( m_pAsset )
+	{
+		if ( IResourceSystem *pResourceSystem = GetResourceSystem() )
+			hResource = pResourceSystem->GetResource( m_pAsset->GetResourceName() );
+		if ( hResource && hResource->GetType() != RESOURCE_TYPE_PARTICLE_SYSTEM )
+			hResource.Reset();
+	}
+	m_hResource = std::move( hResource );
+	if ( m_hResource )
+		UpdateDefinitionUsage();
+}
+
+bool CZolSession::UpdateDefinitionUsage()
+{
+	std::shared_ptr<const CParticleSystemResourceData> pData = m_hResource ? m_hResource->GetDataAs<CParticleSystemResourceData>() : nullptr;
+	if ( !pData || !pData->GetDefinition() )
+		return false;
+	const CParticleDefinitionUsage &usage = pData->GetDefinition()->m_Usage;
+	m_bUsageFromResource = true;
+	if ( usage == m_DefinitionUsage )
+		return false;
+	m_DefinitionUsage = usage;
+	RebuildKnownControlPoints();
+	SendEvent( ZolEvent_ControlPointListChanged_t() );
+	return true;
+}
+
+void CZolSession::RebuildKnownControlPoints()
+{
+	CUtlVector<ParticleParamID_t> keys;
+	m_DefinitionUsage.GetKeys( &keys );
+	for ( auto it = m_KnownControlPoints.begin(); it != m_KnownControlPoints.end(); )
+	{
+		if ( !m_DefinitionUsage.Has( it->first ) )
+			it = m_KnownControlPoints.erase( it );
+		else
+			++it;
+	}
+	for ( const ParticleParamID_t &key : keys )
+	{
+		ZolKnownControlPoint_t &known = m_KnownControlPoints[ key ];
+		known.m_Key = key;
+		if ( key.IsNamed() )
+		{
+			known.m_NamedValueType = m_DefinitionUsage.GetNamedValueType( key );
+			continue;
+		}
+		known.m_bDriven = m_DefinitionUsage.IsDriven( key );
+		known.m_nUsageKind = m_DefinitionUsage.GetUsageKind( key, 0 );
+		if ( !DoesControlPointEditModeFit( known.m_nUsageKind, GetControlPointEditMode( key ) ) )
+			SetControlPointEditMode( key, GetControlPointEditModeForUsage( known.m_nUsageKind ) );
+	}
+}
+
+bool DoesControlPointEditModeFit( int nUsageKind, int nMode )
+{
+	switch ( nUsageKind )
+	{
+	case 2: return nMode == 1;
+	case 3: return nMode == 2;
+	case 4: return nMode == 1 || nMode == 2;
+	case 6: return nMode == 3;
+	default: return nMode == 0;
+	}
+}
+
+int GetControlPointEditModeForUsage( int nUsageKind )
+{
+	switch ( nUsageKind )
+	{
+	case 2:
+	case 4: return 1;
+	case 3: return 2;
+	case 6: return 3;
+	default: return 0;
+	}
+}
+
+int CZolSession::GetControlPointEditMode( const ParticleParamID_t &key ) const
+{
+	auto it = m_ControlPointEditModes.find( key );
+	return it == m_ControlPointEditModes.end() ? 0 : it->second;
+}
+
+bool CZolSession::SetControlPointEditMode( const ParticleParamID_t &key, int nMode )
+{
+	auto itKnown = m_KnownControlPoints.find( key );
+	int nUsageKind = itKnown == m_KnownControlPoints.end() ? 0 : itKnown->second.m_nUsageKind;
+	if ( !DoesControlPointEditModeFit( nUsageKind, nMode ) )
+		return false;
+	if ( GetControlPointEditMode( key ) == nMode )
+		return true;
+	m_ControlPointEditModes[ key ] = nMode;
+	ZolEvent_ControlPointValueChanged_t event;
+	event.m_ControlPoint = key;
+	SendEvent( event );
+	if ( key == m_SelectedControlPoint )
+	{
+		ZolEvent_PreviewConfigSelectionChanged_t selection;
+		selection.m_pSession = this;
+		SendEvent( selection );
+	}
+	return true;
+}
+
+void CZolSession::SetSelectedControlPoint( const ParticleParamID_t &key )
+{
+	if ( key == m_SelectedControlPoint )
+		return;
+	m_SelectedControlPoint = key;
+	ZolEvent_PreviewConfigSelectionChanged_t event;
+	event.m_pSession = this;
+	SendEvent( event );
 }
 
 bool CZolSession::Reload()
@@ -189,9 +393,45 @@ void CZolSession::SetModified( bool bModified )
 
 void CZolSession::FilterDrivers( KeyValues3 *pRoot ) const
 {
-	// The compiled definition's control point usage decides which drivers stay; it comes
-	// from the particle system manager once the resource is bound.
-	(void)pRoot;
+	if ( !m_bUsageFromResource || !pRoot )
+		return;
+	KeyValues3 *pConfigurations = pRoot->FindMember( "m_controlPointConfigurations" );
+	if ( !pConfigurations || !pConfigurations->IsArray() )
+		return;
+	for ( int nConfig = 0; nConfig < pConfigurations->GetArrayElementCount(); ++nConfig )
+	{
+		KeyValues3 *pConfig = pConfigurations->GetArrayElement( nConfig );
+		if ( !pConfig->IsTable() )
+		{
+			Log_Once( LOG_ZOL, LS_WARNING, "Class data is a '%s', not a table\n", pConfig->GetTypeAsString() );
+			continue;
+		}
+		KeyValues3 *pDrivers = pConfig->FindMember( "m_drivers" );
+		if ( !pDrivers || !pDrivers->IsArray() )
+			continue;
+		for ( int nDriver = pDrivers->GetArrayElementCount() - 1; nDriver >= 0; --nDriver )
+		{
+			const KeyValues3 *pDriver = pDrivers->GetArrayElement( nDriver );
+			if ( !pDriver->IsTable() )
+			{
+				Log_Once( LOG_ZOL, LS_WARNING, "Class data is a '%s', not a table\n", pDriver->GetTypeAsString() );
+				continue;
+			}
+			// A saved tree leaves out values at their default: no number is point 0.
+			ParticleParamID_t key = ParticleParamID_t::ControlPoint( 0 );
+			if ( const KeyValues3 *pPoint = pDriver->FindMember( "m_iControlPoint" ) )
+			{
+				if ( pPoint->IsString() )
+					key = ParticleParamID_t::Named( pPoint->GetString() );
+				else if ( pPoint->IsNumber() )
+					key = ParticleParamID_t::ControlPoint( int( pPoint->GetInt() ) );
+				else
+					key = ParticleParamID_t();
+			}
+			if ( !IsKnownControlPoint( key ) )
+				pDrivers->ArrayRemoveElement( nDriver );
+		}
+	}
 }
 
 bool CZolSession::SaveToFile( const char *pOriginalPath, const char *pTargetPath, bool bAutosave )
@@ -202,8 +442,14 @@ bool CZolSession::SaveToFile( const char *pOriginalPath, const char *pTargetPath
 		Log_Warning( LOG_ZOL, "WARNING: Failed to save file '%s': %s\n", pTargetPath, strError.Get() );
 		return false;
 	}
-	(void)pOriginalPath;
-	(void)bAutosave;
+	// A save under a new name binds the new file; an autosave never changes the binding.
+	if ( !bAutosave && !CUtlString( pOriginalPath ).IsEqual_CaseInsensitive( pTargetPath ) )
+	{
+		CUtlString strBindError;
+		BindAsset( &strBindError );
+		if ( m_pAsset )
+			GetZolApp()->OnSessionSaved( this, pOriginalPath );
+	}
 	return true;
 }
 
@@ -222,29 +468,17 @@ bool CZolSession::RecompileResource()
 	// The definition's resource takes the edited text, so that the preview and whatever
 	// refers to it see the edit before it is saved. A file outside the content tree (or
 	// not yet saved) has no asset, and only the text is kept.
-	if ( IAsset *pAsset = FindEditedAsset() )
+	if ( m_pAsset && !m_pAsset->CompileFromBuffer( buffer, &strError ) )
 	{
-		if ( !pAsset->CompileFromBuffer( buffer, &strError ) )
-		{
-			LoggingSystem_LogOnceByKey( LOG_ZOL, LS_WARNING, GetFileName(), "Unable to compile '%s': %s\n", GetFileName(), strError.Get() );
-			return false;
-		}
-		m_bAssetEdited = true;
+		LoggingSystem_LogOnceByKey( LOG_ZOL, LS_WARNING, GetFileName(), "Unable to compile '%s': %s\n", GetFileName(), strError.Get() );
+		return false;
 	}
 	return true;
 }
 
-IAsset *CZolSession::FindEditedAsset() const
-{
-	IAssetSystem *pAssetSystem = GetAssetSystem();
-	const char *pFileName = GetFileName();
-	if ( !pAssetSystem || !pFileName || !*pFileName || IsNewFile() )
-		return nullptr;
-	return pAssetSystem->FindAssetByAbsolutePath( pFileName );
-}
-
 void CZolSession::RunFrame()
 {
+	UpdateDefinitionUsage();
 	if ( m_bNeedsRecompile )
 	{
 		RecompileResource();
@@ -307,6 +541,38 @@ bool CZolSession::PasteFromClipboard()
 // ---------------------------------------------------------------------------------------
 // Configurations
 
+void CZolSession::AddUsageDrivers( KeyValues3 *pConfig ) const
+{
+	CUtlVector<ParticleParamID_t> keys;
+	m_DefinitionUsage.GetKeys( &keys );
+	std::vector<int> points;
+	for ( const ParticleParamID_t &key : keys )
+	{
+		if ( !key.IsNamed() && !key.IsNone() && !m_DefinitionUsage.IsDriven( key ) )
+			points.push_back( key.m_nNumber );
+	}
+	std::sort( points.begin(), points.end() );
+	KeyValues3 *pDrivers = pConfig->FindOrCreateMember( "m_drivers" );
+	if ( !pDrivers->IsArray() )
+		pDrivers->SetToEmptyArray();
+	for ( int nPoint : points )
+	{
+		KeyValues3 *pDriver = pDrivers->ArrayAddToTail();
+		pDriver->SetToEmptyTable();
+		pDriver->SetMemberInt( "m_iControlPoint", nPoint );
+		Vector vecOffset;
+		if ( m_DefinitionUsage.GetDefaultOffset( ParticleParamID_t::ControlPoint( nPoint ), &vecOffset ) )
+		{
+			pDriver->SetMemberString( "m_iAttachType", "PATTACH_WORLDORIGIN" );
+			KeyValues3 *pOffset = pDriver->FindOrCreateMember( "m_vecOffset" );
+			pOffset->SetToEmptyArray();
+			for ( int i = 0; i < 3; ++i )
+				pOffset->ArrayAddToTail()->SetDouble( vecOffset[ i ] );
+			pDriver->SetMemberString( "m_entityName", "self" );
+		}
+	}
+}
+
 ZolControlPointConfiguration_t *CZolSession::AddConfiguration( const char *pName )
 {
 	CZolRootNode *pRoot = m_pDoc->GetRoot();
@@ -315,7 +581,9 @@ ZolControlPointConfiguration_t *CZolSession::AddConfiguration( const char *pName
 	CUtlString strDescription;
 	strDescription.Format( "Add Control Point Configuration '%s'", pName );
 	m_pDoc->BeginEdit( strDescription, true );
+	pRoot = m_pDoc->GetRoot();
 	ZolControlPointConfiguration_t *pConfig = pRoot->FindOrAddConfiguration( pName );
+	AddUsageDrivers( &pConfig->m_KV3 );
 	if ( V_stricmp_fast( m_CurrentConfigName, pName ) )
 		m_CurrentConfigName = pName;
 	m_pDoc->SendEvent( ZolEvent_DocumentReplaced_t() );
@@ -350,13 +618,14 @@ void CZolSession::SelectConfiguration( ZolControlPointConfiguration_t *pConfig )
 // ---------------------------------------------------------------------------------------
 // Children
 
-bool CZolSession::CanBeChild( const char *pChildPath )
+bool CZolSession::CanBeChild( IAsset *pChild )
 {
-	const char *pFileName = GetFileName();
-	if ( !*pFileName || !pChildPath )
+	if ( !m_pAsset )
 		return true;
-	CUtlString strParentDir = CUtlString( pFileName ).DirName();
-	CUtlString strChildDir = CUtlString( pChildPath ).DirName();
+	if ( !pChild )
+		return false;
+	CUtlString strParentDir = CUtlString( m_pAsset->GetPath() ).DirName();
+	CUtlString strChildDir = CUtlString( pChild->GetPath() ).DirName();
 	if ( !V_PathsMatch( strParentDir, strChildDir ) )
 	{
 		CUtlString strText;
@@ -364,8 +633,16 @@ bool CZolSession::CanBeChild( const char *pChildPath )
 		if ( GetPrompt()->Ask( PROMPT_ICON_QUESTION, "Parent/Child Directory Mismatch", strText, PROMPT_BUTTON_YES | PROMPT_BUTTON_NO, PROMPT_BUTTON_NO ) != PROMPT_BUTTON_YES )
 			return false;
 	}
-	// The asset system's parent list catches deeper cycles; a system is always its own.
-	if ( V_PathsMatch( pFileName, pChildPath ) )
+	// A child that already stands above this system would make a cycle.
+	bool bIsParent = pChild == m_pAsset;
+	if ( !bIsParent )
+	{
+		CUtlVector<IAsset *> parents;
+		m_pAsset->GetParents( &parents, true );
+		for ( IAsset *pParent : parents )
+			bIsParent = bIsParent || pParent == pChild;
+	}
+	if ( bIsParent )
 	{
 		GetPrompt()->Warning( "Error choosing asset", "This asset is cannot be a child because it is already a parent!" );
 		return false;

@@ -4,7 +4,11 @@
 // definition only through a session.
 
 #include <memory>
+#include <unordered_map>
 
+#include "core/host/resourcebinding.h"
+#include "core/particles/particleparamid.h"
+#include "core/particles/sim/particledefinitionusage.h"
 #include "core/text/utlstring.h"
 #include "tools/toolutils2/baseeditorapp/baseeditorsession.h"
 #include "tools/toolutils2/toolevents/tooleventdispatcher.h"
@@ -17,6 +21,23 @@ class CZolDoc;
 class IAsset;
 class KeyValues3;
 struct ZolControlPointConfiguration_t;
+
+// A control point or named value that the compiled definition uses.
+struct ZolKnownControlPoint_t
+{
+	ParticleParamID_t m_Key;
+	int m_nUsageKind = 0;        // the kind of the first component
+	bool m_bOffsetApplied = false;
+	bool m_bDriven = false;      // the definition sets all three components itself
+	CUtlString m_NamedValueType; // for a key with a token
+};
+
+using ZolKnownControlPointMap_t = std::unordered_map<ParticleParamID_t, ZolKnownControlPoint_t, ParticleParamIDHash_t>;
+
+// Edit modes of a control point: 0 none, 1 translate, 2 rotate, 3 the gizmo's other.
+// Whether a mode fits a usage kind, and the mode a kind falls back to.
+bool DoesControlPointEditModeFit( int nUsageKind, int nMode );
+int GetControlPointEditModeForUsage( int nUsageKind );
 
 class CZolSession : public CSimpleSharedWindowEditorSession
 {
@@ -47,14 +68,32 @@ public:
 	}
 
 	bool LoadSession( const char *pPath, CUtlString *pError );
+	// Binds the asset of the session's file and its compiled resource; false (with the
+	// reason in pError where there is one) leaves the session without an asset.
+	bool BindAsset( CUtlString *pError );
+	void SetAsset( IAsset *pAsset );
+	IAsset *GetAsset() const { return m_pAsset; }
+	const CResourceHandle &GetResource() const { return m_hResource; }
 	// Saves into memory and has the asset compile from it; false when either step failed
 	// (the last good compiled form stays).
 	bool RecompileResource();
-	// The asset of the session's file; null for a new file or one outside the content tree.
-	IAsset *FindEditedAsset() const;
-	// The frame's part of a session: compile when an edit asked for it, then tell the
-	// written nodes once.
+	// The frame's part of a session: take a changed usage of the compiled definition,
+	// compile when an edit asked for it, then tell the written nodes once.
 	void RunFrame();
+	// Copies the compiled definition's usage when it differs from the session's copy,
+	// rebuilds the known control points and tells the widgets; true when it changed.
+	bool UpdateDefinitionUsage();
+	void RebuildKnownControlPoints();
+	const ZolKnownControlPointMap_t &GetKnownControlPoints() const { return m_KnownControlPoints; }
+	bool IsKnownControlPoint( const ParticleParamID_t &key ) const { return m_KnownControlPoints.count( key ) != 0; }
+	const CParticleDefinitionUsage &GetDefinitionUsage() const { return m_DefinitionUsage; }
+
+	// The control point that the preview controls have selected; number -1 for none.
+	const ParticleParamID_t &GetSelectedControlPoint() const { return m_SelectedControlPoint; }
+	void SetSelectedControlPoint( const ParticleParamID_t &key );
+	int GetControlPointEditMode( const ParticleParamID_t &key ) const;
+	// Refuses a mode that doesn't fit the point's usage kind.
+	bool SetControlPointEditMode( const ParticleParamID_t &key, int nMode );
 
 	// Clipboard: KV3 text in the "generic" format.
 	bool CopySelection();
@@ -68,11 +107,11 @@ public:
 	const char *GetCurrentConfigName() const { return m_CurrentConfigName.Get(); }
 
 	// Whether the asset may be a child of this system; asks the user where it must.
-	bool CanBeChild( const char *pChildPath );
+	bool CanBeChild( IAsset *pChild );
 
 	// Removes drivers of control points that no function uses from a tree about to be
-	// saved or compiled. Does nothing until the compiled definition has told which
-	// control points it knows.
+	// saved or compiled. Does nothing until a compiled definition has told which control
+	// points it uses, so a file without an asset keeps its drivers.
 	void FilterDrivers( KeyValues3 *pRoot ) const;
 
 	CZolDoc *GetDoc() const { return m_pDoc.get(); }
@@ -88,18 +127,28 @@ private:
 	void MarkEdited();
 	void SelectFirstConfiguration();
 	CZolApp *GetZolApp() const;
+	void ReleaseAsset();
+	// A driver for each control point of the usage that the definition doesn't set itself,
+	// at its default offset where it has one.
+	void AddUsageDrivers( KeyValues3 *pConfig ) const;
 
 	IZolEventHub *m_pEventHub = nullptr;
 	CToolEventDispatcher m_Events;
 	int m_nEventSuspendCount = 0;
 	CToolEventMapRegistrationHelper<CZolSession> m_EventMap;
 	std::unique_ptr<CZolDoc> m_pDoc;
+	CParticleDefinitionUsage m_DefinitionUsage;
+	// Whether m_DefinitionUsage came from a compiled definition.
+	bool m_bUsageFromResource = false;
+	ZolKnownControlPointMap_t m_KnownControlPoints;
+	std::unordered_map<ParticleParamID_t, int, ParticleParamIDHash_t> m_ControlPointEditModes;
+	ParticleParamID_t m_SelectedControlPoint;
 	CUtlString m_CurrentConfigName;
+	IAsset *m_pAsset = nullptr;
+	CResourceHandle m_hResource;
 	bool m_bSuppressModified = false;
 	bool m_bNeedsRecompile = false;
 	// The compiled form as text, for the asset compile and for whoever reads it back.
 	CUtlString m_LastCompiledText;
 	int m_nCompileCount = 0;
-	// Whether the definition's resource holds edited text that the file doesn't.
-	bool m_bAssetEdited = false;
 };

@@ -129,7 +129,7 @@ int RunToolsHost( int argc, char **argv )
 	// The particle classes and their inputs, before any definition is read.
 	RegisterParticleInputClasses();
 	RegisterParticleInputDefaultTests( ToolAttrHost() );
-	SetParticleSystemMgr( HostParticleSystemMgr() );
+	services.SetParticleSystemMgr( HostParticleSystemMgr() );
 
 	CQtPrompt prompt;
 	CScopedPrompt scopedPrompt( &prompt );
@@ -163,13 +163,11 @@ int RunToolsHost( int argc, char **argv )
 		fprintf( stderr, "zol: the tool could not connect to the host's services\n" );
 		return 1;
 	}
-	for ( const char *const *ppName = pTool->GetNeededInterfaces(); *ppName; ++ppName )
+	CUtlString strMissing;
+	if ( !pTool->CheckNeededInterfaces( &Host_CreateInterface, &strMissing ) )
 	{
-		if ( !Host_CreateInterface( *ppName, nullptr ) )
-		{
-			fprintf( stderr, "zol: the host has no \"%s\", which the tool needs\n", *ppName );
-			return 1;
-		}
+		fprintf( stderr, "zol: %s\n", strMissing.Get() );
+		return 1;
 	}
 	if ( !pTool->InitTool() || !pTool->StartTool( 0 ) )
 	{
