@@ -5,7 +5,8 @@
 
 #include "particleslib/particlebiascurves.h"
 #include "particleslib/particlefloatinput.h"
-#include "particleslib/particlenoise.h"
+#include "core/particles/sim/particlenoise.h"
+#include "particleslib/particlenoisepreview.h"
 
 TEST( ParticleBiasCurves, StraightAtZeroAndShapedOtherwise )
 {
