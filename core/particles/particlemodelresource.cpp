@@ -23,14 +23,20 @@ bool CParticleModelCompiler::Compile( const CUtlBuffer &source, const char *pRes
 
 namespace
 {
-// Models read from plain source bytes, by binding and data version, so that each version
-// is parsed once however many collections ask.
+// Models read from plain source bytes, by binding, so that each version of the bytes is
+// parsed once however many collections ask. The entry knows its bytes by their owner, which
+// a newer version (or a binding made later at the same address) never shares.
 struct ParsedModel_t
 {
-	uint32_t m_nVersion = 0;
+	std::weak_ptr<const CResourceData> m_pSource;
 	ParticleModelPtr_t m_pModel;
 	CUtlString m_Error;
 };
+
+bool IsSameData( const std::weak_ptr<const CResourceData> &a, const std::shared_ptr<const CResourceData> &b )
+{
+	return !a.owner_before( b ) && !b.owner_before( a );
+}
 
 ParticleModelPtr_t ModelFromBinding( CResourceBinding *pBinding, CUtlString *pError )
 {
@@ -47,10 +53,9 @@ ParticleModelPtr_t ModelFromBinding( CResourceBinding *pBinding, CUtlString *pEr
 	static std::unordered_map<const CResourceBinding *, ParsedModel_t> s_Parsed;
 	std::lock_guard lock( s_Mutex );
 	ParsedModel_t &parsed = s_Parsed[ pBinding ];
-	uint32_t nVersion = pBinding->GetDataVersion();
-	if ( parsed.m_nVersion != nVersion || ( !parsed.m_pModel && parsed.m_Error.IsEmpty() ) )
+	if ( !IsSameData( parsed.m_pSource, pData ) )
 	{
-		parsed.m_nVersion = nVersion;
+		parsed.m_pSource = pData;
 		parsed.m_Error.Clear();
 		auto pModel = std::make_shared<CParticleModel>();
 		const std::vector<uint8_t> &bytes = pBytes->GetBytes();
