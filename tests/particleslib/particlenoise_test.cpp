@@ -7,10 +7,6 @@
 #include "particleslib/particlefloatinput.h"
 #include "core/particles/sim/particlenoise.h"
 #include "particleslib/particlenoisepreview.h"
-#include "core/kv3transfer/kv3transferobject.h"
-#include "core/particles/sim/particleinputs.h"
-#include "tests/core/particlesim/particlesimtestsupport.h"
-#include "tests/particleslib/particleinputtestsupport.h"
 
 TEST( ParticleBiasCurves, StraightAtZeroAndShapedOtherwise )
 {
@@ -101,54 +97,3 @@ TEST( ParticleNoisePreview, SizeAnimationAndModifiers )
 	EXPECT_TRUE( later.empty() );
 }
 
-namespace
-{
-// What the simulation makes of the same noise input at the place a preview pixel samples.
-struct NoiseCase_t
-{
-	const char *m_pFields;
-};
-} // namespace
-
-TEST( ParticleNoisePreview, ThePreviewShowsWhatTheSimulationComputes )
-{
-	ParticleDefinitionPtr_t pDef = CompileBody( "" );
-	ASSERT_TRUE( pDef );
-	auto pCollection = MakeCollection( pDef );
-	const NoiseCase_t cases[] = {
-		{ "" },
-		{ "m_nNoiseType = \"PF_NOISE_TYPE_SIMPLEX\" m_nNoiseOctaves = 3 m_flNoiseScale = 0.37" },
-		{ "m_nNoiseType = \"PF_NOISE_TYPE_WORLEY\" m_flNoiseOffset = 2.5 m_nNoiseModifier = \"PF_NOISE_MODIFIER_RINGS\"" },
-		{ "m_nNoiseType = \"PF_NOISE_TYPE_CURL\" m_nNoiseTurbulence = \"PF_NOISE_TURB_FEEDBACK\" m_flNoiseTurbulenceMix = 0.8" },
-		{ "m_nNoiseTurbulence = \"PF_NOISE_TURB_ALTERNATE\" m_nNoiseModifier = \"PF_NOISE_MODIFIER_CLUMPS\" m_flNoiseImgPreviewScale = 3" },
-	};
-	for ( const NoiseCase_t &c : cases )
-	{
-		std::string text = std::string( "{ m_nType = \"PF_TYPE_PARTICLE_NOISE\" m_nControlPoint = 1 " ) + c.m_pFields + " }";
-		KeyValues3 kv = ParseKV3Body( text.c_str() );
-		CParticleFloatInput input;
-		CUtlString error;
-		ASSERT_TRUE( LoadKV3ObjectInPlace( &input, &kv, &error ) ) << error.Get();
-		CSimFloatInput sim;
-		ASSERT_TRUE( sim.Load( &kv, &error ) ) << error.Get();
-		sim.Compile( nullptr, false );
-
-		const int nWidth = 24;
-		std::vector<uint8_t> preview;
-		BuildParticleNoisePreview( input, nWidth, 0.0f, &preview );
-		const float flUnit = input.m_flNoiseImgPreviewScale * 0.1f;
-		int nDiffering = 0;
-		for ( int y = 0; y < PARTICLE_NOISE_PREVIEW_HEIGHT; y += 5 )
-		{
-			for ( int x = 0; x < nWidth; x += 3 )
-			{
-				pCollection->SetControlPoint( 1, Vector( float( x ) * flUnit, float( y ) * flUnit, flUnit ) );
-				float flGrey = sim.EvaluateCollection( *pCollection ) * 255.0f;
-				int nPixel = preview[ size_t( y * nWidth + x ) ];
-				EXPECT_NEAR( flGrey, float( nPixel ), 1.01f ) << text << " at " << x << "," << y;
-				nDiffering += std::fabs( flGrey - float( nPixel ) ) > 1.01f ? 1 : 0;
-			}
-		}
-		EXPECT_EQ( nDiffering, 0 ) << text;
-	}
-}

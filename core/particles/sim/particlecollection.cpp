@@ -327,7 +327,8 @@ void CParticleCollection::SetNamedValueModelData( uint32_t nToken, const char *p
 
 void CParticleCollection::SetCameras( const ParticleCamera_t *pCameras, int nCount )
 {
-	m_Cameras.clear();
+	// The cameras may be our own (a parent passing its list on): build the new list aside.
+	std::vector<ParticleCamera_t> cameras;
 	for ( int i = 0; pCameras && i < nCount; ++i )
 	{
 		ParticleCamera_t camera = pCameras[ i ];
@@ -335,8 +336,9 @@ void CParticleCollection::SetCameras( const ParticleCamera_t *pCameras, int nCou
 		camera.m_vForward = ParticleMath::Normalized( camera.m_vForward );
 		if ( ParticleMath::Dot( camera.m_vForward, camera.m_vForward ) == 0.0f )
 			camera.m_vForward = Vector( 1.0f, 0.0f, 0.0f );
-		m_Cameras.push_back( camera );
+		cameras.push_back( camera );
 	}
+	m_Cameras = std::move( cameras );
 	for ( auto &pChild : m_Children )
 		pChild->SetCameras( m_Cameras.data(), int( m_Cameras.size() ) );
 }

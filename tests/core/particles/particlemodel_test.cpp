@@ -8,6 +8,7 @@
 #include <sstream>
 #include <string>
 
+#include "core/containers/utlbuffer.h"
 #include "core/host/resourcesystem.h"
 #include "core/particles/particlemodel.h"
 #include "core/particles/particlemodelresource.h"

@@ -201,7 +201,7 @@ TEST_F( ParticleCameras, ClosestCameraPositionAndChildrenSeeTheSameCameras )
 	ASSERT_NE( pCollection->GetFirstChild(), nullptr );
 	EXPECT_EQ( pCollection->GetFirstChild()->GetCameraCount(), 2 );
 	const auto &child = static_cast<const CParticleCollection &>( *pCollection->GetFirstChild() );
-	EXPECT_FLOAT_EQ( input.EvaluateCollection( child ).z, 500.0f );
+	EXPECT_FLOAT_EQ( input.EvaluateCollection( child ).x, 30.0f ); // without cameras it would be the origin
 }
 
 namespace
@@ -361,4 +361,19 @@ TEST_F( ParticleModels, ChildrenCarryTheParentsControlPointModels )
 	EXPECT_NE( pCollection->GetFirstChild()->GetControlPointModel( 0 ), nullptr );
 	EXPECT_TRUE( pCollection->SetControlPointModel( 0, "" ) );
 	EXPECT_EQ( pCollection->GetFirstChild()->GetControlPointModel( 0 ), nullptr );
+}
+
+TEST_F( ParticleModels, TheModelsRendererDrawsTheBoundModelElseItsOwn )
+{
+	ParticleDefinitionPtr_t pDef = CompileBody( R"(m_Renderers = [ { _class = "C_OP_RenderModels" m_ModelList = [ { m_model = "models/listed.tmsh" } ]
+		m_modelInput = { m_nType = "PM_TYPE_CONTROL_POINT" m_nControlPoint = 2 } } ])" );
+	ASSERT_TRUE( pDef );
+	auto pCollection = MakeCollection( pDef );
+	ASSERT_EQ( pCollection->GetRendererCount(), 1 );
+	ParticleDrawData_t data;
+	ASSERT_TRUE( pCollection->GetDrawData( 0, &data ) );
+	EXPECT_STREQ( data.m_pResource, "models/listed.tmsh" );
+	ASSERT_TRUE( pCollection->SetControlPointModel( 2, "models/crate.tmsh" ) );
+	ASSERT_TRUE( pCollection->GetDrawData( 0, &data ) );
+	EXPECT_STREQ( data.m_pResource, "models/crate.tmsh" );
 }
