@@ -14,6 +14,7 @@
 #include "particleslib/particlemodelinput.h"
 #include "particleslib/particleslogging.h"
 #include "particleslib/particletransforminput.h"
+#include "particleslib/particlevariableref.h"
 #include "particleslib/particlevecinput.h"
 #include "tools/toolutils2/toolattr/toolattrhost.h"
 
@@ -28,7 +29,7 @@ void RegisterOnce()
 {
 	RegisterAll<CParticleInput, CParticleFloatInput, CPerParticleFloatInput, CParticleCollectionFloatInput, CParticleRemapFloatInput,
 				CParticleCollectionRendererFloatInput, CParticleVecInput, CPerParticleVecInput, CParticleCollectionVecInput,
-				CParticleCollectionRendererVecInput, CParticleTransformInput, CParticleModelInput>( ParticleTypeScope() );
+				CParticleCollectionRendererVecInput, CParticleTransformInput, CParticleModelInput, CParticleVariableRef>( ParticleTypeScope() );
 }
 
 template <typename C> bool InputsEquivalent( const KeyValues3 *pValue, const KeyValues3 *pDefault )

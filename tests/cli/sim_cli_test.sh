@@ -56,5 +56,35 @@ echo "$out" | grep -q "particles/gone.tfxs" || fail "the missing child is not na
 "$zol" sim "${samples[0]}" --cp 99=1,2,3 >/dev/null 2>&1
 [ $? -eq 2 ] || fail "--cp 99 was not refused"
 
+# Cameras: an emission rate driven by the closest camera's distance.
+header='--- kv3 encoding=text:e21c7f3c-8a33-41c5-9977-a76d3a32aa0d format=tfxs63:a6e6a69e-52d3-4527-8b9c-ff3bb91aca3e ---'
+printf '%s\n{ _class = "CParticleSystemDefinition" m_flConstantLifespan = 100.0 m_nMaxParticles = 5000 m_Emitters = [ { _class = "C_OP_ContinuousEmitter" m_flEmitRate = { m_nType = "PF_TYPE_CLOSEST_CAMERA_DISTANCE" m_flNoCameraFallback = 20.0 } } ] }\n' "$header" > "$tmp/camera.tfxs"
+peak() { echo "$1" | sed -n 's/^summary: .*, peak particles \([0-9]*\),.*/\1/p'; }
+out=$("$zol" sim "$tmp/camera.tfxs" --seconds 1 2>&1) || fail "camera definition refused: $out"
+[ "$(peak "$out")" -ge 18 ] && [ "$(peak "$out")" -le 22 ] || fail "no camera should emit at the fallback rate 20: $out"
+out=$("$zol" sim "$tmp/camera.tfxs" --seconds 1 --camera 0,0,300 2>&1) || fail "--camera refused: $out"
+[ "$(peak "$out")" -ge 290 ] && [ "$(peak "$out")" -le 310 ] || fail "a camera 300 away should emit about 300: $out"
+out=$("$zol" sim "$tmp/camera.tfxs" --seconds 1 --camera 0,0,300 --camera 100,0,0 2>&1) || fail "two cameras refused: $out"
+[ "$(peak "$out")" -ge 95 ] && [ "$(peak "$out")" -le 105 ] || fail "the nearer of two cameras should count: $out"
+"$zol" sim "$tmp/camera.tfxs" --camera 1,2 >/dev/null 2>&1
+[ $? -eq 2 ] || fail "--camera 1,2 was not refused"
+
+# Models: particles born on the shipped crate's hitbox, moved with its control point.
+printf '%s\n{ _class = "CParticleSystemDefinition" m_flConstantLifespan = 100.0 m_flConstantRadius = 0.0 m_Emitters = [ { _class = "C_OP_InstantaneousEmitter" m_nParticlesToEmit = 300 } ] m_Initializers = [ { _class = "C_INIT_CreateOnModel" m_modelInput = { m_nType = "PM_TYPE_CONTROL_POINT" m_nControlPoint = 1 } m_transformInput = { m_nControlPoint = 1 } } ] }\n' "$header" > "$tmp/onmodel.tfxs"
+crate="$src/content/content/models/crate.tmsh"
+out=$("$zol" sim "$tmp/onmodel.tfxs" --seconds 1 --cp-model 1="$crate" --cp 1=100,0,0 2>&1) || fail "--cp-model refused: $out"
+echo "$out" | grep -q '^t=1.00 particles 300 .*bounds (84\.[0-9] -1[56]\.[0-9] 0\.[0-9])-(11[56]\.[0-9] 1[56]\.[0-9] 3[12]\.[0-9])' ||
+  fail "particles are not on the crate at control point 1: $out"
+out=$("$zol" sim "$tmp/onmodel.tfxs" --seconds 1 2>&1) || fail "create on model without a model refused: $out"
+echo "$out" | grep -q '^t=1.00 particles 300 .*bounds (-[78]\.[0-9]' || fail "without a model the stand-in sphere should be used: $out"
+printf '%s\n{ m_Triangles = [ 0, 1, 2 ] }\n' "$header" > "$tmp/broken.tmsh"
+out=$("$zol" sim "$tmp/onmodel.tfxs" --cp-model 1="$tmp/broken.tmsh" 2>&1)
+[ $? -eq 1 ] || fail "a broken model did not exit 1: $out"
+echo "$out" | grep -q 'm_Triangles\[0\]' || fail "the broken model's fault is not named: $out"
+out=$("$zol" sim "$tmp/onmodel.tfxs" --cp-model 1="$tmp/nothere.tmsh" 2>&1)
+[ $? -eq 1 ] || fail "a missing model did not exit 1: $out"
+"$zol" sim "$tmp/onmodel.tfxs" --cp-model 64="$crate" >/dev/null 2>&1
+[ $? -eq 2 ] || fail "--cp-model 64 was not refused"
+
 [ $failures -eq 0 ] && echo "all sim cli checks passed"
 exit $((failures > 0))

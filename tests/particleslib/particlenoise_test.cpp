@@ -5,7 +5,8 @@
 
 #include "particleslib/particlebiascurves.h"
 #include "particleslib/particlefloatinput.h"
-#include "particleslib/particlenoise.h"
+#include "core/particles/sim/particlenoise.h"
+#include "particleslib/particlenoisepreview.h"
 
 TEST( ParticleBiasCurves, StraightAtZeroAndShapedOtherwise )
 {
@@ -95,3 +96,4 @@ TEST( ParticleNoisePreview, SizeAnimationAndModifiers )
 	BuildParticleNoisePreview( input, 0, 0.0f, &later );
 	EXPECT_TRUE( later.empty() );
 }
+

@@ -7,9 +7,11 @@
 
 #include "core/mathlib/vector.h"
 #include "core/particles/particleparamid.h"
+#include "core/particles/sim/particlecamera.h"
 #include "core/particles/sim/particledrawdata.h"
 #include "core/particles/sim/particleprofilestats.h"
 
+class CParticleModel;
 class CParticleRuntimeDefinition;
 
 constexpr int MAX_PARTICLE_CONTROL_POINTS = 64;
@@ -34,13 +36,26 @@ public:
 	virtual void GetControlPointOrientation( int nPoint, Vector *pForward, Vector *pRight, Vector *pUp ) const = 0;
 	virtual Vector GetControlPointVelocity( int nPoint ) const = 0;
 	virtual bool IsControlPointSet( int nPoint ) const = 0;
+	// The model a control point carries, by resource name ("models/crate.tmsh"); an empty
+	// name takes it off. False, with the reason logged once, when the model can't be had:
+	// the point then carries none.
+	virtual bool SetControlPointModel( int nPoint, const char *pModelName ) = 0;
+	virtual const CParticleModel *GetControlPointModel( int nPoint ) const = 0;
 
 	// Named values by identifier; false when no system of the tree knows the name.
 	virtual bool SetNamedValueFloat( const ParticleParamID_t &id, float flValue ) = 0;
 	virtual bool SetNamedValueVector( const ParticleParamID_t &id, const Vector &vValue ) = 0;
 	virtual bool SetNamedValueTransform( const ParticleParamID_t &id, const Vector &vOrigin, const Vector &vForward, const Vector &vRight, const Vector &vUp ) = 0;
+	// A model variable (PVAL_RESOURCE:tmsh) takes a model by resource name, as above.
+	virtual bool SetNamedValueModel( const ParticleParamID_t &id, const char *pModelName ) = 0;
 	virtual float GetNamedValueFloat( const ParticleParamID_t &id ) const = 0;
 	virtual Vector GetNamedValueVector( const ParticleParamID_t &id ) const = 0;
+
+	// The cameras of the view, for camera-driven inputs; children see the same. Without
+	// any, those inputs take their no-camera fallback.
+	virtual void SetCameras( const ParticleCamera_t *pCameras, int nCount ) = 0;
+	virtual void ClearCameras() = 0;
+	virtual int GetCameraCount() const = 0;
 
 	// Starts over: time 0, emission on, particles kept. An aggregation keeps its old centre.
 	virtual void Restart( bool bAggregate = false, const Vector &vOldCenter = Vector() ) = 0;

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <chrono>
 
+#include "core/logging/logonce.h"
+#include "core/particles/particlemodelresource.h"
 #include "core/particles/sim/particlesimmath.h"
 
 namespace
@@ -46,6 +48,15 @@ CParticleCollection::CParticleCollection( const ParticleDefinitionPtr_t &pDefini
 		const ParticleNamedValueEntry_t &entry = m_pDefinition->m_NamedValues.Get( nSlot );
 		m_NamedValues[ size_t( nSlot ) ].m_flValue = entry.m_flDefault;
 		m_NamedValues[ size_t( nSlot ) ].m_vValue = entry.m_vDefault;
+		// A model variable's default names its model; a missing one leaves the variable empty.
+		if ( !entry.m_DefaultResource.IsEmpty() && entry.m_Type.IsEqual_CaseInsensitive( "PVAL_RESOURCE:tmsh" ) )
+		{
+			CUtlString error;
+			m_NamedValues[ size_t( nSlot ) ].m_ModelName = entry.m_DefaultResource;
+			m_NamedValues[ size_t( nSlot ) ].m_pModel = FindParticleModel( entry.m_DefaultResource.Get(), &error );
+			if ( !m_NamedValues[ size_t( nSlot ) ].m_pModel )
+				LoggingSystem_LogOnceByKey( LOG_ZOL, LS_WARNING, entry.m_DefaultResource.Get(), "Model variable '%s': %s\n", entry.m_ID.m_pName ? entry.m_ID.m_pName : "", error.Get() );
+		}
 	}
 	m_EmitterStates.resize( m_pDefinition->GetFunctions( PARTICLE_FUNCTION_EMITTER ).size() );
 	for ( const auto &pRenderer : m_pDefinition->GetFunctions( PARTICLE_FUNCTION_RENDERER ) )
@@ -252,6 +263,106 @@ bool CParticleCollection::SetNamedValueTransform( const ParticleParamID_t &id, c
 	for ( auto &pChild : m_Children )
 		bFound |= pChild->SetNamedValueTransform( id, vOrigin, vForward, vRight, vUp );
 	return bFound;
+}
+
+bool CParticleCollection::SetControlPointModel( int nPoint, const char *pModelName )
+{
+	if ( nPoint < 0 || nPoint >= MAX_PARTICLE_CONTROL_POINTS )
+		return false;
+	ParticleModelPtr_t pModel;
+	bool bOk = true;
+	if ( pModelName && *pModelName )
+	{
+		CUtlString error;
+		pModel = FindParticleModel( pModelName, &error );
+		if ( !pModel )
+		{
+			LoggingSystem_LogOnceByKey( LOG_ZOL, LS_WARNING, pModelName, "Control point %d model: %s\n", nPoint, error.Get() );
+			bOk = false;
+		}
+	}
+	SetControlPointModelData( nPoint, pModel );
+	return bOk;
+}
+
+void CParticleCollection::SetControlPointModelData( int nPoint, const ParticleModelPtr_t &pModel )
+{
+	m_ControlPointModels[ nPoint ] = pModel;
+	for ( auto &pChild : m_Children )
+		pChild->SetControlPointModelData( nPoint, pModel );
+}
+
+const CParticleModel *CParticleCollection::GetControlPointModel( int nPoint ) const
+{
+	return nPoint >= 0 && nPoint < MAX_PARTICLE_CONTROL_POINTS ? m_ControlPointModels[ nPoint ].get() : nullptr;
+}
+
+bool CParticleCollection::SetNamedValueModel( const ParticleParamID_t &id, const char *pModelName )
+{
+	ParticleModelPtr_t pModel;
+	if ( pModelName && *pModelName )
+	{
+		CUtlString error;
+		pModel = FindParticleModel( pModelName, &error );
+		if ( !pModel )
+			LoggingSystem_LogOnceByKey( LOG_ZOL, LS_WARNING, pModelName, "Model variable '%s': %s\n", id.m_pName ? id.m_pName : "", error.Get() );
+	}
+	bool bFound = false;
+	SetNamedValueModelData( id.m_nToken, pModelName, pModel, &bFound );
+	return bFound && ( pModel || !pModelName || !*pModelName );
+}
+
+void CParticleCollection::SetNamedValueModelData( uint32_t nToken, const char *pName, const ParticleModelPtr_t &pModel, bool *pFound )
+{
+	int nSlot = m_pDefinition->m_NamedValues.Find( nToken );
+	if ( nSlot >= 0 )
+	{
+		m_NamedValues[ size_t( nSlot ) ].m_ModelName = pName ? pName : "";
+		m_NamedValues[ size_t( nSlot ) ].m_pModel = pModel;
+		*pFound = true;
+	}
+	for ( auto &pChild : m_Children )
+		pChild->SetNamedValueModelData( nToken, pName, pModel, pFound );
+}
+
+void CParticleCollection::SetCameras( const ParticleCamera_t *pCameras, int nCount )
+{
+	// The cameras may be our own (a parent passing its list on): build the new list aside.
+	std::vector<ParticleCamera_t> cameras;
+	for ( int i = 0; pCameras && i < nCount; ++i )
+	{
+		ParticleCamera_t camera = pCameras[ i ];
+		// A camera without a direction looks down +x, so facing measures stay defined.
+		camera.m_vForward = ParticleMath::Normalized( camera.m_vForward );
+		if ( ParticleMath::Dot( camera.m_vForward, camera.m_vForward ) == 0.0f )
+			camera.m_vForward = Vector( 1.0f, 0.0f, 0.0f );
+		cameras.push_back( camera );
+	}
+	m_Cameras = std::move( cameras );
+	for ( auto &pChild : m_Children )
+		pChild->SetCameras( m_Cameras.data(), int( m_Cameras.size() ) );
+}
+
+void CParticleCollection::ClearCameras()
+{
+	SetCameras( nullptr, 0 );
+}
+
+const ParticleCamera_t *CParticleCollection::FindClosestCamera( const Vector &vPoint ) const
+{
+	const ParticleCamera_t *pClosest = nullptr;
+	float flBest = 0.0f;
+	for ( const ParticleCamera_t &camera : m_Cameras )
+	{
+		Vector d = ParticleMath::Sub( camera.m_vPosition, vPoint );
+		float flDistSq = ParticleMath::Dot( d, d );
+		if ( !pClosest || flDistSq < flBest )
+		{
+			pClosest = &camera;
+			flBest = flDistSq;
+		}
+	}
+	return pClosest;
 }
 
 float CParticleCollection::GetNamedValueFloat( const ParticleParamID_t &id ) const

@@ -7,6 +7,7 @@
 #include <memory>
 #include <vector>
 
+#include "core/particles/particlemodel.h"
 #include "core/particles/sim/iparticlecollection.h"
 #include "core/particles/sim/particleattributestorage.h"
 #include "core/particles/sim/particlerandom.h"
@@ -32,6 +33,9 @@ struct ParticleNamedValue_t
 	Vector m_vForward{ 1.0f, 0.0f, 0.0f };
 	Vector m_vRight{ 0.0f, -1.0f, 0.0f };
 	Vector m_vUp{ 0.0f, 0.0f, 1.0f };
+	// A model variable's model, and the name it was set by.
+	CUtlString m_ModelName;
+	ParticleModelPtr_t m_pModel;
 };
 
 class CParticleCollection final : public IParticleCollection
@@ -53,11 +57,17 @@ public:
 	void GetControlPointOrientation( int nPoint, Vector *pForward, Vector *pRight, Vector *pUp ) const override;
 	Vector GetControlPointVelocity( int nPoint ) const override;
 	bool IsControlPointSet( int nPoint ) const override { return GetControlPoint( nPoint ).m_bSet; }
+	bool SetControlPointModel( int nPoint, const char *pModelName ) override;
+	const CParticleModel *GetControlPointModel( int nPoint ) const override;
 	bool SetNamedValueFloat( const ParticleParamID_t &id, float flValue ) override;
 	bool SetNamedValueVector( const ParticleParamID_t &id, const Vector &vValue ) override;
 	bool SetNamedValueTransform( const ParticleParamID_t &id, const Vector &vOrigin, const Vector &vForward, const Vector &vRight, const Vector &vUp ) override;
+	bool SetNamedValueModel( const ParticleParamID_t &id, const char *pModelName ) override;
 	float GetNamedValueFloat( const ParticleParamID_t &id ) const override;
 	Vector GetNamedValueVector( const ParticleParamID_t &id ) const override;
+	void SetCameras( const ParticleCamera_t *pCameras, int nCount ) override;
+	void ClearCameras() override;
+	int GetCameraCount() const override { return int( m_Cameras.size() ); }
 	void Restart( bool bAggregate, const Vector &vOldCenter ) override;
 	void Simulate( float flDt ) override;
 	void SimulateCulled( float flDt ) override;
@@ -92,6 +102,9 @@ public:
 	const float *InitialStream( int nAttribute, int nComponent = 0 ) const;
 	const ParticleControlPoint_t &GetControlPoint( int nPoint ) const;
 	const ParticleNamedValue_t *GetNamedValue( int nSlot ) const;
+	const std::vector<ParticleCamera_t> &GetCameras() const { return m_Cameras; }
+	// The camera nearest a point, or null without cameras.
+	const ParticleCamera_t *FindClosestCamera( const Vector &vPoint ) const;
 	float GetTime() const { return m_flCurTime; }
 	float GetEndCapTime() const { return m_flEndCapTime; }
 	bool IsInEndCap() const { return m_bInEndCap; }
@@ -116,6 +129,8 @@ private:
 	void RemoveKilledParticles();
 	void RunStep( float flDt, bool bMove );
 	void StartEndCap();
+	void SetControlPointModelData( int nPoint, const ParticleModelPtr_t &pModel );
+	void SetNamedValueModelData( uint32_t nToken, const char *pName, const ParticleModelPtr_t &pModel, bool *pFound );
 	CParticleCollection *RootCollection();
 
 	ParticleDefinitionPtr_t m_pDefinition;
@@ -138,6 +153,8 @@ private:
 
 	ParticleControlPoint_t m_ControlPoints[ MAX_PARTICLE_CONTROL_POINTS ];
 	std::vector<ParticleNamedValue_t> m_NamedValues;
+	ParticleModelPtr_t m_ControlPointModels[ MAX_PARTICLE_CONTROL_POINTS ];
+	std::vector<ParticleCamera_t> m_Cameras;
 	std::vector<ParticleEmitterState_t> m_EmitterStates;
 
 	float m_flCurTime = 0.0f;

@@ -15,6 +15,7 @@
 
 class KeyValues3;
 class CParticleCollection;
+class CParticleModel;
 class CHostNamedValueBindings;
 
 // Bias curves shared by random and remap stages; p in -1 .. 1, x in 0 .. 1.
@@ -204,8 +205,11 @@ class CSimModelInput
 public:
 	bool Load( const KeyValues3 *pValue, CUtlString *pError );
 	void Compile( ParticleInputCompileContext_t *pContext );
-	// The model's name as the system knows it: the named value's resource, or "" when the
-	// model comes from an entity the runtime doesn't have.
+	// The model the input stands for: a model variable's model (type 1) or the model its
+	// control point carries (type 3). An entity variable (type 2) names no model the
+	// runtime can reach headless, so it gives null, as does anything not bound.
+	const CParticleModel *GetModel( const CParticleCollection &collection ) const;
+	// The model's resource name, or "" when there is none.
 	const char *GetModelName( const CParticleCollection &collection ) const;
 	// The control point the model follows, or -1.
 	int GetControlPoint() const { return m_nType == PM_TYPE_CONTROL_POINT ? m_nControlPoint : -1; }

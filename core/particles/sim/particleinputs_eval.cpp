@@ -48,29 +48,32 @@ inline Vector ParticleVelocity( const CParticleCollection &collection, int i )
 	return Scale( Sub( vPos, vPrev ), flInvDt );
 }
 
-float NoiseModifier( int nModifier, float v )
+float CameraDistance( const ParticleCamera_t &camera, const Vector &vPoint )
 {
-	const float PI = 3.14159265f;
-	switch ( nModifier )
-	{
-	case 0:
-		return 0.5f * v + 0.5f;
-	case 1:
-	{
-		float s = std::sin( 3.0f * PI * v );
-		return s * s;
-	}
-	case 2:
-	{
-		float a = std::fabs( v );
-		return -0.5f + a / 0.75f + a / 1.5f + a / 3.0f + a / 6.0f;
-	}
-	case 3:
-		return ( std::min( std::fabs( std::sin( PI * v ) ), 1.0f ) + 0.25f ) / 1.25f;
-	default:
-		return 1.0f;
-	}
+	return Length( Sub( vPoint, camera.m_vPosition ) );
 }
+
+// 1 when the point lies straight ahead of the camera, 0 beside it, -1 behind.
+float CameraDotProduct( const ParticleCamera_t &camera, const Vector &vPoint )
+{
+	Vector vDir = Normalized( Sub( vPoint, camera.m_vPosition ) );
+	return Dot( vDir, camera.m_vForward );
+}
+
+// How far from the centre of the screen the point shows, in half screen widths: 0 in the
+// middle, 1 at the left or right edge. Points at or behind the camera plane lie far off screen.
+float ScreenSpaceDistance( const ParticleCamera_t &camera, const Vector &vPoint )
+{
+	constexpr float BEHIND_CAMERA = 1.0e6f;
+	Vector d = Sub( vPoint, camera.m_vPosition );
+	float flDepth = Dot( d, camera.m_vForward );
+	if ( flDepth <= 1.0e-3f )
+		return BEHIND_CAMERA;
+	float flLateral = Length( Sub( d, Scale( camera.m_vForward, flDepth ) ) );
+	float flHalfFov = Clamp( camera.m_flFovDegrees, 1.0f, 179.0f ) * 0.5f * 3.14159265f / 180.0f;
+	return flLateral / ( flDepth * std::tan( flHalfFov ) );
+}
+
 } // namespace
 
 float ParticleBias( int nBiasType, float flParameter, float x )
@@ -199,25 +202,20 @@ float CSimFloatInput::RandomValue( const CParticleCollection &collection, uint32
 
 float CSimFloatInput::NoiseAt( const Vector &position, float flTime ) const
 {
+	// The same shaped noise, offset and scale as the editor's preview of this input.
+	ParticleNoiseShape_t shape;
+	shape.m_nType = m_nNoiseType;
+	shape.m_nOctaves = m_nNoiseOctaves;
+	shape.m_nTurbulence = m_nNoiseTurbulence;
+	shape.m_nModifier = m_nNoiseModifier;
+	shape.m_flTurbulenceScale = m_flNoiseTurbulenceScale;
+	shape.m_flTurbulenceMix = m_flNoiseTurbulenceMix;
+	shape.SetOffset( m_flNoiseOffset );
+	const float flBase = m_flNoiseOffset + m_flNoiseOffset * 0.1f;
 	Vector p = Add( Scale( position, m_flNoiseScale ), Scale( m_vecNoiseOffsetRate, flTime ) );
-	p = Add( p, Vector( m_flNoiseOffset, m_flNoiseOffset, m_flNoiseOffset ) );
-	float a = 1.0f, s = 0.0f;
-	for ( int i = 0; i < m_nNoiseOctaves; ++i )
-	{
-		s += ParticleNoise( m_nNoiseType, p.x / a, p.y / a, p.z / a ) * a;
-		a *= 0.5f;
-	}
-	float v = s;
-	float M = m_flNoiseTurbulenceMix;
-	if ( m_nNoiseTurbulence != 0 && M != 0.0f )
-	{
-		Vector P = Scale( p, m_flNoiseTurbulenceScale );
-		float n = ParticleNoise( m_nNoiseType, P.x + 2.804f + v, P.y + 1.98f, P.z + 2.43f );
-		v = m_nNoiseTurbulence == 1 ? v * ( 1.0f - M ) + ( 1.0f - std::fabs( n ) * 2.0f ) * M : v * ( 1.0f - M ) + n * M;
-	}
-	static const float s_Normalise[] = { 1.0f, 1.0f, 1.5f, 1.75f, 1.875f };
-	v /= s_Normalise[ std::clamp( m_nNoiseOctaves, 1, 4 ) ];
-	float m = Clamp( NoiseModifier( m_nNoiseModifier, v ), 0.0f, 1.0f );
+	p = Add( p, Vector( flBase, flBase, flBase ) );
+	float m = ParticleShapedNoise( shape, p );
+	m = std::isnan( m ) ? 0.0f : Clamp( m, 0.0f, 1.0f );
 	return m_flNoiseOutputMin + ( m_flNoiseOutputMax - m_flNoiseOutputMin ) * m;
 }
 
@@ -253,12 +251,33 @@ float CSimFloatInput::EvaluateSource( const CParticleCollection &c, int i ) cons
 	case PF_TYPE_CONCURRENT_DEF_COUNT:
 		return float( c.GetDefinition()->m_nLiveCollections.load( std::memory_order_relaxed ) );
 	case PF_TYPE_CLOSEST_CAMERA_DISTANCE:
+	{
+		// From the system's origin to the nearest of the view's cameras.
+		Vector vOrigin = c.GetControlPoint( 0 ).m_vPosition;
+		const ParticleCamera_t *pCamera = c.FindClosestCamera( vOrigin );
+		return pCamera ? Length( Sub( pCamera->m_vPosition, vOrigin ) ) : m_flNoCameraFallback;
+	}
 	case PF_TYPE_RENDERER_CAMERA_DISTANCE:
 	case PF_TYPE_RENDERER_CAMERA_DOT_PRODUCT:
+	{
+		// The renderer draws through the view's first camera.
+		if ( c.GetCameras().empty() )
+			return m_flNoCameraFallback;
+		const ParticleCamera_t &camera = c.GetCameras().front();
+		Vector vPoint = c.GetControlPoint( m_nControlPoint ).m_vPosition;
+		if ( m_bUseBoundsCenter && c.AreBoundsValid() )
+			vPoint = Scale( Add( c.GetBoundsMin(), c.GetBoundsMax() ), 0.5f );
+		return m_nType == PF_TYPE_RENDERER_CAMERA_DISTANCE ? CameraDistance( camera, vPoint ) : CameraDotProduct( camera, vPoint );
+	}
 	case PF_TYPE_PARTICLE_SCREENSPACE_CAMERA_DISTANCE:
 	case PF_TYPE_PARTICLE_SCREENSPACE_CAMERA_DOT_PRODUCT:
-		// A headless run has no camera.
-		return m_flNoCameraFallback;
+	{
+		if ( c.GetCameras().empty() )
+			return m_flNoCameraFallback;
+		const ParticleCamera_t &camera = c.GetCameras().front();
+		Vector vPoint = i >= 0 ? AttributeVector( c, PARTICLE_ATTRIBUTE_POSITION, i, false ) : c.GetControlPoint( 0 ).m_vPosition;
+		return m_nType == PF_TYPE_PARTICLE_SCREENSPACE_CAMERA_DISTANCE ? ScreenSpaceDistance( camera, vPoint ) : CameraDotProduct( camera, vPoint );
+	}
 	case PF_TYPE_PARTICLE_NOISE:
 	{
 		Vector p = ( m_bPerParticle && i >= 0 ) ? AttributeVector( c, m_nNoiseInputVectorAttribute, i, false ) : c.GetControlPoint( m_nControlPoint ).m_vPosition;
@@ -500,8 +519,12 @@ Vector CSimVecInput::EvaluateOne( const CParticleCollection &c, int i ) const
 	case PVEC_TYPE_CP_DELTA:
 		return Sub( c.GetControlPoint( m_nDeltaControlPoint ).m_vPosition, c.GetControlPoint( m_nControlPoint ).m_vPosition );
 	case PVEC_TYPE_CLOSEST_CAMERA_POSITION:
-		// No camera in a headless run: where the system stands.
-		return c.GetControlPoint( 0 ).m_vPosition;
+	{
+		// Without a camera: where the system stands.
+		Vector vOrigin = c.GetControlPoint( 0 ).m_vPosition;
+		const ParticleCamera_t *pCamera = c.FindClosestCamera( vOrigin );
+		return pCamera ? pCamera->m_vPosition : vOrigin;
+	}
 	default:
 		return Vector();
 	}
@@ -670,11 +693,26 @@ void CSimTransformInput::CollectControlPointUsage( CUtlVector<HostControlPointUs
 	}
 }
 
-const char *CSimModelInput::GetModelName( const CParticleCollection & ) const
+const CParticleModel *CSimModelInput::GetModel( const CParticleCollection &c ) const
 {
-	// Models come from entities and resources the runtime doesn't load; renderers that
-	// need one take their own field.
-	return "";
+	switch ( m_nType )
+	{
+	case PM_TYPE_NAMED_VALUE_MODEL:
+	{
+		const ParticleNamedValue_t *pValue = c.GetNamedValue( m_nNamedValueSlot );
+		return pValue ? pValue->m_pModel.get() : nullptr;
+	}
+	case PM_TYPE_CONTROL_POINT:
+		return c.GetControlPointModel( m_nControlPoint );
+	default:
+		return nullptr;
+	}
+}
+
+const char *CSimModelInput::GetModelName( const CParticleCollection &c ) const
+{
+	const CParticleModel *pModel = GetModel( c );
+	return pModel ? pModel->GetName() : "";
 }
 
 void CSimModelInput::CollectControlPointUsage( CUtlVector<HostControlPointUsage_t> *pUsage ) const

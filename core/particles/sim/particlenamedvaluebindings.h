@@ -19,6 +19,8 @@ struct ParticleNamedValueEntry_t
 	float m_flDefault = 0.0f;
 	Vector m_vDefault;
 	Vector m_vDefaultAngles;
+	// A resource variable's default: the resource name.
+	CUtlString m_DefaultResource;
 };
 
 class CHostNamedValueBindings

@@ -13,6 +13,7 @@
 #include "core/particles/sim/particlefunctionreader.h"
 #include "core/particles/sim/particlekv3read.h"
 #include "core/schema/schemasystemtypescope.h"
+#include "core/text/strtools.h"
 
 using namespace ParticleKV3;
 
@@ -67,6 +68,10 @@ void ReadNamedValueLocal( const KeyValues3 *pLocal, CHostNamedValueBindings *pBi
 		// A transform: origin and angles.
 		entry.m_vDefault = ReadVector( Member( pValue, "m_vPosition" ), ReadVector( Member( pValue, "m_vOrigin" ), Vector() ) );
 		entry.m_vDefaultAngles = ReadVector( Member( pValue, "m_angOrientation" ), Vector() );
+	}
+	else if ( pValue && pValue->IsString() && V_strnicmp_fast( entry.m_Type.Get(), "PVAL_RESOURCE", 13 ) == 0 )
+	{
+		entry.m_DefaultResource = pValue->GetString();
 	}
 	else if ( pValue )
 	{

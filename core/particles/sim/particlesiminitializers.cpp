@@ -1,7 +1,10 @@
 // Initializers: a newborn particle's attributes, set once over the run of new particles.
 
+#include <algorithm>
 #include <cmath>
+#include <vector>
 
+#include "core/particles/particlemodel.h"
 #include "core/particles/sim/particlecollection.h"
 #include "core/particles/sim/particlefunctionreader.h"
 #include "core/particles/sim/particlenoise.h"
@@ -543,8 +546,10 @@ private:
 	bool m_bEvenDistribution = false, m_bXYVelocityOnly = true;
 };
 
-// Without a model's geometry the run time places particles on (or, when forced inside, in)
-// a small sphere around the model's control point, scaled per axis by the hitbox scale.
+// Places particles on the hitboxes of the bound model (of the named set, or all of them
+// when the set has none), on its triangles when it has no hitboxes, and, with no model
+// bound, on (or, when forced inside, in) a small stand-in sphere around the model's control
+// point. The hitbox scale stretches each hitbox about its own origin.
 class CCreateOnModel final : public CParticleSimFunction
 {
 public:
@@ -557,6 +562,7 @@ public:
 		m_nForceInModel = reader.Int( "m_nForceInModel", 0 );
 		m_HitboxScale = CSimVecInput( Vector( 1.0f, 1.0f, 1.0f ) );
 		reader.VecInput( "m_vecHitBoxScale", &m_HitboxScale, false );
+		m_HitboxSetName = reader.String( "m_HitboxSetName", "default" );
 		reader.Writes( PARTICLE_ATTRIBUTE_POSITION );
 		reader.Writes( PARTICLE_ATTRIBUTE_PREVIOUS_POSITION );
 		reader.Writes( PARTICLE_ATTRIBUTE_HITBOX_INDEX );
@@ -566,23 +572,38 @@ public:
 	void InitNewParticles( CParticleCollection &c, int nStart, int nCount ) const override
 	{
 		ParticleTransform_t transform = m_Transform.Evaluate( c );
-		if ( m_Model.GetControlPoint() >= 0 )
-			transform.m_vOrigin = c.GetControlPoint( m_Model.GetControlPoint() ).m_vPosition;
-		Vector vScale = Scale( m_HitboxScale.EvaluateCollection( c ), STAND_IN_RADIUS );
+		int nModelPoint = m_Model.GetControlPoint();
+		if ( nModelPoint >= 0 )
+		{
+			// The model stands at its control point, turned as the point is.
+			const ParticleControlPoint_t &cp = c.GetControlPoint( nModelPoint );
+			transform.m_vOrigin = cp.m_vPosition;
+			transform.m_vForward = cp.m_vForward;
+			transform.m_vRight = cp.m_vRight;
+			transform.m_vUp = cp.m_vUp;
+		}
+		Vector vHitboxScale = m_HitboxScale.EvaluateCollection( c );
+		bool bInside = m_nForceInModel == 1;
+		const CParticleModel *pModel = m_Model.GetModel( c );
+		std::vector<int> hitboxes;
+		if ( pModel )
+			pModel->GetHitboxesOfSet( m_HitboxSetName.Get(), &hitboxes );
 		CParticleRandom &random = c.Random();
 		float *pHitbox = c.Stream( PARTICLE_ATTRIBUTE_HITBOX_INDEX );
 		for ( int i = nStart; i < nStart + nCount; ++i )
 		{
-			Vector vDir;
-			float flLengthSq;
-			do
+			Vector vLocal;
+			int nHitbox = -1;
+			if ( !hitboxes.empty() )
 			{
-				vDir = Vector( random.NextFloat() * 2.0f - 1.0f, random.NextFloat() * 2.0f - 1.0f, random.NextFloat() * 2.0f - 1.0f );
-				flLengthSq = Dot( vDir, vDir );
-			} while ( flLengthSq > 1.0f || flLengthSq < 1e-6f );
-			// Inside: the point in the ball as drawn; otherwise pushed out to the surface.
-			Vector vLocal = m_nForceInModel == 1 ? vDir : Scale( vDir, 1.0f / std::sqrt( flLengthSq ) );
-			vLocal = Mul( vLocal, vScale );
+				nHitbox = hitboxes[ size_t( random.RandomInt( 0, int( hitboxes.size() ) - 1 ) ) ];
+				vLocal = pModel->SampleHitbox( nHitbox, bInside, vHitboxScale, random );
+			}
+			else if ( !pModel || !pModel->SampleSurface( random, &vLocal ) )
+			{
+				vLocal = StandInPoint( random, bInside, Scale( vHitboxScale, STAND_IN_RADIUS ) );
+			}
+			// Model space is the frame's: x forward, y left, z up.
 			Vector vPos = LocalToWorld( transform.m_vOrigin, transform.m_vForward, transform.m_vRight, transform.m_vUp, vLocal );
 			for ( int k = 0; k < 3; ++k )
 			{
@@ -590,14 +611,29 @@ public:
 				c.Stream( PARTICLE_ATTRIBUTE_PREVIOUS_POSITION, k )[ i ] = vPos[ k ];
 				c.Stream( PARTICLE_ATTRIBUTE_HITBOX_OFFSET_POSITION, k )[ i ] = vLocal[ k ];
 			}
-			pHitbox[ i ] = 0.0f;
+			pHitbox[ i ] = float( std::max( nHitbox, 0 ) );
 		}
 	}
 
 private:
+	static Vector StandInPoint( CParticleRandom &random, bool bInside, const Vector &vScale )
+	{
+		Vector vDir;
+		float flLengthSq;
+		do
+		{
+			vDir = Vector( random.NextFloat() * 2.0f - 1.0f, random.NextFloat() * 2.0f - 1.0f, random.NextFloat() * 2.0f - 1.0f );
+			flLengthSq = Dot( vDir, vDir );
+		} while ( flLengthSq > 1.0f || flLengthSq < 1e-6f );
+		// Inside: the point in the ball as drawn; otherwise pushed out to the surface.
+		Vector vLocal = bInside ? vDir : Scale( vDir, 1.0f / std::sqrt( flLengthSq ) );
+		return Mul( vLocal, vScale );
+	}
+
 	CSimModelInput m_Model;
 	CSimTransformInput m_Transform;
 	CSimVecInput m_HitboxScale;
+	CUtlString m_HitboxSetName;
 	int m_nForceInModel = 0;
 };
 

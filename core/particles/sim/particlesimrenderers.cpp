@@ -111,6 +111,7 @@ public:
 			reader.FirstModelOfList( "m_ModelList", &first );
 			m_Resource = first;
 		}
+		reader.ModelInput( "m_modelInput", &m_ModelInput );
 		reader.Reads( PARTICLE_ATTRIBUTE_YAW );
 		reader.Reads( PARTICLE_ATTRIBUTE_PITCH );
 	}
@@ -119,11 +120,16 @@ public:
 	{
 		FillCommon( c, pData );
 		pData->m_eKind = PARTICLE_RENDERER_MODELS;
-		pData->m_pResource = m_Resource.Get();
+		// A model bound through the model input (a control point's or a variable's) wins.
+		const char *pBound = m_ModelInput.GetModelName( c );
+		pData->m_pResource = *pBound ? pBound : m_Resource.Get();
 		pData->m_flAlphaScale = m_AlphaScale.EvaluateCollection( c );
 		pData->m_pYaw = c.Stream( PARTICLE_ATTRIBUTE_YAW );
 		pData->m_pPitch = c.Stream( PARTICLE_ATTRIBUTE_PITCH );
 	}
+
+private:
+	CSimModelInput m_ModelInput;
 };
 
 const ParticleSimFunctionEntry_t s_Renderers[] = {

@@ -1,5 +1,6 @@
 // zol sim FILE: compiles a particle system definition (children found under the content
 // root) and steps it headless at a fixed rate, printing a line per simulated second.
+// Cameras and control point models can stand in for what the preview's view gives.
 
 #include <cmath>
 #include <cstdio>
@@ -9,6 +10,8 @@
 #include <string>
 #include <vector>
 
+#include "core/host/resourcesystem.h"
+#include "core/particles/particlemodelresource.h"
 #include "core/particles/sim/iparticlecollection.h"
 #include "core/particles/sim/particleruntimedefinition.h"
 #include "tools/zol/cli/clicommand.h"
@@ -23,11 +26,13 @@ struct SimOptions_t
 	int m_nFps = 60;
 	uint64_t m_nSeed = 1;
 	std::vector<std::pair<int, Vector>> m_ControlPoints;
+	std::vector<ParticleCamera_t> m_Cameras;
+	std::vector<std::pair<int, std::string>> m_ControlPointModels;
 };
 
 int Usage( const char *pProblem )
 {
-	fprintf( stderr, "zol sim: %s\nusage: zol sim FILE [--seconds S] [--fps F] [--seed N] [--cp N=x,y,z]...\n", pProblem );
+	fprintf( stderr, "zol sim: %s\nusage: zol sim FILE [--seconds S] [--fps F] [--seed N] [--cp N=x,y,z]... [--camera x,y,z]... [--cp-model N=FILE]...\n", pProblem );
 	return 2;
 }
 
@@ -39,6 +44,26 @@ bool ParseControlPoint( const char *pText, std::pair<int, Vector> *pOut )
 	if ( sscanf( pText, "%d=%f,%f,%f%c", &nPoint, &x, &y, &z, &cTrailing ) != 4 || nPoint < 0 || nPoint >= MAX_PARTICLE_CONTROL_POINTS )
 		return false;
 	*pOut = { nPoint, Vector( x, y, z ) };
+	return true;
+}
+
+// A camera at x,y,z looking at control point 0's place at the start (the origin unless --cp moved it).
+bool ParseCamera( const char *pText, ParticleCamera_t *pOut )
+{
+	float x, y, z;
+	char cTrailing;
+	if ( sscanf( pText, "%f,%f,%f%c", &x, &y, &z, &cTrailing ) != 3 || !std::isfinite( x ) || !std::isfinite( y ) || !std::isfinite( z ) )
+		return false;
+	pOut->m_vPosition = Vector( x, y, z );
+	return true;
+}
+
+bool ParseControlPointModel( const char *pText, std::pair<int, std::string> *pOut )
+{
+	int nPoint, nConsumed = 0;
+	if ( sscanf( pText, "%d=%n", &nPoint, &nConsumed ) != 1 || nConsumed == 0 || nPoint < 0 || nPoint >= MAX_PARTICLE_CONTROL_POINTS || !pText[ nConsumed ] )
+		return false;
+	*pOut = { nPoint, std::string( pText + nConsumed ) };
 	return true;
 }
 
@@ -72,6 +97,20 @@ int ParseOptions( int argc, char **argv, SimOptions_t *pOptions )
 				return Usage( "--cp takes N=x,y,z with N from 0 to 63" );
 			pOptions->m_ControlPoints.push_back( point );
 		}
+		else if ( strcmp( pArg, "--camera" ) == 0 && bHasValue )
+		{
+			ParticleCamera_t camera;
+			if ( !ParseCamera( argv[ ++i ], &camera ) )
+				return Usage( "--camera takes x,y,z" );
+			pOptions->m_Cameras.push_back( camera );
+		}
+		else if ( strcmp( pArg, "--cp-model" ) == 0 && bHasValue )
+		{
+			std::pair<int, std::string> model;
+			if ( !ParseControlPointModel( argv[ ++i ], &model ) )
+				return Usage( "--cp-model takes N=FILE with N from 0 to 63" );
+			pOptions->m_ControlPointModels.push_back( model );
+		}
 		else if ( pArg[ 0 ] == '-' )
 		{
 			return Usage( ( std::string( "unknown or incomplete option " ) + pArg ).c_str() );
@@ -86,6 +125,26 @@ int ParseOptions( int argc, char **argv, SimOptions_t *pOptions )
 		}
 	}
 	return pOptions->m_pFile ? 0 : Usage( "no file given" );
+}
+
+// Loads a model file into the resource system under its name below the content root (or
+// the path as given outside it); answers that name, or empty with the reason.
+std::string LoadModel( IResourceSystem *pResources, const std::string &path, CUtlString *pError )
+{
+	std::string absolute = std::filesystem::absolute( path ).lexically_normal().string();
+	CUtlBuffer buffer;
+	if ( !ZolCliReadFile( absolute.c_str(), &buffer, pError ) )
+		return {};
+	std::string name = path;
+	CUtlString root = CParticleDefinitionFileCompiler::FindContentRoot( absolute.c_str() );
+	if ( !root.IsEmpty() )
+		name = std::filesystem::path( absolute ).lexically_relative( root.Get() ).generic_string();
+	std::unique_ptr<CResourceData> pData;
+	CParticleModelCompiler compiler;
+	if ( !compiler.Compile( buffer, name.c_str(), &pData, pError ) )
+		return {};
+	pResources->ReplaceResourceData( pResources->FindOrCreateBinding( name.c_str() ), std::shared_ptr<const CResourceData>( std::move( pData ) ) );
+	return name;
 }
 
 void PrintBounds( const IParticleCollection &collection )
@@ -115,9 +174,41 @@ int RunSim( int argc, char **argv )
 		fprintf( stderr, "%s\n", error.Get() );
 		return 1;
 	}
+	// Models reach collections through the resource system, as in the editor.
+	CResourceSystem resources;
+	SetResourceSystem( &resources );
+	struct ResetResources_t
+	{
+		~ResetResources_t() { SetResourceSystem( nullptr ); }
+	} resetResources;
+	std::vector<std::pair<int, std::string>> models;
+	for ( const auto &[ nPoint, modelPath ] : options.m_ControlPointModels )
+	{
+		std::string name = LoadModel( &resources, modelPath, &error );
+		if ( name.empty() )
+		{
+			fprintf( stderr, "%s\n", error.Get() );
+			return 1;
+		}
+		models.emplace_back( nPoint, name );
+	}
+
 	std::unique_ptr<IParticleCollection> pCollection = CreateParticleCollection( pDefinition, options.m_nSeed );
 	for ( const auto &[ nPoint, vPosition ] : options.m_ControlPoints )
 		pCollection->SetControlPoint( nPoint, vPosition );
+	for ( const auto &[ nPoint, name ] : models )
+		pCollection->SetControlPointModel( nPoint, name.c_str() );
+	if ( !options.m_Cameras.empty() )
+	{
+		// Each camera looks at where the system starts.
+		Vector vTarget = pCollection->GetControlPointPosition( 0 );
+		for ( ParticleCamera_t &camera : options.m_Cameras )
+		{
+			Vector d( vTarget.x - camera.m_vPosition.x, vTarget.y - camera.m_vPosition.y, vTarget.z - camera.m_vPosition.z );
+			camera.m_vForward = d;
+		}
+		pCollection->SetCameras( options.m_Cameras.data(), int( options.m_Cameras.size() ) );
+	}
 
 	const float flDt = 1.0f / float( options.m_nFps );
 	const int nSteps = int( std::lround( options.m_flSeconds * options.m_nFps ) );
@@ -140,6 +231,6 @@ int RunSim( int argc, char **argv )
 	return 0;
 }
 
-CZolCliCommandRegistrar s_SimCommand( { "sim", "sim FILE [--seconds S] [--fps F] [--seed N] [--cp N=x,y,z]...",
+CZolCliCommandRegistrar s_SimCommand( { "sim", "sim FILE [--seconds S] [--fps F] [--seed N] [--cp N=x,y,z]... [--camera x,y,z]... [--cp-model N=FILE]...",
 	"compiles a particle system and steps it headless, printing counts and bounds each second", RunSim } );
 } // namespace
