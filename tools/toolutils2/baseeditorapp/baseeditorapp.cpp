@@ -16,6 +16,7 @@
 #include "tools/toolutils2/baseeditorapp/ibaseeditorwindow.h"
 #include "tools/toolutils2/baseeditorapp/sessioncycling.h"
 #include "tools/toolutils2/baseeditorapp/sessionversioncontrol.h"
+#include "tools/toolutils2/baseeditorapp/toolframelistener.h"
 
 // Settings are written at most this often, from the frame.
 static constexpr double SETTINGS_SAVE_INTERVAL = 0.5;
@@ -70,6 +71,7 @@ bool CBaseEditorApp::StartTool( int nToolId )
 void CBaseEditorApp::Frame()
 {
 	RunFrame();
+	ToolFrame_RunListeners();
 	m_AutosaveManager.Tick();
 	if ( m_bSettingsDirty && Plat_FloatTime() - m_flLastSettingsSave >= SETTINGS_SAVE_INTERVAL )
 		SaveSettings( GetMainWindow() );

@@ -1,0 +1,15 @@
+#pragma once
+// The commands every window reaches: the end of every focus chain, context
+// "GlobalHotkeys".
+
+#include "tools/toolutils2/inputbind/bindtarget.h"
+
+class CGlobalHotkeyCommands final : public IBindTarget
+{
+public:
+	const CBindTargetDescriptorBase *GetBindTargetDescriptor() const override;
+
+	void DebugWidgetUnderMouse();
+	void DebugWidgetWithFocus();
+	void DebugWidgetActiveWindow();
+};
