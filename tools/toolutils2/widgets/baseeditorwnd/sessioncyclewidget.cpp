@@ -16,12 +16,35 @@
 #include "tools/toolutils2/baseeditorapp/baseeditorsession.h"
 #include "tools/toolutils2/baseeditorapp/editorpathcheck.h"
 #include "tools/toolutils2/baseeditorapp/sessioncycling.h"
+#include "tools/toolutils2/inputbind/bindtargetdescriptor.h"
 
 static constexpr int POPUP_WIDTH = 400;
 static constexpr int POPUP_HEIGHT = 300;
 static constexpr int KEEP_ACTIVE_CHECK_MS = 100;
 static constexpr int SELECTED_WEIGHT = 75;
 static constexpr int UNSELECTED_WEIGHT = 50;
+
+// Any id other than -1 makes KeepActive a modifier command, which the binding manager
+// starts when the popup joins the focus chain with the key already down.
+static constexpr int32_t KEEP_ACTIVE_MODIFIER_ID = 0;
+
+static void BuildSessionCycleCommands( CBindTargetDescriptor<CQSessionCycleWidget> &descriptor )
+{
+	auto fnHold = []( CQSessionCycleWidget *pWidget ) { pWidget->SetKeepActiveHeld( true ); };
+	auto fnLetGo = []( CQSessionCycleWidget *pWidget ) { pWidget->SetKeepActiveHeld( false ); };
+	descriptor.AddCommand( "KeepActive" ).SetHandler( BIND_STAGE_PRESS, fnHold ).SetHandler( BIND_STAGE_RELEASE, fnLetGo ).SetHandler( BIND_STAGE_CANCELLED, fnLetGo ).SetModifierId( KEEP_ACTIVE_MODIFIER_ID );
+	descriptor.AddClickCommand( "NextSession", []( CQSessionCycleWidget *pWidget ) { pWidget->SelectNextSession(); } );
+	descriptor.AddClickCommand( "PreviousSession", []( CQSessionCycleWidget *pWidget ) { pWidget->SelectPreviousSession(); } );
+}
+
+// Made when the library loads, so the binding help knows it before any popup exists, and
+// never destroyed: the lists it enters may be gone by the time this library unloads.
+static const CBindTargetDescriptor<CQSessionCycleWidget> &s_SessionCycleDescriptor = *new CBindTargetDescriptor<CQSessionCycleWidget>( "SessionCycleWidget", "CQSessionCycleWidget", &BuildSessionCycleCommands );
+
+const CBindTargetDescriptorBase *CQSessionCycleWidget::GetBindTargetDescriptor() const
+{
+	return &s_SessionCycleDescriptor;
+}
 
 static QString SessionButtonText( const CBaseEditorSession *pSession )
 {

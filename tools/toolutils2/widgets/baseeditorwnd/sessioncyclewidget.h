@@ -2,6 +2,10 @@
 // The popup that walks the open sessions: one button per session, the selected one in
 // bold, its file below. It stays up while the key that keeps it active is held, and on
 // closing makes the selected session current and brings up its window.
+//
+// Bind context "SessionCycleWidget": KeepActive (a modifier command: held while its key
+// is down, also when the key went down before the popup came up), NextSession and
+// PreviousSession.
 
 #include <functional>
 #include <vector>
@@ -10,13 +14,15 @@
 #include <QPointer>
 #include <QVector>
 
+#include "tools/toolutils2/inputbind/bindtarget.h"
+
 class CBaseEditorApp;
 class CBaseEditorSession;
 class QLabel;
 class QPushButton;
 class QTimer;
 
-class CQSessionCycleWidget : public QFrame
+class CQSessionCycleWidget : public QFrame, public IBindTarget
 {
 	Q_OBJECT
 
@@ -44,6 +50,12 @@ public:
 	QPushButton *GetSessionButton( int nIndex ) const { return m_Buttons.value( nIndex, nullptr ); }
 	QLabel *GetFileNameLabel() const { return m_pFileNameLabel; }
 
+	// IBindTarget
+	const CBindTargetDescriptorBase *GetBindTargetDescriptor() const override;
+	// The KeepActive command's gesture: from its press to its release or cancel.
+	void SetKeepActiveHeld( bool bHeld ) { m_bKeepActiveHeld = bHeld; }
+	bool IsKeepActiveCommandHeld() const { return m_bKeepActiveHeld; }
+
 public slots:
 	// Closes the popup once KeepActive has been let go.
 	void CheckForKeepActive();
@@ -67,5 +79,6 @@ private:
 	QPointer<QWidget> m_pCentreOn;
 	KeepActiveQueryFn_t m_fnIsKeepActiveHeld;
 	int m_nSelected = -1;
+	bool m_bKeepActiveHeld = false;
 	bool m_bClosed = false;
 };
