@@ -104,22 +104,6 @@ TEST( SessionCycleStep, WithoutACurrentEntryStartsAtTheEndItMovesFrom )
 	EXPECT_EQ( StepSessionCycle( -1, 0, false ), -1 );
 }
 
-TEST( SessionCycleStep, StepsForwardAndBackCancelOut )
-{
-	for ( int nCount = 1; nCount <= 5; ++nCount )
-	{
-		for ( int i = 0; i < nCount; ++i )
-		{
-			EXPECT_EQ( StepSessionCycle( StepSessionCycle( i, nCount, true ), nCount, false ), i ) << i << " of " << nCount;
-			// nCount steps forwards come back round to the start.
-			int nIndex = i;
-			for ( int n = 0; n < nCount; ++n )
-				nIndex = StepSessionCycle( nIndex, nCount, true );
-			EXPECT_EQ( nIndex, i );
-		}
-	}
-}
-
 TEST_F( SessionCyclingTest, StartsFromTheActiveSessionAndWraps )
 {
 	std::vector<CBaseEditorSession *> sessions = MakeSessions( 3 );
@@ -147,14 +131,6 @@ TEST_F( SessionCyclingTest, WithNoSessionsTheCycleSelectsNothing )
 {
 	EXPECT_EQ( m_App.OpenSessionCycling( true ), -1 );
 	EXPECT_EQ( m_App.m_Window.m_CyclingShown, std::vector<int>{ -1 } );
-}
-
-TEST_F( SessionCyclingTest, WithNoActiveSessionForwardsSelectsTheFirst )
-{
-	std::vector<CBaseEditorSession *> sessions = MakeSessions( 3 );
-	m_App.SetActiveEditorSession( nullptr, false, false );
-	EXPECT_EQ( m_App.OpenSessionCycling( true ), 0 );
-	EXPECT_EQ( m_App.OpenSessionCycling( false ), 2 );
 }
 
 TEST_F( SessionCyclingTest, TheWindowHearsOfEachSessionBeforeItBecomesCurrent )

@@ -101,9 +101,9 @@ CQSessionCycleWidget::CQSessionCycleWidget( CBaseEditorApp *pApp, int nSelected,
 	m_pKeepActiveTimer->setInterval( KEEP_ACTIVE_CHECK_MS );
 	connect( m_pKeepActiveTimer, &QTimer::timeout, this, &CQSessionCycleWidget::CheckForKeepActive );
 
-	// Until the binding manager answers for KeepActive, the popup stays up while Ctrl,
-	// the key that cycles with Tab, is held.
-	m_fnIsKeepActiveHeld = []() { return QGuiApplication::queryKeyboardModifiers().testFlag( Qt::ControlModifier ); };
+	// KeepActive runs through the binding manager once the popup is registered with it;
+	// Ctrl, the key that cycles with Tab, also keeps it up where no manager drives it.
+	m_fnIsKeepActiveHeld = [ this ]() { return m_bKeepActiveHeld || QGuiApplication::queryKeyboardModifiers().testFlag( Qt::ControlModifier ); };
 
 	resize( POPUP_WIDTH, POPUP_HEIGHT );
 	SetSelectedIndex( nSelected );
