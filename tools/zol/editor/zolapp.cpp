@@ -9,6 +9,7 @@
 #include "core/text/pathtools.h"
 #include "core/text/strtools.h"
 #include "tools/toolutils2/baseeditorapp/editorfilequeries.h"
+#include "tools/toolutils2/widgets/inputbind/inputbindmanager.h"
 #include "tools/zol/editor/zolmainwnd.h"
 #include "tools/zol/editor/zolsession.h"
 #include "zoldoc_lib/zolevents.h"
@@ -50,6 +51,9 @@ bool CZolApp::Init()
 		m_pMainWnd = new CQZolMainWnd();
 		m_pMainWnd->SetApplication( this );
 	}
+	// Keys of what all editors share, then the particle editor's own.
+	CQInputBindManager::Get()->LoadBindingsOnce( "tools/keybindings/shared_tool_key_bindings.txt" );
+	CQInputBindManager::Get()->LoadBindingsOnce( "tools/keybindings/zol_key_bindings.txt" );
 	SetToolName( "particles" );
 	SetOpenFilter( "Particle System Definition (*.tfxs);;Particle System Definition Autosave (*.tfxs_autosave);;All Files (*)" );
 	SetSaveFilter( "Particle System Definition (*.tfxs);;" );

@@ -9,6 +9,7 @@
 
 #include "core/text/utlstring.h"
 #include "tools/toolutils2/baseeditorapp/simpleeditorsharedwindowapp.h"
+#include "tools/toolutils2/inputbind/bindtarget.h"
 #include "tools/zol/editor/particleassetcompiler.h"
 #include "tools/toolutils2/toolevents/tooleventdispatcher.h"
 #include "zoldoc_lib/izoleventhub.h"
@@ -30,7 +31,7 @@ private:
 	int m_nSuspendCount = 0;
 };
 
-class CZolApp : public CSimpleEditorSharedWindowApp<CZolSession, CQZolMainWnd>
+class CZolApp : public CSimpleEditorSharedWindowApp<CZolSession, CQZolMainWnd>, public IBindTarget
 {
 public:
 	CZolApp();
@@ -51,6 +52,16 @@ public:
 	void SaveToolSettings( KeyValues3 *pTable ) override;
 	CBaseEditorSession *GetOtherSession( CBaseEditorSession *pSession ) override;
 	IBaseEditorWindow *GetMainWindow() override;
+
+	// IBindTarget: the commands of context "ZolApp" (zolappcommands.cpp).
+	const CBindTargetDescriptorBase *GetBindTargetDescriptor() const override;
+
+	// Session cycling without its popup: the next or previous session of the list.
+	void CycleSession( bool bForward );
+	// The preview commands; the preview isn't part of the editor yet, so each tells the log.
+	void RestartPreview();
+	void RestartGlobal();
+	void StopSimulation( bool bPlayEndCaps );
 
 	CZolEventHub *GetEventHub() const { return m_pEventHub.get(); }
 	IAssetCompiler *GetParticleCompiler() { return &m_ParticleCompiler; }

@@ -10,6 +10,8 @@
 
 #include "core/host/hostpaths.h"
 #include "tools/toolutils2/undo/undohistory.h"
+#include "tools/toolutils2/widgets/inputbind/bindablecommandaction.h"
+#include "tools/toolutils2/widgets/inputbind/inputbindmanager.h"
 #include "tools/toolutils2/widgets/undo/undohistorywidget.h"
 #include "tools/zol/editor/zolapp.h"
 #include "tools/zol/editor/zolsession.h"
@@ -59,10 +61,18 @@ void CQZolMainWnd::CreateChildren()
 	m_pUndoDock = MakeDock( "Undo", "ZOL2_UndoDock", m_pUndoHistoryWidget, 300, 500 );
 	ResetLayout();
 
+	// The application's commands reach the keys while focus is anywhere in the window.
+	CZolApp *pApp = static_cast<CZolApp *>( GetApplication() );
+	if ( pApp )
+		CQInputBindManager::Get()->RegisterTarget( this, pApp );
+
 	m_pEditMenu = new QMenu( "&Edit", this );
 	connect( m_pEditMenu, &QMenu::aboutToShow, this, &CQZolMainWnd::UpdateEditMenu );
 	m_pViewMenu = new QMenu( "&View", this );
-	m_pViewMenu->addAction( "Default Layout", this, &CQZolMainWnd::ResetLayout );
+	if ( pApp )
+		m_pViewMenu->addAction( new CQBindableCommandAction( pApp, "ResetLayout", "Default Layout", this ) );
+	else
+		m_pViewMenu->addAction( "Default Layout", this, &CQZolMainWnd::ResetLayout );
 	m_pViewMenu->addSeparator();
 	m_pViewMenu->addAction( m_pPropertyDock->toggleViewAction() );
 	m_pViewMenu->addAction( m_pFunctionDock->toggleViewAction() );
@@ -89,8 +99,40 @@ void CQZolMainWnd::CreateChildren()
 
 void CQZolMainWnd::CreateFileMenu( QMenu *pMenu )
 {
-	// The File menu is the framework's; Edit and View follow it.
-	(void)pMenu;
+	// The File menu is the framework's. Its entries become the application's bindable
+	// commands, so they show their keys and run as the keys do; the editor's own entries
+	// join them. Edit and View follow it.
+	if ( CZolApp *pApp = static_cast<CZolApp *>( GetApplication() ) )
+	{
+		auto replace = [ & ]( QAction *&pOld, const char *pCommand, const char *pLabel ) {
+			QAction *pNew = new CQBindableCommandAction( pApp, pCommand, pLabel, this );
+			if ( pOld )
+			{
+				pMenu->insertAction( pOld, pNew );
+				pMenu->removeAction( pOld );
+				delete pOld;
+			}
+			pOld = pNew;
+		};
+		replace( m_pFileNewAction, "FileNew", "&New" );
+		replace( m_pFileOpenAction, "FileOpen", "&Open" );
+		replace( m_pFileReloadAction, "FileReload", "&Reload From Disk" );
+		replace( m_pFileSaveAction, "FileSave", "&Save" );
+		replace( m_pFileSaveAsAction, "FileSaveAs", "Save &As..." );
+		replace( m_pFileCloseAction, "FileClose", "&Close" );
+		// Not in a menu yet: the recent files submenu adds it when it opens.
+		delete m_pClearRecentFilesAction;
+		m_pClearRecentFilesAction = new CQBindableCommandAction( pApp, "ClearRecentFiles", "Clear Recent File List", this );
+
+		m_pOpenDirectoryAction = new CQBindableCommandAction( pApp, "FileOpenDir", "Open All In &Directory...", this );
+		pMenu->insertAction( m_pFileReloadAction, m_pOpenDirectoryAction );
+		m_pSaveAllAction = new CQBindableCommandAction( pApp, "FileSaveAll", "Save &All", this );
+		pMenu->insertAction( m_pFileCloseAction, m_pSaveAllAction );
+		m_pCloseAllAction = new CQBindableCommandAction( pApp, "FileCloseAll", "Close All", this );
+		QList<QAction *> actions = pMenu->actions();
+		int nClose = actions.indexOf( m_pFileCloseAction );
+		pMenu->insertAction( nClose + 1 < actions.size() ? actions[ nClose + 1 ] : nullptr, m_pCloseAllAction );
+	}
 	menuBar()->addMenu( m_pEditMenu );
 	menuBar()->addMenu( m_pViewMenu );
 	UpdateEditMenu();

@@ -29,6 +29,11 @@ public:
 	CQUndoHistoryWidget *GetUndoHistoryWidget() const { return m_pUndoHistoryWidget; }
 	QMenu *GetEditMenu() const { return m_pEditMenu; }
 	QAction *GetEditAction( int nIndex ) const { return m_EditActions[ nIndex ]; }
+	// The File menu's actions of the application's commands.
+	QAction *GetFileSaveAction() const { return m_pFileSaveAction; }
+	QAction *GetOpenDirectoryAction() const { return m_pOpenDirectoryAction; }
+	QAction *GetSaveAllAction() const { return m_pSaveAllAction; }
+	QAction *GetCloseAllAction() const { return m_pCloseAllAction; }
 
 	enum EditAction_t
 	{
@@ -68,4 +73,7 @@ private:
 	QAction *m_EditActions[ EDIT_ACTION_COUNT ] = {};
 	CQUndoHistoryWidget *m_pUndoHistoryWidget = nullptr;
 	QLabel *m_pPreviewPlaceholder = nullptr;
+	QAction *m_pOpenDirectoryAction = nullptr;
+	QAction *m_pSaveAllAction = nullptr;
+	QAction *m_pCloseAllAction = nullptr;
 };

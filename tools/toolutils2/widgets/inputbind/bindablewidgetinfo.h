@@ -30,4 +30,6 @@ public:
 private:
 	CBindTargetSet m_Targets;
 	CQInputBindManager *m_pManager;
+	// The owner as it was when alive: by the time children go, it is half destroyed.
+	void *m_pOwner;
 };

@@ -18,7 +18,7 @@ class CQBindableCommandAction;
 class CQBindableWidgetInfo;
 class QWidget;
 
-class CQInputBindManager final : public QObject, public IToolFrameListener, public IInputBindEngineHost
+class CQInputBindManager final : public QObject, public IToolFrameListener, public IInputBindEngineHost, public IBindTargetDestructionListener
 {
 	Q_OBJECT
 
@@ -29,6 +29,9 @@ public:
 	// Reads a binding file ("GAME" path id) and adds its bindings; false on failure, after
 	// telling the user.
 	bool LoadBindings( const char *pPath );
+	// The same for a file that no earlier call loaded; true at once when one did, so a
+	// tool started again in one process doesn't add its bindings twice.
+	bool LoadBindingsOnce( const char *pPath );
 	// Links the target to the widget; a second link of the same pair does nothing.
 	void RegisterTarget( QWidget *pWidget, IBindTarget *pTarget );
 	// Ends the target's gestures and unlinks it from every widget.
@@ -62,21 +65,32 @@ public:
 	void PinCapturedCursor() override;
 	void OnBindingsChanged() override;
 
+	// IBindTargetDestructionListener: a dying target leaves every widget.
+	void OnBindTargetDestroyed( IBindTarget *pTarget ) override;
+
+	// Widget infos report their birth and death, so dying targets can be unlinked.
+	void AddWidgetInfo( CQBindableWidgetInfo *pInfo );
+	void RemoveWidgetInfo( CQBindableWidgetInfo *pInfo, void *pOwner );
+
 private slots:
 	void OnFocusChanged( QWidget *pOld, QWidget *pNew );
 
 private:
 	CQInputBindManager();
 	~CQInputBindManager() override;
-	friend struct CQInputBindManagerHolder;
 
 	bool AcceptsEventFor( QWidget *pWidget ) const;
+	// A key or button that a bindable child ignored reaches its parents too; it counts
+	// once, for the first of them.
+	bool IsFirstBindableReceiver( QWidget *pWidget, QEvent *pEvent ) const;
 	void OnChainEvent();
 
 	CInputBindEngine m_Engine;
 	CQBindableWidgetInfo *m_pGlobalInfo = nullptr;
 	CGlobalHotkeyCommands *m_pGlobalHotkeys = nullptr;
 	std::vector<CQBindableCommandAction *> m_Actions;
+	std::vector<CQBindableWidgetInfo *> m_Infos;
+
 	bool m_PhysicalKeyState[ INPUT_CODE_COUNT ] = {};
 	bool m_bMouseMoved = false;
 	QPoint m_LastCursorPos;

@@ -1,0 +1,63 @@
+#include "tools/toolutils2/widgets/inputbind/globalhotkeycommands.h"
+
+#include <QApplication>
+#include <QCursor>
+#include <QWidget>
+
+#include "core/logging/logging.h"
+#include "tools/toolutils2/inputbind/bindtargetdescriptor.h"
+#include "tools/toolutils2/inputbind/inputbindengine.h"
+
+// Commands whose tools (console, input and widget debuggers, help popups) don't exist in
+// this editor yet are declared so bindings resolve, and do nothing.
+static void BuildGlobalHotkeys( CBindTargetDescriptor<CGlobalHotkeyCommands> &d )
+{
+	auto noOp = []( CGlobalHotkeyCommands * ) {};
+	d.AddClickCommand( "ShowConsole", noOp );
+	d.AddClickCommand( "SwitchToEngineWindow", noOp );
+	d.AddClickCommand( "ShowAllCommandsPopup", noOp );
+	d.AddClickCommand( "DebugWidgetUnderMouse", []( CGlobalHotkeyCommands *p ) { p->DebugWidgetUnderMouse(); } );
+	d.AddClickCommand( "DebugWidgetWithFocus", []( CGlobalHotkeyCommands *p ) { p->DebugWidgetWithFocus(); } );
+	d.AddClickCommand( "DebugWidgetActiveWindow", []( CGlobalHotkeyCommands *p ) { p->DebugWidgetActiveWindow(); } );
+	d.AddClickCommand( "ShowInputDebugger", noOp );
+	d.AddClickCommand( "ShowWidgetDebugger", noOp );
+	d.AddClickCommand( "ShowFullHelpForBindableCommandUnderMouse", noOp );
+	d.AddClickCommand( "FocusChainDebug_More", noOp );
+	d.AddClickCommand( "FocusChainDebug_Less", noOp );
+	d.AddClickCommand( "FocusChainDebug_Forward", noOp );
+	d.AddClickCommand( "FocusChainDebug_Back", noOp );
+	d.AddClickCommand( "FocusChainDebug_Toggle", noOp );
+	d.AddClickCommand( "DummyNoOp", noOp );
+}
+
+static CBindTargetDescriptor<CGlobalHotkeyCommands> s_GlobalHotkeysDescriptor( "GlobalHotkeys", "CGlobalHotkeyCommands", &BuildGlobalHotkeys );
+
+const CBindTargetDescriptorBase *CGlobalHotkeyCommands::GetBindTargetDescriptor() const
+{
+	return &s_GlobalHotkeysDescriptor;
+}
+
+// Logs a widget and its parents, so a user can tell which widget has what.
+static void LogWidgetChain( const char *pWhat, const QWidget *pWidget )
+{
+	Log_Msg( LOG_INPUTBIND(), "%s:\n", pWhat );
+	if ( !pWidget )
+		Log_Msg( LOG_INPUTBIND(), "  [NoWidget]\n" );
+	for ( ; pWidget; pWidget = pWidget->parentWidget() )
+		Log_Msg( LOG_INPUTBIND(), "  %s \"%s\"\n", pWidget->metaObject()->className(), pWidget->objectName().toUtf8().constData() );
+}
+
+void CGlobalHotkeyCommands::DebugWidgetUnderMouse()
+{
+	LogWidgetChain( "Widget under mouse", QApplication::widgetAt( QCursor::pos() ) );
+}
+
+void CGlobalHotkeyCommands::DebugWidgetWithFocus()
+{
+	LogWidgetChain( "Widget with focus", QApplication::focusWidget() );
+}
+
+void CGlobalHotkeyCommands::DebugWidgetActiveWindow()
+{
+	LogWidgetChain( "Active window", QApplication::activeWindow() );
+}
