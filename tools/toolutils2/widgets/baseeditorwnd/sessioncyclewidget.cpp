@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include <QCloseEvent>
-#include <QGuiApplication>
 #include <QIcon>
 #include <QLabel>
 #include <QPushButton>
@@ -17,6 +16,7 @@
 #include "tools/toolutils2/baseeditorapp/editorpathcheck.h"
 #include "tools/toolutils2/baseeditorapp/sessioncycling.h"
 #include "tools/toolutils2/inputbind/bindtargetdescriptor.h"
+#include "tools/toolutils2/widgets/inputbind/inputbindmanager.h"
 
 static constexpr int POPUP_WIDTH = 400;
 static constexpr int POPUP_HEIGHT = 300;
@@ -101,9 +101,7 @@ CQSessionCycleWidget::CQSessionCycleWidget( CBaseEditorApp *pApp, int nSelected,
 	m_pKeepActiveTimer->setInterval( KEEP_ACTIVE_CHECK_MS );
 	connect( m_pKeepActiveTimer, &QTimer::timeout, this, &CQSessionCycleWidget::CheckForKeepActive );
 
-	// KeepActive runs through the binding manager once the popup is registered with it;
-	// Ctrl, the key that cycles with Tab, also keeps it up where no manager drives it.
-	m_fnIsKeepActiveHeld = [ this ]() { return m_bKeepActiveHeld || QGuiApplication::queryKeyboardModifiers().testFlag( Qt::ControlModifier ); };
+	m_fnIsKeepActiveHeld = [ this ]() { return m_bKeepActiveHeld; };
 
 	resize( POPUP_WIDTH, POPUP_HEIGHT );
 	SetSelectedIndex( nSelected );
@@ -119,6 +117,9 @@ void CQSessionCycleWidget::Popup()
 		QPoint centre = m_pCentreOn->frameGeometry().center();
 		move( centre.x() - POPUP_WIDTH / 2, centre.y() - POPUP_HEIGHT / 2 );
 	}
+	// Registered before it takes focus, so the focus change starts KeepActive for a key
+	// that is already down.
+	CQInputBindManager::Get()->RegisterTarget( this, this );
 	show();
 	raise();
 	activateWindow();
@@ -196,6 +197,7 @@ void CQSessionCycleWidget::closeEvent( QCloseEvent *pEvent )
 		return;
 	m_bClosed = true;
 	m_pKeepActiveTimer->stop();
+	CQInputBindManager::Get()->UnregisterTarget( this );
 	if ( CBaseEditorSession *pSession = GetSelectedSession() )
 		m_pApp->SetActiveEditorSession( pSession, false, true );
 }

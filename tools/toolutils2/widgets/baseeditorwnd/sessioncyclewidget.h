@@ -43,7 +43,8 @@ public:
 	void SelectNextSession();
 	void SelectPreviousSession();
 
-	// Whether the command that keeps the popup up is still held.
+	// Whether the command that keeps the popup up is still held; by default the KeepActive
+	// command's own state.
 	void SetKeepActiveQuery( KeepActiveQueryFn_t fnIsKeepActiveHeld ) { m_fnIsKeepActiveHeld = std::move( fnIsKeepActiveHeld ); }
 
 	int GetSessionButtonCount() const { return m_Buttons.size(); }
