@@ -105,10 +105,14 @@ protected:
 };
 } // namespace
 
-TEST( SessionCycleDescriptor, PublishesItsCommandsUnderItsContext )
+TEST_F( SessionCycleBindingTest, ThePopupPublishesItsCommandsUnderItsContext )
 {
-	const CBindTargetDescriptorBase *pDescriptor = CBindTargetDescriptorBase::FindKnownDescriptor( BindToken( "SessionCycleWidget" ) );
+	CQSessionCycleWidget *pWidget = OpenPopup();
+	ASSERT_TRUE( pWidget );
+	const CBindTargetDescriptorBase *pDescriptor = pWidget->GetBindTargetDescriptor();
 	ASSERT_TRUE( pDescriptor );
+	EXPECT_STREQ( pDescriptor->GetTargetName(), "SessionCycleWidget" );
+	EXPECT_EQ( pDescriptor->GetNameToken(), BindToken( "sessioncyclewidget" ) );
 	const CBindableCommand *pKeepActive = pDescriptor->FindCommand( "KeepActive" );
 	ASSERT_TRUE( pKeepActive );
 	// Only a modifier command starts for a key already held when the popup appears.
