@@ -14,6 +14,7 @@
 #include "tools/toolutils2/baseeditorapp/editorfilequeries.h"
 #include "tools/toolutils2/baseeditorapp/editorwaitcursor.h"
 #include "tools/toolutils2/baseeditorapp/ibaseeditorwindow.h"
+#include "tools/toolutils2/baseeditorapp/sessioncycling.h"
 #include "tools/toolutils2/baseeditorapp/sessionversioncontrol.h"
 #include "tools/toolutils2/baseeditorapp/toolframelistener.h"
 
@@ -194,6 +195,28 @@ void CBaseEditorApp::SetActiveEditorSession( CBaseEditorSession *pSession, bool 
 			m_SessionHistory.Push( pSession );
 	}
 	SessionActivated( pOld, m_pActiveSession );
+	if ( IBaseEditorWindow *pWindow = GetWindowOf( m_pActiveSession ) )
+		pWindow->OnActiveSessionChanged( m_pActiveSession );
+}
+
+IBaseEditorWindow *CBaseEditorApp::GetWindowOf( CBaseEditorSession *pSession )
+{
+	IBaseEditorWindow *pWindow = pSession ? pSession->GetWindow() : nullptr;
+	return pWindow ? pWindow : GetMainWindow();
+}
+
+int CBaseEditorApp::FindSessionIndex( const CBaseEditorSession *pSession ) const
+{
+	auto it = std::find( m_Sessions.begin(), m_Sessions.end(), pSession );
+	return it == m_Sessions.end() ? -1 : int( it - m_Sessions.begin() );
+}
+
+int CBaseEditorApp::OpenSessionCycling( bool bForward )
+{
+	int nSelected = StepSessionCycle( FindSessionIndex( m_pActiveSession ), int( m_Sessions.size() ), bForward );
+	if ( IBaseEditorWindow *pWindow = GetMainWindow() )
+		pWindow->ShowSessionCycling( nSelected );
+	return nSelected;
 }
 
 void CBaseEditorApp::ActivateNextEditorSession()
@@ -272,6 +295,8 @@ CBaseEditorSession *CBaseEditorApp::NewSession()
 	pSession->OnAdded();
 	pSession->SetNewFile( true );
 	m_AutosaveManager.NoteNewFile( pSession->GetFileName() );
+	if ( IBaseEditorWindow *pWindow = GetWindowOf( pSession ) )
+		pWindow->OnSessionAdded( pSession );
 	SetActiveEditorSession( pSession, false, true );
 	return pSession;
 }
@@ -379,6 +404,7 @@ CBaseEditorSession *CBaseEditorApp::OpenFileSteps( const char *pPath, bool bTrac
 		if ( SessionWantsFile( pCandidate, strPath ) )
 			pSession = pCandidate;
 	}
+	bool bAdded = !pSession;
 	if ( !pSession )
 	{
 		pSession = CreateSession();
@@ -423,6 +449,8 @@ CBaseEditorSession *CBaseEditorApp::OpenFileSteps( const char *pPath, bool bTrac
 			m_AutosaveManager.NoteFileOpened( strPath, true );
 	}
 	pSession->SetNewFile( false );
+	if ( IBaseEditorWindow *pWindow = bAdded ? GetWindowOf( pSession ) : nullptr )
+		pWindow->OnSessionAdded( pSession );
 	SetActiveEditorSession( pSession, false, true );
 	return pSession;
 }
@@ -663,6 +691,8 @@ bool CBaseEditorApp::CloseSession( CBaseEditorSession *pSession )
 	if ( pSession == m_pActiveSession )
 		SetActiveEditorSession( GetOtherSession( pSession ), false, false );
 	RemoveSessionFromList( pSession );
+	if ( IBaseEditorWindow *pWindow = GetWindowOf( pSession ) )
+		pWindow->OnSessionRemoved( pSession );
 	CUtlString strName( pSession->GetFileName() );
 	m_AutosaveManager.RemoveNewFile( strName );
 	DestroySession( pSession );

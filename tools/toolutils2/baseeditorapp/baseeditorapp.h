@@ -75,6 +75,11 @@ public:
 	bool SaveSessionAs( CBaseEditorSession *pSession );
 	void ActivateNextEditorSession();
 	void ActivatePreviousEditorSession();
+	// Opens the session cycling popup on the main window with the session one step from
+	// the active one selected. Answers the selected index (-1 when there are no sessions).
+	int OpenSessionCycling( bool bForward );
+	// The position of a session in the list, -1 when it isn't there.
+	int FindSessionIndex( const CBaseEditorSession *pSession ) const;
 	void MarkSettingsDirty() { m_bSettingsDirty = true; }
 	void SaveSettings( IBaseEditorWindow *pWindow );
 	void ShowOpenDialog();
@@ -160,6 +165,8 @@ private:
 	void RemoveSessionFromList( CBaseEditorSession *pSession );
 	bool ChooseSaveAsPath( CBaseEditorSession *pSession, CUtlString *pChosen );
 	bool IsUntitledNameTaken( const char *pBaseName ) const;
+	// Tells the session's window (or the main window) about the list and the active one.
+	IBaseEditorWindow *GetWindowOf( CBaseEditorSession *pSession );
 
 	CUtlString m_strToolName;
 	KeyValues3 m_StoredSettings;

@@ -11,6 +11,8 @@
 class CBaseEditorApp;
 class IBaseEditorWindow;
 class IEditorSessionListener;
+// Only named here: the session side never builds a widget itself, a tool's session does.
+class QMdiSubWindow;
 
 // Answers of Open.
 enum EditorOpenResult_t : int
@@ -64,6 +66,10 @@ public:
 	virtual void ApplyOpenContext( const void * ) {}
 	virtual void AddToVersionControl();
 	virtual void OnFileNameChanged() {}
+	// The sub-window that shows this session in a window with a multi-document area; the
+	// window owns it from then on. Null (the default) for a session that has none, such
+	// as one shown in a view that all sessions share.
+	virtual QMdiSubWindow *CreateSubWindow() { return nullptr; }
 
 	// Works read only, version state and head mark out anew; answers whether any changed.
 	bool UpdateFileStatus();

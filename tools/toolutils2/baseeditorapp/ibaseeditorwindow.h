@@ -2,6 +2,7 @@
 // What the framework's logic asks of an editor's main window. The Qt window implements it;
 // the logic and its tests never see a widget.
 
+class CBaseEditorSession;
 class KeyValues3;
 
 class IBaseEditorWindow
@@ -16,6 +17,16 @@ public:
 	// Layout into and out of the tool settings table.
 	virtual void SaveLayout( KeyValues3 *pTable ) = 0;
 	virtual void RestoreLayout( const KeyValues3 *pTable ) = 0;
+
+	// The session joined the list with its file loaded or made new.
+	virtual void OnSessionAdded( CBaseEditorSession * ) {}
+	// The session has closed and is about to be destroyed: drop everything that shows it.
+	virtual void OnSessionRemoved( CBaseEditorSession * ) {}
+	// The application's current session changed (null: none).
+	virtual void OnActiveSessionChanged( CBaseEditorSession * ) {}
+	// Shows the session cycling popup with the session of that index in the application's
+	// list selected (-1: none).
+	virtual void ShowSessionCycling( int ) {}
 
 protected:
 	~IBaseEditorWindow() = default;

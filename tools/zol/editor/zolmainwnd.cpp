@@ -19,7 +19,7 @@
 
 static constexpr int DOCK_MINIMUM_SIZE = 100;
 
-CQZolMainWnd::CQZolMainWnd( QWidget *pParent ) : CQBaseEditorWnd( pParent )
+CQZolMainWnd::CQZolMainWnd( QWidget *pParent ) : CQBaseEditorMdiWnd( pParent )
 {
 	resize( 1280, 800 );
 }
@@ -51,7 +51,7 @@ void CQZolMainWnd::CreateChildren()
 
 	m_pPreviewPlaceholder = MakePanelPlaceholder( "Preview" );
 	m_pPreviewPlaceholder->setMinimumSize( 320, 240 );
-	setCentralWidget( m_pPreviewPlaceholder );
+	ReplaceMdiArea( m_pPreviewPlaceholder );
 
 	m_pUndoHistoryWidget = new CQUndoHistoryWidget();
 	m_pPropertyDock = MakeDock( "Properties", "ZOL2_PropertyDock", MakePanelPlaceholder( "Properties" ), 300, 500 );

@@ -1,9 +1,10 @@
 #pragma once
 // The particle editor's one window, shared by all sessions: docks around the centre, the
 // File, Edit and View menus, and a status bar. It holds no editing state: it hands the
-// current session to each panel.
+// current session to each panel. All sessions share the one preview in the middle, so
+// they make no sub-windows and the preview takes the multi-document area's place.
 
-#include "tools/toolutils2/widgets/baseeditorwnd/baseeditorwnd.h"
+#include "tools/toolutils2/widgets/baseeditorwnd/baseeditormdiwnd.h"
 
 class CQUndoHistoryWidget;
 class CZolSession;
@@ -11,7 +12,7 @@ class QDockWidget;
 class QLabel;
 class QStatusBar;
 
-class CQZolMainWnd : public CQBaseEditorWnd
+class CQZolMainWnd : public CQBaseEditorMdiWnd
 {
 	Q_OBJECT
 

@@ -15,6 +15,8 @@
 #include "tools/toolutils2/baseeditorapp/baseeditorapp.h"
 #include "tools/toolutils2/baseeditorapp/baseeditorsession.h"
 #include "tools/toolutils2/baseeditorapp/editorwaitcursor.h"
+#include "tools/toolutils2/widgets/baseeditorwnd/gameimagepaths.h"
+#include "tools/toolutils2/widgets/baseeditorwnd/sessioncyclewidget.h"
 
 // Bumped when the dock layout changes so that old saved states are not applied.
 static constexpr int LAYOUT_VERSION = 1;
@@ -41,10 +43,12 @@ CQBaseEditorWnd::~CQBaseEditorWnd() = default;
 void CQBaseEditorWnd::SetApplication( CBaseEditorApp *pApp )
 {
 	m_pApp = pApp;
+	RegisterGameImageSearchPaths();
 	setWindowTitle( QString::fromUtf8( pApp->GetToolTitle() ) );
 	connect( this, &CQBaseEditorWnd::WindowStateChanged, this, &CQBaseEditorWnd::OnMarkSettingsDirty );
 	CreateChildren();
 	BuildFileMenu();
+	CreateWindowMenus();
 }
 
 void CQBaseEditorWnd::OnMarkSettingsDirty()
@@ -204,6 +208,24 @@ void CQBaseEditorWnd::BringUp()
 			m_HiddenFloatingDocks.remove( i );
 		}
 	}
+}
+
+CQSessionCycleWidget *CQBaseEditorWnd::GetSessionCycleWidget() const
+{
+	return m_pSessionCycleWidget.data();
+}
+
+void CQBaseEditorWnd::ShowSessionCycling( int nSelected )
+{
+	if ( !m_pApp )
+		return;
+	if ( m_pSessionCycleWidget )
+	{
+		m_pSessionCycleWidget->SetSelectedIndex( nSelected );
+		return;
+	}
+	m_pSessionCycleWidget = new CQSessionCycleWidget( m_pApp, nSelected, this );
+	m_pSessionCycleWidget->Popup();
 }
 
 void CQBaseEditorWnd::TakeFocus()

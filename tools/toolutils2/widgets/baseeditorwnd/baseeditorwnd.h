@@ -4,11 +4,13 @@
 // unsaved work and then hides the window rather than destroying it.
 
 #include <QMainWindow>
+#include <QPointer>
 #include <QVector>
 
 #include "tools/toolutils2/baseeditorapp/ibaseeditorwindow.h"
 
 class CBaseEditorApp;
+class CQSessionCycleWidget;
 class QAction;
 class QDockWidget;
 class QMenu;
@@ -31,11 +33,15 @@ public:
 	void SetWindowTitleText( const char *pTitle ) override;
 	void SaveLayout( KeyValues3 *pTable ) override;
 	void RestoreLayout( const KeyValues3 *pTable ) override;
+	// Opens the popup, or moves its selection to nSelected when it is already up.
+	void ShowSessionCycling( int nSelected ) override;
 
 	QMenu *GetFileMenu() const { return m_pFileMenu; }
 	QMenu *GetRecentFilesMenu() const { return m_pRecentFilesMenu; }
 	// Docks that hiding the window has hidden, to come back with it.
 	const QVector<QDockWidget *> &GetHiddenFloatingDocks() const { return m_HiddenFloatingDocks; }
+	// The session cycling popup while it is up, else null.
+	CQSessionCycleWidget *GetSessionCycleWidget() const;
 
 signals:
 	void WindowStateChanged();
@@ -60,6 +66,8 @@ protected:
 	virtual void CreateFileMenu( QMenu * ) {}
 	virtual void SaveToolWindowSettings( KeyValues3 * ) {}
 	virtual void RestoreToolWindowSettings( const KeyValues3 * ) {}
+	// Menus of the window itself, after the File menu and what the tool added to the bar.
+	virtual void CreateWindowMenus() {}
 
 	void closeEvent( QCloseEvent *pEvent ) override;
 	void changeEvent( QEvent *pEvent ) override;
@@ -82,4 +90,5 @@ private:
 	QMenu *m_pFileMenu = nullptr;
 	QMenu *m_pRecentFilesMenu = nullptr;
 	QVector<QDockWidget *> m_HiddenFloatingDocks;
+	QPointer<CQSessionCycleWidget> m_pSessionCycleWidget;
 };
