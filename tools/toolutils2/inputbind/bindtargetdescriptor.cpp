@@ -2,16 +2,19 @@
 
 #include <algorithm>
 
+// Both lists outlive every descriptor: descriptors are statics of several shared
+// libraries, and a list destroyed at exit before one of them would be read after free
+// when that descriptor leaves it.
 static std::vector<const CBindTargetDescriptorBase *> &PendingDescriptors()
 {
-	static std::vector<const CBindTargetDescriptorBase *> s_Pending;
-	return s_Pending;
+	static auto *s_pPending = new std::vector<const CBindTargetDescriptorBase *>();
+	return *s_pPending;
 }
 
 static std::vector<const CBindTargetDescriptorBase *> &KnownDescriptors()
 {
-	static std::vector<const CBindTargetDescriptorBase *> s_Known;
-	return s_Known;
+	static auto *s_pKnown = new std::vector<const CBindTargetDescriptorBase *>();
+	return *s_pKnown;
 }
 
 CBindTargetDescriptorBase::CBindTargetDescriptorBase( const char *pTargetName, const char *pClassName )

@@ -60,8 +60,6 @@ public:
 	// IBindTarget: the commands of context "ZolApp" (zolappcommands.cpp).
 	const CBindTargetDescriptorBase *GetBindTargetDescriptor() const override;
 
-	// Session cycling without its popup: the next or previous session of the list.
-	void CycleSession( bool bForward );
 	// The preview commands; the preview isn't part of the editor yet, so each tells the log.
 	void RestartPreview();
 	void RestartGlobal();

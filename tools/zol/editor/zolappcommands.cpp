@@ -1,8 +1,6 @@
 // The application's bindable commands, context "ZolApp". Keys come from the binding
 // files; the menus run the same commands through bindable actions.
 
-#include <algorithm>
-
 #include "core/logging/logging.h"
 #include "tools/toolutils2/baseeditorapp/baseeditorsession.h"
 #include "tools/toolutils2/baseeditorapp/editorwaitcursor.h"
@@ -38,8 +36,8 @@ static void BuildZolAppCommands( CBindTargetDescriptor<CZolApp> &d )
 	d.AddClickCommand( "VersionControlStatus", []( CZolApp *pApp ) { pApp->VersionControlStatus(); } );
 	d.AddClickCommand( "ActivateNextEditorSession", []( CZolApp *pApp ) { pApp->ActivateNextEditorSession(); } );
 	d.AddClickCommand( "ActivatePreviousEditorSession", []( CZolApp *pApp ) { pApp->ActivatePreviousEditorSession(); } );
-	d.AddClickCommand( "NextSession", []( CZolApp *pApp ) { pApp->CycleSession( true ); } );
-	d.AddClickCommand( "PreviousSession", []( CZolApp *pApp ) { pApp->CycleSession( false ); } );
+	d.AddClickCommand( "NextSession", []( CZolApp *pApp ) { pApp->OpenSessionCycling( true ); } );
+	d.AddClickCommand( "PreviousSession", []( CZolApp *pApp ) { pApp->OpenSessionCycling( false ); } );
 	d.AddClickCommand( "FileOpenDir", []( CZolApp *pApp ) { pApp->ShowOpenDirectoryDialog(); } );
 	d.AddClickCommand( "FileSaveAll", []( CZolApp *pApp ) { pApp->SaveAllSessions(); } );
 	d.AddClickCommand( "FileCloseAll", []( CZolApp *pApp ) { pApp->CloseAllSessions(); } );
@@ -58,17 +56,6 @@ static CBindTargetDescriptor<CZolApp> s_ZolAppCommands( "ZolApp", "CZolApp", &Bu
 const CBindTargetDescriptorBase *CZolApp::GetBindTargetDescriptor() const
 {
 	return &s_ZolAppCommands;
-}
-
-void CZolApp::CycleSession( bool bForward )
-{
-	const int nCount = int( m_Sessions.size() );
-	if ( nCount < 2 )
-		return;
-	auto it = std::find( m_Sessions.begin(), m_Sessions.end(), GetActiveSession() );
-	int nIndex = it == m_Sessions.end() ? 0 : int( it - m_Sessions.begin() );
-	nIndex = ( nIndex + ( bForward ? 1 : nCount - 1 ) ) % nCount;
-	SetActiveEditorSession( m_Sessions[ size_t( nIndex ) ], false, true );
 }
 
 void CZolApp::RestartPreview()
