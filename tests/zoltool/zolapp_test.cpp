@@ -8,7 +8,9 @@
 
 #include <filesystem>
 #include <fstream>
+#include <string>
 #include <unistd.h>
+#include <vector>
 
 #include "core/host/assetsystem.h"
 #include "core/host/hostservices.h"
@@ -23,7 +25,9 @@
 #include "core/particles/hostparticlesystemmgr.h"
 #include "core/platform/platformmode.h"
 #include "particleslib/particleinputclasses.h"
+#include "tools/toolutils2/inputbind/bindtargetdescriptor.h"
 #include "tools/toolutils2/toolattr/toolattrhost.h"
+#include "tools/toolutils2/widgets/inputbind/inputbindmanager.h"
 #include "tools/toolutils2/undo/undohistory.h"
 #include "tools/zol/editor/zolapp.h"
 #include "tools/zol/editor/zolattributeeditorfactories.h"
@@ -724,4 +728,67 @@ TEST_F( ZolAppTest, FileOutsideTheContentTreeEditsAndSavesWithoutAnAssetKeepingI
 	// Nothing compiled tells which points are used, so no driver is dropped.
 	EXPECT_EQ( DriverPoints( file ), DriverPoints( before ) );
 	EXPECT_FALSE( DriverPoints( file ).empty() );
+}
+
+// ---------------------------------------------------------------------------------------
+// Commands: the ones the menus and keys run, in the order users see them, and the shipped
+// key binding files naming only commands that exist.
+
+TEST_F( ZolAppTest, DescriptorListsTheCommandsInMenuOrder )
+{
+	Start();
+	const CBindTargetDescriptorBase *pDescriptor = m_pApp->GetBindTargetDescriptor();
+	ASSERT_NE( pDescriptor, nullptr );
+	EXPECT_STREQ( pDescriptor->GetTargetName(), "ZolApp" );
+	EXPECT_STREQ( pDescriptor->GetClassName(), "CZolApp" );
+	const std::vector<std::string> expected = { "FileNew", "FileOpen", "FileSave", "FileSaveAs", "FileClose", "FileReload", "ClearRecentFiles",
+		"VersionControlAdd", "VersionControlCheckIn", "VersionControlCheckOut", "VersionControlCheckInAll", "VersionControlStatus",
+		"ActivateNextEditorSession", "ActivatePreviousEditorSession", "NextSession", "PreviousSession", "FileOpenDir", "FileSaveAll",
+		"FileCloseAll", "ResetLayout", "RestartPreview", "RestartGlobal", "StopSim", "StopSimWithEndcap" };
+	std::vector<std::string> names;
+	for ( int i = 0; i < pDescriptor->GetCommandCount(); ++i )
+		names.push_back( pDescriptor->GetCommand( i )->GetName() );
+	EXPECT_EQ( names, expected );
+}
+
+TEST_F( ZolAppTest, ShippedBindingsNameOnlyCommandsThatExist )
+{
+	Start();
+	CInputBindEngine &engine = CQInputBindManager::Get()->GetEngine();
+	bool bZolFileLoaded = false;
+	for ( const CUtlString &strFile : engine.GetBindingList().GetLoadedFiles() )
+		bZolFileLoaded |= strFile.IsEqual_CaseInsensitive( "tools/keybindings/zol_key_bindings.txt" );
+	EXPECT_TRUE( bZolFileLoaded );
+	int nZolBindings = 0;
+	for ( const InputBinding_t &binding : engine.GetBindingList().GetBindings() )
+	{
+		// Bindings of test targets loaded by other tests of this process don't count.
+		if ( binding.m_strContext != "ZolApp" && binding.m_strContext != "SessionCycleWidget" && binding.m_strContext != "GlobalHotkeys" )
+			continue;
+		const CBindTargetDescriptorBase *pDescriptor = CBindTargetDescriptorBase::FindKnownDescriptor( binding.m_nContextToken );
+		ASSERT_NE( pDescriptor, nullptr ) << binding.m_strContext.Get();
+		EXPECT_NE( pDescriptor->FindCommand( binding.m_nCommandToken ), nullptr ) << binding.m_strContext.Get() << "." << binding.m_strCommand.Get();
+		EXPECT_FALSE( binding.m_Sequence.empty() ) << binding.m_strCommand.Get();
+		nZolBindings += binding.m_strContext == "ZolApp";
+	}
+	EXPECT_GE( nZolBindings, 10 );
+}
+
+TEST_F( ZolAppTest, CommandsRunTheFrameworkOperations )
+{
+	Start();
+	CQInputBindManager *pManager = CQInputBindManager::Get();
+	ASSERT_TRUE( pManager->InvokeCommand( m_pApp, BindToken( "FileNew" ) ) );
+	ASSERT_TRUE( pManager->InvokeCommand( m_pApp, BindToken( "FileNew" ) ) );
+	ASSERT_EQ( m_pApp->GetSessions().size(), 2u );
+	CBaseEditorSession *pSecond = m_pApp->GetActiveSession();
+	EXPECT_EQ( pSecond, m_pApp->GetSessions()[ 1 ] );
+
+	// Back through the history, then closing the active one leaves the other.
+	ASSERT_TRUE( pManager->InvokeCommand( m_pApp, BindToken( "ActivatePreviousEditorSession" ) ) );
+	EXPECT_EQ( m_pApp->GetActiveSession(), m_pApp->GetSessions()[ 0 ] );
+	ASSERT_TRUE( pManager->InvokeCommand( m_pApp, BindToken( "FileClose" ) ) );
+	ASSERT_EQ( m_pApp->GetSessions().size(), 1u );
+	EXPECT_EQ( m_pApp->GetActiveSession(), pSecond );
+	EXPECT_FALSE( pManager->InvokeCommand( m_pApp, BindToken( "NoSuchCommand" ) ) );
 }
