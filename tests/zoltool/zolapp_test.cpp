@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QAction>
 #include <QApplication>
 
 #include <filesystem>
@@ -763,7 +764,7 @@ TEST_F( ZolAppTest, ShippedBindingsNameOnlyCommandsThatExist )
 	for ( const InputBinding_t &binding : engine.GetBindingList().GetBindings() )
 	{
 		// Bindings of test targets loaded by other tests of this process don't count.
-		if ( binding.m_strContext != "ZolApp" && binding.m_strContext != "SessionCycleWidget" && binding.m_strContext != "GlobalHotkeys" )
+		if ( binding.m_strContext != "ZolApp" && binding.m_strContext != "ZolSession" && binding.m_strContext != "SessionCycleWidget" && binding.m_strContext != "GlobalHotkeys" )
 			continue;
 		const CBindTargetDescriptorBase *pDescriptor = CBindTargetDescriptorBase::FindKnownDescriptor( binding.m_nContextToken );
 		ASSERT_NE( pDescriptor, nullptr ) << binding.m_strContext.Get();
@@ -791,4 +792,116 @@ TEST_F( ZolAppTest, CommandsRunTheFrameworkOperations )
 	ASSERT_EQ( m_pApp->GetSessions().size(), 1u );
 	EXPECT_EQ( m_pApp->GetActiveSession(), pSecond );
 	EXPECT_FALSE( pManager->InvokeCommand( m_pApp, BindToken( "NoSuchCommand" ) ) );
+}
+
+TEST_F( ZolAppTest, SessionCommandsActOnTheSelectionAndChangeNothingWithoutOne )
+{
+	Start();
+	CZolSession *pFire = Open( "particles/samples/fire.tfxs" );
+	ASSERT_NE( pFire, nullptr );
+	CZolDoc *pDoc = pFire->GetDoc();
+	CQInputBindManager *pManager = CQInputBindManager::Get();
+	const ParticleFunctionType_t eOperators = PARTICLE_FUNCTION_OPERATOR;
+	int nOperators = pDoc->GetRoot()->GetNodeCount( eOperators );
+	ASSERT_GE( nOperators, 2 );
+
+	// Only the root selected: delete and toggle have nothing to act on, cut only copies.
+	pDoc->SelectBaseProperties();
+	pFire->SetModified( false );
+	ASSERT_TRUE( pManager->InvokeCommand( pFire, BindToken( "Delete" ) ) );
+	ASSERT_TRUE( pManager->InvokeCommand( pFire, BindToken( "Toggle" ) ) );
+	ASSERT_TRUE( pManager->InvokeCommand( pFire, BindToken( "Cut" ) ) );
+	EXPECT_EQ( pDoc->GetRoot()->GetNodeCount( eOperators ), nOperators );
+	CUtlString strClipboard;
+	m_pApp->GetClipboardText( &strClipboard );
+	EXPECT_NE( strstr( strClipboard, "System_Definition" ), nullptr );
+
+	// A function selected: toggle disables it, delete removes it, undo brings both back.
+	CBaseZolNode *pNode = pDoc->GetRoot()->GetNode( eOperators, 1 );
+	ASSERT_TRUE( pNode->IsEnabled() );
+	pDoc->SelectElement( pNode, false );
+	ASSERT_TRUE( pManager->InvokeCommand( pFire, BindToken( "Toggle" ) ) );
+	EXPECT_FALSE( pDoc->GetRoot()->GetNode( eOperators, 1 )->IsEnabled() );
+	ASSERT_TRUE( pManager->InvokeCommand( pFire, BindToken( "Delete" ) ) );
+	EXPECT_EQ( pDoc->GetRoot()->GetNodeCount( eOperators ), nOperators - 1 );
+	EXPECT_TRUE( pFire->IsModified() );
+	ASSERT_TRUE( pManager->InvokeCommand( pFire, BindToken( "Undo" ) ) );
+	EXPECT_EQ( pDoc->GetRoot()->GetNodeCount( eOperators ), nOperators );
+	ASSERT_TRUE( pManager->InvokeCommand( pFire, BindToken( "Undo" ) ) );
+	EXPECT_TRUE( pDoc->GetRoot()->GetNode( eOperators, 1 )->IsEnabled() );
+	ASSERT_TRUE( pManager->InvokeCommand( pFire, BindToken( "Redo" ) ) );
+	EXPECT_FALSE( pDoc->GetRoot()->GetNode( eOperators, 1 )->IsEnabled() );
+}
+
+TEST_F( ZolAppTest, AddChildPicksAFileAndRefusesAParentOrAFileOutsideTheContent )
+{
+	Start();
+	CZolSession *pFire = Open( "particles/samples/fire.tfxs" );
+	ASSERT_NE( pFire, nullptr );
+	CZolDoc *pDoc = pFire->GetDoc();
+	int nChildren = pDoc->GetRoot()->GetNodeCount( PARTICLE_FUNCTION_CHILDREN );
+	CQInputBindManager *pManager = CQInputBindManager::Get();
+
+	m_Prompt.ExpectOpenFile( MemoryPath( m_Root / "content/particles/samples/sparks.tfxs" ), "Add a child particle system" );
+	ASSERT_TRUE( pManager->InvokeCommand( pFire, BindToken( "AddChild" ) ) );
+	EXPECT_EQ( pDoc->GetRoot()->GetNodeCount( PARTICLE_FUNCTION_CHILDREN ), nChildren + 1 );
+
+	// Campfire holds fire already: refused, as is a file the content tree doesn't hold.
+	m_Prompt.ExpectOpenFile( MemoryPath( m_Root / "content/particles/samples/campfire.tfxs" ) );
+	EXPECT_EQ( pFire->BrowseAndAddChild(), nullptr );
+	WriteText( m_Root / "elsewhere.tfxs", ReadText( m_Root / "content/particles/samples/sparks.tfxs" ) );
+	m_Prompt.ExpectOpenFile( MemoryPath( m_Root / "elsewhere.tfxs" ) );
+	EXPECT_EQ( pFire->BrowseAndAddChild(), nullptr );
+	m_Prompt.ExpectCancelledDialog( PROMPT_KIND_OPEN_FILE );
+	EXPECT_EQ( pFire->BrowseAndAddChild(), nullptr );
+	EXPECT_EQ( pDoc->GetRoot()->GetNodeCount( PARTICLE_FUNCTION_CHILDREN ), nChildren + 1 );
+	EXPECT_EQ( m_Prompt.CountRecords( PROMPT_KIND_MESSAGE ), 2 );
+	EXPECT_EQ( m_Prompt.GetPendingCount(), 0 );
+	EXPECT_FALSE( m_Prompt.HasFailures() );
+}
+
+TEST_F( ZolAppTest, EditMenuRunsTheShownSessionsCommandsAndShowsTheirKeys )
+{
+	static int s_nArgc = 1;
+	static char s_szName[] = "zoltool_tests";
+	static char *s_pArgv[] = { s_szName, nullptr };
+	if ( !QApplication::instance() )
+		new QApplication( s_nArgc, s_pArgv );
+	m_pApp->SetCreatesMainWindow( true );
+	Start();
+	CQZolMainWnd *pWindow = m_pApp->GetZolMainWindow();
+	ASSERT_NE( pWindow, nullptr );
+	pWindow->UpdateEditMenu();
+	QAction *pCut = pWindow->GetEditAction( CQZolMainWnd::EDIT_CUT );
+	ASSERT_NE( pCut, nullptr );
+	EXPECT_FALSE( pCut->isEnabled() );
+	EXPECT_EQ( pWindow->GetEditAction( CQZolMainWnd::EDIT_UNDO )->text(), QStringLiteral( "Cannot Undo" ) );
+
+	CZolSession *pSparks = Open( "particles/samples/sparks.tfxs" );
+	CZolSession *pFire = Open( "particles/samples/fire.tfxs" );
+	ASSERT_TRUE( pSparks && pFire );
+	ASSERT_EQ( m_pApp->GetActiveSession(), pFire );
+	pWindow->UpdateEditMenu();
+	EXPECT_TRUE( pCut->isEnabled() );
+	EXPECT_TRUE( pCut->text().endsWith( QStringLiteral( "\tCtrl+X" ) ) ) << pCut->text().toStdString();
+
+	// The menu cuts from the shown session only.
+	const ParticleFunctionType_t eOperators = PARTICLE_FUNCTION_OPERATOR;
+	int nFire = pFire->GetDoc()->GetRoot()->GetNodeCount( eOperators );
+	int nSparks = pSparks->GetDoc()->GetRoot()->GetNodeCount( eOperators );
+	pFire->GetDoc()->SelectElement( pFire->GetDoc()->GetRoot()->GetNode( eOperators, 0 ), false );
+	pCut->trigger();
+	EXPECT_EQ( pFire->GetDoc()->GetRoot()->GetNodeCount( eOperators ), nFire - 1 );
+	EXPECT_EQ( pSparks->GetDoc()->GetRoot()->GetNodeCount( eOperators ), nSparks );
+	pWindow->UpdateEditMenu();
+	QAction *pUndo = pWindow->GetEditAction( CQZolMainWnd::EDIT_UNDO );
+	EXPECT_TRUE( pUndo->text().startsWith( QStringLiteral( "Undo Cut" ) ) ) << pUndo->text().toStdString();
+	pUndo->trigger();
+	EXPECT_EQ( pFire->GetDoc()->GetRoot()->GetNodeCount( eOperators ), nFire );
+
+	// Closing the shown session leaves the proxy on the other one, never on a dead one.
+	pFire->SetModified( false );
+	ASSERT_TRUE( m_pApp->CloseSession( pFire ) );
+	ASSERT_EQ( m_pApp->GetActiveSession(), pSparks );
+	EXPECT_EQ( pWindow->GetSessionCommandTarget()->GetBindTargetOwner(), static_cast<IBindTarget *>( pSparks ) );
 }

@@ -65,6 +65,8 @@ void CQZolMainWnd::CreateChildren()
 	CZolApp *pApp = static_cast<CZolApp *>( GetApplication() );
 	if ( pApp )
 		CQInputBindManager::Get()->RegisterTarget( this, pApp );
+	// The Edit commands go to whichever session is shown.
+	CQInputBindManager::Get()->RegisterTarget( this, &m_SessionTarget );
 
 	m_pEditMenu = new QMenu( "&Edit", this );
 	connect( m_pEditMenu, &QMenu::aboutToShow, this, &CQZolMainWnd::UpdateEditMenu );
@@ -170,64 +172,30 @@ void CQZolMainWnd::UpdateEditMenu()
 {
 	if ( !m_EditActions[ EDIT_CUT ] )
 	{
-		m_EditActions[ EDIT_CUT ] = m_pEditMenu->addAction( "Cut", this, &CQZolMainWnd::OnEditCut, QKeySequence::Cut );
-		m_EditActions[ EDIT_COPY ] = m_pEditMenu->addAction( "Copy", this, &CQZolMainWnd::OnEditCopy, QKeySequence::Copy );
-		m_EditActions[ EDIT_PASTE ] = m_pEditMenu->addAction( "Paste", this, &CQZolMainWnd::OnEditPaste, QKeySequence::Paste );
+		auto add = [ this ]( const char *pCommand, const char *pLabel ) {
+			QAction *pAction = new CQBindableCommandAction( &m_SessionTarget, pCommand, pLabel, this );
+			m_pEditMenu->addAction( pAction );
+			return pAction;
+		};
+		m_EditActions[ EDIT_CUT ] = add( "Cut", "Cut" );
+		m_EditActions[ EDIT_COPY ] = add( "Copy", "Copy" );
+		m_EditActions[ EDIT_PASTE ] = add( "Paste", "Paste" );
 		m_pEditMenu->addSeparator();
-		m_EditActions[ EDIT_UNDO ] = m_pEditMenu->addAction( "&Undo", this, &CQZolMainWnd::OnEditUndo, QKeySequence::Undo );
-		m_EditActions[ EDIT_REDO ] = m_pEditMenu->addAction( "&Redo", this, &CQZolMainWnd::OnEditRedo, QKeySequence::Redo );
+		m_EditActions[ EDIT_UNDO ] = add( "Undo", "&Undo" );
+		m_EditActions[ EDIT_REDO ] = add( "Redo", "&Redo" );
 		m_pEditMenu->addSeparator();
 	}
 	CZolSession *pSession = GetCurrentSession();
 	CZolDoc *pDoc = pSession ? pSession->GetDoc() : nullptr;
 	CUndoHistory *pUndo = pDoc ? pDoc->GetUndoHistory() : nullptr;
 	CUndoHistory *pRedo = pDoc ? pDoc->GetRedoHistory() : nullptr;
-	m_EditActions[ EDIT_UNDO ]->setText( CQUndoHistoryWidget::GetUndoActionText( pUndo ) );
+	static_cast<CQBindableCommandAction *>( m_EditActions[ EDIT_UNDO ] )->SetLabel( CQUndoHistoryWidget::GetUndoActionText( pUndo ).toUtf8().constData() );
 	m_EditActions[ EDIT_UNDO ]->setEnabled( pUndo && pUndo->CanUndo() );
-	m_EditActions[ EDIT_REDO ]->setText( CQUndoHistoryWidget::GetRedoActionText( pRedo ) );
+	static_cast<CQBindableCommandAction *>( m_EditActions[ EDIT_REDO ] )->SetLabel( CQUndoHistoryWidget::GetRedoActionText( pRedo ).toUtf8().constData() );
 	m_EditActions[ EDIT_REDO ]->setEnabled( pRedo && pRedo->CanUndo() );
 	m_EditActions[ EDIT_CUT ]->setEnabled( pSession != nullptr );
 	m_EditActions[ EDIT_COPY ]->setEnabled( pSession != nullptr );
 	m_EditActions[ EDIT_PASTE ]->setEnabled( pSession != nullptr );
-}
-
-void CQZolMainWnd::OnEditCut()
-{
-	CZolSession *pSession = GetCurrentSession();
-	if ( !pSession || !pSession->GetDoc()->HasSelection() )
-	{
-		QApplication::beep();
-		return;
-	}
-	pSession->GetDoc()->BeginEdit( "Cut", true );
-	pSession->CopySelection();
-	pSession->GetDoc()->RemoveSelected();
-}
-
-void CQZolMainWnd::OnEditCopy()
-{
-	CZolSession *pSession = GetCurrentSession();
-	if ( !pSession || !pSession->CopySelection() )
-		QApplication::beep();
-}
-
-void CQZolMainWnd::OnEditPaste()
-{
-	CZolSession *pSession = GetCurrentSession();
-	if ( !pSession || !pSession->PasteFromClipboard() )
-		QApplication::beep();
-}
-
-void CQZolMainWnd::OnEditUndo()
-{
-	if ( CZolSession *pSession = GetCurrentSession() )
-		pSession->GetDoc()->Undo();
-}
-
-void CQZolMainWnd::OnEditRedo()
-{
-	if ( CZolSession *pSession = GetCurrentSession() )
-		pSession->GetDoc()->Redo();
 }
 
 void CQZolMainWnd::RunFrame()
@@ -237,6 +205,14 @@ void CQZolMainWnd::RunFrame()
 
 void CQZolMainWnd::SessionActivated( CZolSession *, CZolSession *pNew )
 {
+	m_SessionTarget.SetTarget( pNew );
+	CQInputBindManager::Get()->GetEngine().MarkDirty();
+	// The keys shown next to the Edit entries come from the shown session's commands.
+	for ( QAction *pAction : m_EditActions )
+	{
+		if ( pAction )
+			static_cast<CQBindableCommandAction *>( pAction )->RefreshText();
+	}
 	m_pUndoHistoryWidget->SetUndoHistory( pNew ? pNew->GetDoc()->GetUndoHistory() : nullptr );
 	if ( pNew && *pNew->GetFileName() )
 	{
@@ -255,6 +231,11 @@ void CQZolMainWnd::SessionActivated( CZolSession *, CZolSession *pNew )
 
 void CQZolMainWnd::ForgetSession( CZolSession *pSession )
 {
+	if ( pSession && m_SessionTarget.GetTarget() == pSession )
+	{
+		m_SessionTarget.SetTarget( nullptr );
+		CQInputBindManager::Get()->GetEngine().MarkDirty();
+	}
 	if ( pSession && m_pUndoHistoryWidget->GetUndoHistory() == pSession->GetDoc()->GetUndoHistory() )
 		m_pUndoHistoryWidget->SetUndoHistory( nullptr );
 }

@@ -4,6 +4,7 @@
 // current session to each panel. All sessions share the one preview in the middle, so
 // they make no sub-windows and the preview takes the multi-document area's place.
 
+#include "tools/toolutils2/inputbind/bindtarget.h"
 #include "tools/toolutils2/widgets/baseeditorwnd/baseeditormdiwnd.h"
 
 class CQUndoHistoryWidget;
@@ -31,6 +32,8 @@ public:
 	CQUndoHistoryWidget *GetUndoHistoryWidget() const { return m_pUndoHistoryWidget; }
 	QMenu *GetEditMenu() const { return m_pEditMenu; }
 	QAction *GetEditAction( int nIndex ) const { return m_EditActions[ nIndex ]; }
+	// Forwards the session commands (context "ZolSession") to the shown session.
+	IBindTarget *GetSessionCommandTarget() { return &m_SessionTarget; }
 	// The File menu's actions of the application's commands.
 	QAction *GetFileSaveAction() const { return m_pFileSaveAction; }
 	QAction *GetOpenDirectoryAction() const { return m_pOpenDirectoryAction; }
@@ -50,11 +53,6 @@ public:
 public slots:
 	void UpdateEditMenu();
 	void OnToggleWindwLock( bool bLocked );
-	void OnEditCut();
-	void OnEditCopy();
-	void OnEditPaste();
-	void OnEditUndo();
-	void OnEditRedo();
 
 protected:
 	void CreateChildren() override;
@@ -73,6 +71,7 @@ private:
 	QMenu *m_pViewMenu = nullptr;
 	QMenu *m_pEditMenu = nullptr;
 	QAction *m_EditActions[ EDIT_ACTION_COUNT ] = {};
+	CBindTargetProxy m_SessionTarget;
 	CQUndoHistoryWidget *m_pUndoHistoryWidget = nullptr;
 	QLabel *m_pPreviewPlaceholder = nullptr;
 	QAction *m_pOpenDirectoryAction = nullptr;

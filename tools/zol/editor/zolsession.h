@@ -11,12 +11,14 @@
 #include "core/particles/sim/particledefinitionusage.h"
 #include "core/text/utlstring.h"
 #include "tools/toolutils2/baseeditorapp/baseeditorsession.h"
+#include "tools/toolutils2/inputbind/bindtarget.h"
 #include "tools/toolutils2/toolevents/tooleventdispatcher.h"
 #include "tools/toolutils2/toolevents/tooleventmapregistrationhelper.h"
 #include "zoldoc_lib/izoleventhub.h"
 #include "zoldoc_lib/zolevents.h"
 
 class CZolApp;
+class CZolChildNode;
 class CZolDoc;
 class IAsset;
 class KeyValues3;
@@ -39,7 +41,7 @@ using ZolKnownControlPointMap_t = std::unordered_map<ParticleParamID_t, ZolKnown
 bool DoesControlPointEditModeFit( int nUsageKind, int nMode );
 int GetControlPointEditModeForUsage( int nUsageKind );
 
-class CZolSession : public CSimpleSharedWindowEditorSession
+class CZolSession : public CSimpleSharedWindowEditorSession, public IBindTarget
 {
 public:
 	explicit CZolSession( CBaseEditorApp *pApp );
@@ -108,6 +110,16 @@ public:
 
 	// Whether the asset may be a child of this system; asks the user where it must.
 	bool CanBeChild( IAsset *pChild );
+	// Asks for a particle system and adds it as a child when it may be one; null when the
+	// user cancelled or the pick was refused.
+	CZolChildNode *BrowseAndAddChild();
+
+	// IBindTarget: the commands of context "ZolSession" (zolsessioncommands.cpp).
+	const CBindTargetDescriptorBase *GetBindTargetDescriptor() const override;
+	// The Edit commands; false when there was nothing to act on (the command beeps).
+	bool CutSelection();
+	bool DeleteSelection();
+	bool ToggleSelection();
 
 	// Removes drivers of control points that no function uses from a tree about to be
 	// saved or compiled. Does nothing until a compiled definition has told which control
