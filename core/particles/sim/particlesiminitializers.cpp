@@ -175,6 +175,16 @@ public:
 	}
 
 protected:
+	// The attribute it writes and the names its class gives the range's three fields.
+	void ReadRange( CParticleFunctionReader &reader, int nField, const char *pMin, const char *pMax, const char *pExponent, float flDefault )
+	{
+		m_nOutputField = nField;
+		reader.Writes( m_nOutputField );
+		m_flMin = reader.Float( pMin, flDefault );
+		m_flMax = reader.Float( pMax, flDefault );
+		m_flExponent = reader.Float( pExponent, 1.0f );
+	}
+
 	int m_nOutputField = 0;
 	float m_flMin = 0.0f, m_flMax = 0.0f, m_flExponent = 1.0f;
 };
@@ -184,11 +194,7 @@ class CRandomRadius final : public CRandomFloatInitializer
 public:
 	void Read( CParticleFunctionReader &reader ) override
 	{
-		m_nOutputField = PARTICLE_ATTRIBUTE_RADIUS;
-		reader.Writes( m_nOutputField );
-		m_flMin = reader.Float( "m_flRadiusMin", 1.0f );
-		m_flMax = reader.Float( "m_flRadiusMax", 1.0f );
-		m_flExponent = reader.Float( "m_flRadiusRandExponent", 1.0f );
+		ReadRange( reader, PARTICLE_ATTRIBUTE_RADIUS, "m_flRadiusMin", "m_flRadiusMax", "m_flRadiusRandExponent", 1.0f );
 	}
 };
 
@@ -197,11 +203,7 @@ class CRandomLifeTime final : public CRandomFloatInitializer
 public:
 	void Read( CParticleFunctionReader &reader ) override
 	{
-		m_nOutputField = PARTICLE_ATTRIBUTE_LIFE_DURATION;
-		reader.Writes( m_nOutputField );
-		m_flMin = reader.Float( "m_fLifetimeMin", 0.0f );
-		m_flMax = reader.Float( "m_fLifetimeMax", 0.0f );
-		m_flExponent = reader.Float( "m_fLifetimeRandExponent", 1.0f );
+		ReadRange( reader, PARTICLE_ATTRIBUTE_LIFE_DURATION, "m_fLifetimeMin", "m_fLifetimeMax", "m_fLifetimeRandExponent", 0.0f );
 	}
 };
 
@@ -210,11 +212,7 @@ class CRandomTrailLength final : public CRandomFloatInitializer
 public:
 	void Read( CParticleFunctionReader &reader ) override
 	{
-		m_nOutputField = PARTICLE_ATTRIBUTE_TRAIL_LENGTH;
-		reader.Writes( m_nOutputField );
-		m_flMin = reader.Float( "m_flMinLength", 0.1f );
-		m_flMax = reader.Float( "m_flMaxLength", 0.1f );
-		m_flExponent = reader.Float( "m_flLengthRandExponent", 1.0f );
+		ReadRange( reader, PARTICLE_ATTRIBUTE_TRAIL_LENGTH, "m_flMinLength", "m_flMaxLength", "m_flLengthRandExponent", 0.1f );
 	}
 };
 
