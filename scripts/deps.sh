@@ -6,6 +6,7 @@ set -euo pipefail
 packages=(
   build-essential cmake ninja-build ccache git
   clang libclang-rt-14-dev            # libFuzzer and the sanitizer runtimes for clang
+  lld                                 # faster links of the sanitized binaries
   qtbase5-dev
   libgtest-dev libgmock-dev libbenchmark-dev
   rapidjson-dev                       # benchmarks only: the reference JSON parser
