@@ -23,6 +23,7 @@
 #include "core/host/toolsettingsstore.h"
 #include "core/kv3/keyvalues3.h"
 #include "core/kv3/kv3serialize.h"
+#include "core/particles/controlpointusagekind.h"
 #include "core/particles/hostparticlesystemmgr.h"
 #include "core/platform/platformmode.h"
 #include "particleslib/particleinputclasses.h"

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include <QApplication>
 #include <QStatusBar>
 
 #include "core/host/gameinfo.h"
@@ -22,6 +23,7 @@
 #include "tools/toolutils2/widgets/inputbind/inputbindmanager.h"
 #include "tools/toolutils2/baseeditorapp/sessionversioncontrol.h"
 #include "tools/toolutils2/toolattr/toolattrhost.h"
+#include "tools/zol/editor/zoladdvariabledialog.h"
 #include "tools/zol/editor/zolattributeeditorfactories.h"
 #include "tools/zol/editor/zolmainwnd.h"
 #include "tools/zol/editor/zolsession.h"
@@ -198,6 +200,9 @@ void CZolApp::SetPreviewSession( CZolSession *pSession )
 		nCarriedMode = m_pPreviewSession->GetControlPointEditMode( carriedKey );
 	}
 	m_pPreviewSession = pSession;
+	// Pinned control points stand where they were pinned in whatever session shows.
+	if ( pSession )
+		pSession->ApplyPersistedControlPoints();
 	if ( CToolEventDispatcher *pHub = m_pEventHub ? m_pEventHub->GetEventDispatcher() : nullptr )
 	{
 		ZolEvent_PreviewSessionChanged_t event;
@@ -417,6 +422,30 @@ void CZolApp::SetClipboardHooks( ClipboardSetFn_t fnSet, ClipboardGetFn_t fnGet 
 {
 	m_fnClipboardSet = std::move( fnSet );
 	m_fnClipboardGet = std::move( fnGet );
+}
+
+void CZolApp::Beep()
+{
+	++m_nBeepCount;
+	if ( qApp )
+		QApplication::beep();
+}
+
+bool CZolApp::RunAddVariableDialog( CZolNamedValueContext *pContext, CUtlString *pName, CPulseValueFullType *pType )
+{
+	if ( m_fnAddVariableDialog )
+		return m_fnAddVariableDialog( pContext, pName, pType );
+	if ( !m_pMainWnd )
+	{
+		Log_Msg( LOG_ZOL, "Add Variable: there is no window to ask in; no variable was added.\n" );
+		return false;
+	}
+	CQZolAddVariableDialog dialog( pContext, m_pMainWnd );
+	if ( dialog.exec() != QDialog::Accepted )
+		return false;
+	*pName = dialog.GetVariableName();
+	*pType = dialog.GetVariableType();
+	return true;
 }
 
 void CZolApp::SetClipboardText( const char *pText )

@@ -2,8 +2,6 @@
 // the shown session through the main window's proxy target. A command with nothing to act
 // on beeps and changes nothing.
 
-#include <QApplication>
-
 #include "core/host/iasset.h"
 #include "core/host/iassetsystem.h"
 #include "core/host/iprompt.h"
@@ -17,9 +15,7 @@
 
 static void Beep()
 {
-	// Headless runs (tests, batch commands) have no application to beep with.
-	if ( qApp )
-		QApplication::beep();
+	ZolApp()->Beep();
 }
 
 static void BeepUnless( bool bDone )
