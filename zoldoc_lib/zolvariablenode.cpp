@@ -172,8 +172,11 @@ void CZolVariableNode::SaveToKV3( KeyValues3 *pOut ) const
 	pOut->CopyFrom( m_KV3 );
 	pOut->SetMemberString( "m_ValueType", m_ValueType.GetText().Get() );
 	KeyValues3 *pConfig = pOut->FindOrCreateMember( "m_DefaultConfig" );
+	// Members at their default stay out of the file, as they do for every other record.
 	CUtlString error;
-	if ( !SaveKV3Object( static_cast<const ParticleNamedValueConfiguration_t &>( m_DefaultConfig ), pConfig, &error ) || !pConfig->IsTable() )
+	CKV3TransferSaveContext context;
+	context.SetSaveDeltaFromDefaults( true );
+	if ( !SaveKV3Object( static_cast<const ParticleNamedValueConfiguration_t &>( m_DefaultConfig ), pConfig, &error, &context ) || !pConfig->IsTable() )
 		pConfig->SetToEmptyTable();
 }
 
