@@ -1,6 +1,7 @@
 #include "zoldoc_lib/zolvariableconfiguration.h"
 
 #include <cinttypes>
+#include <cstdlib>
 #include <cstring>
 
 #include "tools/toolutils2/toolattr/basetoolattr.h"
@@ -80,15 +81,27 @@ struct TransformCodec_t
 		return out;
 	}
 	static void Write( const CPulseValueFullType &type, const Value_t &value, KeyValues3 *pOut ) { ZolNamedValue_FromTransform( type, value.m_vPosition, value.m_Angles, pOut ); }
+	// Six significant digits: the orientation is stored as a quaternion, and its angles
+	// come back a hair off what was typed.
 	static void ToString( const Value_t &value, CUtlString *pOut )
 	{
-		const float values[ 6 ] = { value.m_vPosition.x, value.m_vPosition.y, value.m_vPosition.z, value.m_Angles.x, value.m_Angles.y, value.m_Angles.z };
-		ToolAttrFormatFloats( values, 6, pOut );
+		pOut->Format( "%g %g %g %g %g %g", value.m_vPosition.x, value.m_vPosition.y, value.m_vPosition.z, value.m_Angles.x, value.m_Angles.y, value.m_Angles.z );
 	}
 	static bool FromString( const char *pText, Value_t *pOut )
 	{
 		float values[ 6 ];
-		if ( !ToolAttrParseFloats( pText, values, 6 ) )
+		const char *pCursor = pText ? pText : "";
+		for ( float &flValue : values )
+		{
+			char *pEnd = nullptr;
+			flValue = std::strtof( pCursor, &pEnd );
+			if ( pEnd == pCursor )
+				return false;
+			pCursor = pEnd;
+		}
+		while ( *pCursor == ' ' || *pCursor == '\t' )
+			++pCursor;
+		if ( *pCursor )
 			return false;
 		*pOut = Value_t{ Vector( values[ 0 ], values[ 1 ], values[ 2 ] ), QAngle( values[ 3 ], values[ 4 ], values[ 5 ] ) };
 		return true;
