@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <fstream>
 #include <map>
 #include <sstream>
@@ -16,9 +17,13 @@
 #include "core/kv3transfer/kv3transfercontext.h"
 #include "core/particles/controlpointusagekind.h"
 #include "core/particles/particlemodelresource.h"
+#include "core/particles/sim/iparticlecollection.h"
 #include "core/particles/sim/particledefinitionusage.h"
+#include "core/particles/sim/particleruntimedefinition.h"
 #include "pulse_runtime_lib/valuetypes/pulsevaluefulltype.h"
+#include "tests/zoldoc/zolrecordingpreview.h"
 #include "zoldoc_lib/izolpreviewtarget.h"
+#include "zoldoc_lib/zolconfigurationplayer.h"
 #include "zoldoc_lib/zolconfigurationreader.h"
 #include "zoldoc_lib/zolcontrolpointstate.h"
 #include "zoldoc_lib/zolpersistedcontrolpoints.h"
@@ -28,53 +33,6 @@ namespace
 const ParticleParamID_t CP0 = ParticleParamID_t::ControlPoint( 0 );
 const ParticleParamID_t CP1 = ParticleParamID_t::ControlPoint( 1 );
 const ParticleParamID_t CP3 = ParticleParamID_t::ControlPoint( 3 );
-
-std::string Text( const Vector &v )
-{
-	char sz[ 64 ];
-	snprintf( sz, sizeof( sz ), "%g %g %g", v.x, v.y, v.z );
-	return sz;
-}
-
-// Writes down every call, in order, as one line each.
-class CRecordingPreview final : public IZolPreviewTarget
-{
-public:
-	bool HasRunningCollection() const override { return m_bRunning; }
-	void SetCollectionControlPoint( int nPoint, const Vector &vPosition, const QAngle & ) override
-	{
-		m_Calls.push_back( "collection " + std::to_string( nPoint ) + " at " + Text( vPosition ) );
-	}
-	void SetCollectionNamedValue( const ParticleParamID_t &key, const CPulseValueFullType &type, const KeyValues3 &value ) override
-	{
-		m_Calls.push_back( std::string( "value " ) + key.m_pName + " " + type.ToString().Get() + " " + std::to_string( value.GetFloat() ) );
-	}
-	void ClearControlPointBinding( int nPoint ) override { m_Calls.push_back( "unbind " + std::to_string( nPoint ) ); }
-	void SetNodeControlPoint( int nPoint, const Vector &vPosition, const QAngle & ) override
-	{
-		m_Calls.push_back( "node " + std::to_string( nPoint ) + " at " + Text( vPosition ) );
-	}
-	bool BindControlPointToModel( int nPoint, const char *pModelName, bool, int nAttachType, const char *pAttachmentName, const Vector &vOffset, const QAngle & ) override
-	{
-		if ( m_SceneModel != pModelName )
-			return false;
-		m_Calls.push_back( "bind " + std::to_string( nPoint ) + " to " + pModelName + ":" + pAttachmentName + " type " + std::to_string( nAttachType ) + " offset " +
-						   Text( vOffset ) );
-		return true;
-	}
-
-	std::string Joined() const
-	{
-		std::string text;
-		for ( const std::string &call : m_Calls )
-			text += call + "\n";
-		return text;
-	}
-
-	bool m_bRunning = true;
-	std::string m_SceneModel;
-	std::vector<std::string> m_Calls;
-};
 
 class CTestStateHost final : public IZolControlPointStateHost
 {
@@ -349,4 +307,69 @@ TEST_F( ZolControlPointState, AttachedPointBindsToItsModelAttachmentOrStandsPlai
 	m_State.SetAttachmentName( CP1, "lid" );
 	m_State.SetAttachType( CP1, PATTACH_WORLDORIGIN );
 	EXPECT_STREQ( m_State.GetAttachmentName( CP1 ), "" );
+}
+
+// ---------------------------------------------------------------------------------------
+// A configuration played on a collection, as a headless run plays it.
+
+namespace
+{
+ParticleDefinitionPtr_t CompileText( const char *pText, KeyValues3 *pTree )
+{
+	CUtlString error;
+	EXPECT_TRUE( LoadKV3FromText( pTree, &error, pText, strlen( pText ), KV3_FORMAT_GENERIC, KV3_LOAD_FRAGMENT ) ) << error.Get();
+	ParticleDefinitionPtr_t pDefinition = CompileParticleDefinitionFromKV3( pTree, "test", {}, &error );
+	EXPECT_NE( pDefinition, nullptr ) << error.Get();
+	return pDefinition;
+}
+} // namespace
+
+TEST_F( ZolControlPointState, PlayedConfigurationPlacesTheEffectOnItsModelOrOnTheGround )
+{
+	LoadCrate();
+	std::ifstream file( std::string( ZOL_SOURCE_DIR ) + "/content/content/particles/samples/brazier.tfxs", std::ios::binary );
+	std::stringstream text;
+	text << file.rdbuf();
+	std::string source = text.str();
+	KeyValues3 tree;
+	CUtlString error;
+	ASSERT_TRUE( LoadKV3FromText( &tree, &error, source.c_str(), source.size(), KV3_FORMAT_TFXS ) ) << error.Get();
+	ParticleDefinitionPtr_t pDefinition = CompileParticleDefinitionFromKV3( &tree, "brazier", {}, &error );
+	ASSERT_NE( pDefinition, nullptr ) << error.Get();
+	std::unique_ptr<IParticleCollection> pCollection = CreateParticleCollection( pDefinition, 1 );
+
+	ASSERT_TRUE( PlayZolConfiguration( tree, "On Crate", pDefinition->m_Usage, pCollection.get(), &error ) ) << error.Get();
+	EXPECT_EQ( pCollection->GetControlPointPosition( 0 ), Vector( 0, 0, 32 ) ) << "on the crate's lid";
+	Vector vForward, vRight, vUp;
+	pCollection->GetControlPointOrientation( 0, &vForward, &vRight, &vUp );
+	EXPECT_NEAR( vForward.z, 1.0f, 1e-5f ) << "turned as the lid attachment is";
+
+	ASSERT_TRUE( PlayZolConfiguration( tree, "ground", pDefinition->m_Usage, pCollection.get(), &error ) );
+	EXPECT_EQ( pCollection->GetControlPointPosition( 0 ), Vector( 0, 0, 0 ) );
+
+	EXPECT_FALSE( PlayZolConfiguration( tree, "upside down", pDefinition->m_Usage, pCollection.get(), &error ) );
+	EXPECT_STREQ( error.Get(), "no configuration 'upside down' (there are: ground, on crate)" );
+}
+
+TEST_F( ZolControlPointState, PlayedConfigurationSetsItsVariablesAndLeavesTheOthersAtTheirDeclaration )
+{
+	KeyValues3 tree;
+	ParticleDefinitionPtr_t pDefinition = CompileText( R"({
+		_class = "CParticleSystemDefinition"
+		m_NamedValueLocals = [
+			{ m_Name = "Size" m_ValueType = "PVAL_FLOAT" m_DefaultConfig = { m_ConfigValue = 7.0 } },
+			{ m_Name = "Speed" m_ValueType = "PVAL_FLOAT" m_DefaultConfig = { m_ConfigValue = 3.0 } },
+		]
+		m_Operators = [
+			{ _class = "C_OP_SetFloat" m_nOutputField = 3 m_InputValue = { m_nType = "PF_TYPE_NAMED_VALUE" m_NamedValue = "Size" } },
+			{ _class = "C_OP_SetFloat" m_nOutputField = 4 m_InputValue = { m_nType = "PF_TYPE_NAMED_VALUE" m_NamedValue = "Speed" } },
+		]
+		m_controlPointConfigurations = [ { m_name = "big" m_drivers = [ { m_iControlPoint = "size" m_vecOffset = [ 20.0, 0.0, 0.0 ] } ] } ]
+	})", &tree );
+	ASSERT_NE( pDefinition, nullptr );
+	std::unique_ptr<IParticleCollection> pCollection = CreateParticleCollection( pDefinition, 1 );
+	CUtlString error;
+	ASSERT_TRUE( PlayZolConfiguration( tree, "big", pDefinition->m_Usage, pCollection.get(), &error ) ) << error.Get();
+	EXPECT_EQ( pCollection->GetNamedValueFloat( ParticleParamID_t::Named( "Size" ) ), 20.0f );
+	EXPECT_EQ( pCollection->GetNamedValueFloat( ParticleParamID_t::Named( "Speed" ) ), 3.0f );
 }

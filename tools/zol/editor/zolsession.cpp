@@ -497,21 +497,25 @@ void CZolSession::AddUsageDrivers( KeyValues3 *pConfig ) const
 	KeyValues3 *pDrivers = pConfig->FindOrCreateMember( "m_drivers" );
 	if ( !pDrivers->IsArray() )
 		pDrivers->SetToEmptyArray();
+	// New drivers say their attach type: a file without it would read "follow the entity".
 	for ( int nPoint : points )
 	{
 		KeyValues3 *pDriver = pDrivers->ArrayAddToTail();
 		pDriver->SetToEmptyTable();
 		pDriver->SetMemberInt( "m_iControlPoint", nPoint );
+		pDriver->SetMemberString( "m_iAttachType", "PATTACH_WORLDORIGIN" );
+		pDriver->SetMemberString( "m_attachmentName", "" );
 		Vector vecOffset;
-		if ( m_DefinitionUsage.GetDefaultOffset( ParticleParamID_t::ControlPoint( nPoint ), &vecOffset ) )
+		if ( !m_DefinitionUsage.GetDefaultOffset( ParticleParamID_t::ControlPoint( nPoint ), &vecOffset ) )
+			vecOffset = Vector();
+		KeyValues3 *pOffset = pDriver->SetMemberEmptyArray( "m_vecOffset" );
+		KeyValues3 *pAngles = pDriver->SetMemberEmptyArray( "m_angOffset" );
+		for ( int i = 0; i < 3; ++i )
 		{
-			pDriver->SetMemberString( "m_iAttachType", "PATTACH_WORLDORIGIN" );
-			KeyValues3 *pOffset = pDriver->FindOrCreateMember( "m_vecOffset" );
-			pOffset->SetToEmptyArray();
-			for ( int i = 0; i < 3; ++i )
-				pOffset->ArrayAddToTail()->SetDouble( vecOffset[ i ] );
-			pDriver->SetMemberString( "m_entityName", "self" );
+			pOffset->ArrayAddToTail()->SetDouble( vecOffset[ i ] );
+			pAngles->ArrayAddToTail()->SetDouble( 0.0 );
 		}
+		pDriver->SetMemberString( "m_entityName", "self" );
 	}
 }
 
