@@ -13,6 +13,8 @@
 #include "tools/toolutils2/toolattr/ibasetoolattr.h"
 #include "tools/toolutils2/toolattr/itoolattrtable.h"
 #include "tools/toolutils2/toolattr/itoolattrvalue.h"
+#include "tools/toolutils2/toolattr/toolattrhost.h"
+#include "zoldoc_lib/izolnodevariablecontext.h"
 #include "zoldoc_lib/zolnamedvalue.h"
 #include "zoldoc_lib/zolnamedvaluecache.h"
 #include "zoldoc_lib/zolrootnode.h"
@@ -250,5 +252,41 @@ TEST( ZolNamedValue, ValuesConvertBetweenTheTypesArtistsSwitchBetween )
 		EXPECT_NEAR( back.x, turn.x, 1e-3f );
 		EXPECT_NEAR( back.y, turn.y, 1e-3f );
 		EXPECT_NEAR( back.z, turn.z, 1e-3f );
+	}
+}
+
+TEST_F( ZolVariable, ConfigurationFieldsListWhatTheContextKnows )
+{
+	struct CContext final : IZolNodeVariableContext
+	{
+		void GetDomainValues( const CPulseValueFullType &type, CUtlVector<ToolAttrGenericChoice_t> *pChoices ) override
+		{
+			pChoices->AddToTail();
+			( *pChoices )[ 0 ].m_Value = type.ToString();
+		}
+		void GetAttachmentNames( const char *pEntity, CUtlVector<ToolAttrGenericChoice_t> *pChoices ) override
+		{
+			pChoices->AddToTail();
+			( *pChoices )[ 0 ].m_Value = pEntity;
+		}
+		void GetConfigurationNames( CUtlVector<ToolAttrGenericChoice_t> *pChoices ) override
+		{
+			pChoices->AddToTail();
+			( *pChoices )[ 0 ].m_Value = "preview";
+		}
+		void GetSharedVariables( const char *, CUtlVector<ZolNamedValueRecord_t> * ) override {}
+	} context;
+	RegisterZolVariableChoiceProviders( ToolAttrHost() );
+	CZolVariableNode *pNode = m_Doc.AddVariable( "Size", CPulseValueFullType( PVAL_FLOAT ) );
+	pNode->GetDefaultConfigForModify().m_strEntityScope = "parent";
+	pNode->SetVariableContext( &context );
+	HToolAttrTableInstance config = ConfigHandle( pNode );
+	const std::pair<const char *, const char *> expected[] = { { "m_ConfigName", "preview" }, { "m_strAttachmentName", "parent" }, { "m_BoundValuePath", "PVAL_FLOAT" } };
+	for ( const auto &[ pField, pValue ] : expected )
+	{
+		CUtlVector<ToolAttrGenericChoice_t> choices;
+		ASSERT_TRUE( FindAttr( config, pField )->AsValue()->GetChoices( ToolAttrHost(), config, &choices ) ) << pField;
+		ASSERT_EQ( choices.Count(), 1 ) << pField;
+		EXPECT_STREQ( choices[ 0 ].m_Value.Get(), pValue ) << pField;
 	}
 }

@@ -185,3 +185,17 @@ TEST_F( ZolConfigurations, NewConfigurationsTakeTheDefaultNamesAndAreSelectedOnc
 	EXPECT_EQ( counter.m_nCount, 3 );
 	m_pBrazier->GetEventDispatcher()->RemoveListenersOf( &counter );
 }
+
+TEST_F( ZolConfigurations, OpenSessionsStandInTheWorkingSetNewestFirst )
+{
+	CZolSession *pFire = Open( "particles/samples/fire.tfxs" );
+	ASSERT_NE( pFire, nullptr );
+	CUtlVector<IAsset *> assets;
+	m_pApp->GetWorkingSet()->AppendTo( &assets );
+	ASSERT_EQ( assets.Count(), 2 );
+	EXPECT_EQ( assets[ 0 ], pFire->GetAsset() );
+	EXPECT_EQ( assets[ 1 ], m_pBrazier->GetAsset() );
+	ASSERT_TRUE( m_pApp->CloseSession( pFire ) );
+	EXPECT_EQ( m_pApp->GetWorkingSet()->GetCount(), 1 );
+	EXPECT_FALSE( m_pApp->GetWorkingSet()->Contains( Asset( "particles/samples/fire.tfxs" ) ) );
+}

@@ -174,6 +174,7 @@ void CZolApp::DestroySession( CBaseEditorSession *pSession )
 {
 	if ( pSession == m_pPreviewSession )
 		SetPreviewSession( nullptr );
+	m_WorkingSet.Remove( static_cast<CZolSession *>( pSession )->GetAsset() );
 	if ( m_pMainWnd )
 		m_pMainWnd->ForgetSession( static_cast<CZolSession *>( pSession ) );
 	delete pSession;
@@ -181,6 +182,8 @@ void CZolApp::DestroySession( CBaseEditorSession *pSession )
 
 void CZolApp::SessionActivated( CBaseEditorSession *pOld, CBaseEditorSession *pNew )
 {
+	if ( pNew && static_cast<CZolSession *>( pNew )->GetAsset() )
+		m_WorkingSet.Add( static_cast<CZolSession *>( pNew )->GetAsset() );
 	if ( m_pMainWnd )
 		m_pMainWnd->SessionActivated( static_cast<CZolSession *>( pOld ), static_cast<CZolSession *>( pNew ) );
 	if ( !m_bPreviewSessionLocked )
@@ -272,9 +275,12 @@ void CZolApp::OnSessionSaved( CZolSession *pSession, const char *pOldAssetName )
 {
 	// The asset pane and the preview rebind through the session-activated path; what
 	// stays here is telling the panels that the session's asset changed.
-	(void)pOldAssetName;
+	IAssetSystem *pAssetSystem = GetAssetSystem();
+	if ( pOldAssetName && pAssetSystem )
+		m_WorkingSet.Remove( pAssetSystem->FindAssetByAbsolutePath( pOldAssetName ) );
 	if ( !pSession || !pSession->GetAsset() )
 		return;
+	m_WorkingSet.Add( pSession->GetAsset() );
 	if ( pSession == m_pPreviewSession )
 	{
 		if ( CToolEventDispatcher *pHub = m_pEventHub ? m_pEventHub->GetEventDispatcher() : nullptr )

@@ -14,6 +14,7 @@
 #include "tools/zol/editor/particleassetcompiler.h"
 #include "tools/toolutils2/toolevents/tooleventdispatcher.h"
 #include "zoldoc_lib/izoleventhub.h"
+#include "zoldoc_lib/zolworkingset.h"
 
 class CPulseValueFullType;
 class CQZolMainWnd;
@@ -89,6 +90,8 @@ public:
 	void GetAutosaveSourceName( const char *pAutosavePath, CUtlString *pSource ) const;
 
 	CZolEventHub *GetEventHub() const { return m_pEventHub.get(); }
+	// The particle systems open in the editor, newest first: the asset pane's view of them.
+	CZolWorkingSet *GetWorkingSet() { return &m_WorkingSet; }
 	IAssetCompiler *GetParticleCompiler() { return &m_ParticleCompiler; }
 	CQZolMainWnd *GetZolMainWindow() const { return m_pMainWnd; }
 	CZolSession *GetPreviewSession() const { return m_pPreviewSession; }
@@ -144,6 +147,7 @@ private:
 	ClipboardSetFn_t m_fnClipboardSet;
 	ClipboardGetFn_t m_fnClipboardGet;
 	AddVariableDialogFn_t m_fnAddVariableDialog;
+	CZolWorkingSet m_WorkingSet;
 	int m_nBeepCount = 0;
 };
 
