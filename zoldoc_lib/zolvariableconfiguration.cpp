@@ -3,6 +3,7 @@
 #include <cinttypes>
 #include <cstdlib>
 #include <cstring>
+#include <type_traits>
 
 #include "tools/toolutils2/toolattr/basetoolattr.h"
 #include "tools/toolutils2/toolattr/itoolattrtable.h"
@@ -34,39 +35,35 @@ CZolVariableConfiguration *ConfigOf( HToolAttrTableInstance handle )
 }
 
 // How one kind of value travels between its KV3 form, the typed interface and text.
-struct FloatCodec_t
+// A float and a vector both travel as a point: the float is its x.
+template <typename T, int AttrType>
+struct PointCodec_t
 {
-	using Value_t = float;
-	static constexpr int s_nAttrType = TOOLATTR_TYPE_FLOAT;
+	using Value_t = T;
+	static constexpr int s_nAttrType = AttrType;
 	static constexpr bool s_bWritable = true;
 	static Value_t Read( const CPulseValueFullType &type, const KeyValues3 &value )
 	{
 		Vector vPosition;
 		QAngle angles;
 		ZolNamedValue_ToTransform( type, value, &vPosition, &angles );
-		return vPosition.x;
+		if constexpr ( std::is_same_v<T, float> )
+			return vPosition.x;
+		else
+			return vPosition;
 	}
-	static void Write( const CPulseValueFullType &type, const Value_t &value, KeyValues3 *pOut ) { ZolNamedValue_FromTransform( type, Vector( value, 0, 0 ), QAngle(), pOut ); }
-	static void ToString( const Value_t &value, CUtlString *pOut ) { ToolAttrValueTraits_t<float>::ToString( value, pOut ); }
-	static bool FromString( const char *pText, Value_t *pOut ) { return ToolAttrValueTraits_t<float>::FromString( pText, pOut ); }
-};
-
-struct VectorCodec_t
-{
-	using Value_t = Vector;
-	static constexpr int s_nAttrType = TOOLATTR_TYPE_VECTOR3;
-	static constexpr bool s_bWritable = true;
-	static Value_t Read( const CPulseValueFullType &type, const KeyValues3 &value )
+	static void Write( const CPulseValueFullType &type, const Value_t &value, KeyValues3 *pOut )
 	{
-		Vector vPosition;
-		QAngle angles;
-		ZolNamedValue_ToTransform( type, value, &vPosition, &angles );
-		return vPosition;
+		if constexpr ( std::is_same_v<T, float> )
+			ZolNamedValue_FromTransform( type, Vector( value, 0, 0 ), QAngle(), pOut );
+		else
+			ZolNamedValue_FromTransform( type, value, QAngle(), pOut );
 	}
-	static void Write( const CPulseValueFullType &type, const Value_t &value, KeyValues3 *pOut ) { ZolNamedValue_FromTransform( type, value, QAngle(), pOut ); }
-	static void ToString( const Value_t &value, CUtlString *pOut ) { ToolAttrValueTraits_t<Vector>::ToString( value, pOut ); }
-	static bool FromString( const char *pText, Value_t *pOut ) { return ToolAttrValueTraits_t<Vector>::FromString( pText, pOut ); }
+	static void ToString( const Value_t &value, CUtlString *pOut ) { ToolAttrValueTraits_t<T>::ToString( value, pOut ); }
+	static bool FromString( const char *pText, Value_t *pOut ) { return ToolAttrValueTraits_t<T>::FromString( pText, pOut ); }
 };
+using FloatCodec_t = PointCodec_t<float, TOOLATTR_TYPE_FLOAT>;
+using VectorCodec_t = PointCodec_t<Vector, TOOLATTR_TYPE_VECTOR3>;
 
 // Position and angles, as six numbers in text.
 struct TransformCodec_t

@@ -458,23 +458,33 @@ bool CZolSession::BuildSelectionClipboard( KeyValues3 *pOut ) const
 	return true;
 }
 
-bool CZolSession::CopySelection()
+bool CZolSession::WriteClipboard( const KeyValues3 &clipboard ) const
 {
-	KeyValues3 clipboard;
 	CUtlString strText;
-	if ( !BuildSelectionClipboard( &clipboard ) || !SaveKV3ToString( &clipboard, &strText, KV3_FORMAT_GENERIC ) )
+	if ( !SaveKV3ToString( &clipboard, &strText, KV3_FORMAT_GENERIC ) )
 		return false;
 	GetZolApp()->SetClipboardText( strText );
 	return true;
 }
 
-bool CZolSession::PasteFromClipboard()
+bool CZolSession::ReadClipboard( KeyValues3 *pClipboard ) const
 {
 	CUtlString strText;
 	GetZolApp()->GetClipboardText( &strText );
-	KeyValues3 clipboard;
 	CUtlString strError;
-	if ( strText.IsEmpty() || !LoadKV3FromText( &clipboard, &strError, strText.Get(), strText.Length(), KV3_FORMAT_GENERIC ) || !clipboard.IsTable() )
+	return !strText.IsEmpty() && LoadKV3FromText( pClipboard, &strError, strText.Get(), strText.Length(), KV3_FORMAT_GENERIC );
+}
+
+bool CZolSession::CopySelection()
+{
+	KeyValues3 clipboard;
+	return BuildSelectionClipboard( &clipboard ) && WriteClipboard( clipboard );
+}
+
+bool CZolSession::PasteFromClipboard()
+{
+	KeyValues3 clipboard;
+	if ( !ReadClipboard( &clipboard ) || !clipboard.IsTable() )
 		return false;
 	m_pDoc->Paste( &clipboard );
 	return true;
@@ -632,20 +642,13 @@ bool CZolSession::CopyConfiguration() const
 	KeyValues3 clipboard;
 	clipboard.SetToEmptyTable();
 	*clipboard.FindOrCreateMember( "ControlPointConfiguration" ) = temporary.m_KV3;
-	CUtlString strText;
-	if ( !SaveKV3ToString( &clipboard, &strText, KV3_FORMAT_GENERIC ) )
-		return false;
-	GetZolApp()->SetClipboardText( strText );
-	return true;
+	return WriteClipboard( clipboard );
 }
 
 bool CZolSession::PasteConfiguration()
 {
-	CUtlString strText;
-	GetZolApp()->GetClipboardText( &strText );
 	KeyValues3 clipboard;
-	CUtlString strError;
-	if ( strText.IsEmpty() || !LoadKV3FromText( &clipboard, &strError, strText.Get(), strText.Length(), KV3_FORMAT_GENERIC ) )
+	if ( !ReadClipboard( &clipboard ) )
 	{
 		GetZolApp()->Beep();
 		return false;

@@ -182,6 +182,9 @@ private:
 	void GetWearableModels( CUtlVector<CUtlString> *pModels ) const override;
 	bool GetDeclaredValue( const ParticleParamID_t &key, KeyValues3 *pValue ) const override;
 
+	// KV3 text of the format "generic" on the clipboard; false when there is none to read.
+	bool WriteClipboard( const KeyValues3 &clipboard ) const;
+	bool ReadClipboard( KeyValues3 *pClipboard ) const;
 	void MarkEdited();
 	void SelectFirstConfiguration();
 	CZolApp *GetZolApp() const;
