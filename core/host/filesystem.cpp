@@ -3,7 +3,6 @@
 #include <sys/stat.h>
 
 #include <algorithm>
-#include <atomic>
 #include <cerrno>
 #include <cstdarg>
 #include <cstdio>
@@ -13,10 +12,10 @@
 #include <set>
 #include <string>
 #include <system_error>
-#include <unistd.h>
 
 #include "core/containers/utlbuffer.h"
 #include "core/host/hostpaths.h"
+#include "core/host/safefilewrite.h"
 #include "core/logging/logging.h"
 #include "core/text/strtools.h"
 
@@ -135,19 +134,24 @@ void CFileSystem::SetDirectoryUnmodifiable( const char *pPath, bool bUnmodifiabl
 		m_UnmodifiableDirectories.AddToTail( path );
 }
 
+bool CFileSystem::IsInUnmodifiableDirectory( const char *pFullPath ) const
+{
+	std::shared_lock lock( m_Mutex );
+	for ( const CUtlString &directory : m_UnmodifiableDirectories )
+	{
+		if ( V_PathsMatch( pFullPath, directory.Get() ) || Host_PathInside( pFullPath, directory.Get() ) )
+			return true;
+	}
+	return false;
+}
+
 bool CFileSystem::IsPathUnmodifiable( const char *pPath, const char *pPathID ) const
 {
 	CUtlString fullPath;
 	if ( !MakeWritePath( pPath, pPathID, &fullPath ) )
 		return false;
-	{
-		std::shared_lock lock( m_Mutex );
-		for ( const CUtlString &directory : m_UnmodifiableDirectories )
-		{
-			if ( V_PathsMatch( fullPath.Get(), directory.Get() ) || Host_PathInside( fullPath.Get(), directory.Get() ) )
-				return true;
-		}
-	}
+	if ( IsInUnmodifiableDirectory( fullPath.Get() ) )
+		return true;
 	// The nearest directory that exists decides.
 	std::error_code error;
 	fs::path disk( Host_DiskPathForWrite( fullPath.Get() ).Get() );
@@ -228,68 +232,20 @@ bool CFileSystem::WriteFile( const char *pFileName, const char *pPathID, const C
 	CUtlString fullPath;
 	if ( !MakeWritePath( pFileName, pPathID, &fullPath ) )
 	{
-		SetError( pError, "Unable to write '%s': the path id '%s' has no directory", pFileName ? pFileName : "", pPathID ? pPathID : "" );
+		SetError( pError, "Cannot write '%s': the path id '%s' has no directory", pFileName ? pFileName : "", pPathID ? pPathID : "" );
 		return false;
 	}
 	if ( !IsPathValid( fullPath.Get() ) )
 	{
-		SetError( pError, "Unable to write '%s': not a valid path", fullPath.Get() );
+		SetError( pError, "Cannot write '%s': not a valid path", fullPath.Get() );
 		return false;
 	}
-	CUtlString diskPath = Host_DiskPathForWrite( fullPath.Get() );
-	fs::path target( diskPath.Get() );
-	std::error_code error;
-	if ( fs::is_directory( target, error ) )
+	if ( IsInUnmodifiableDirectory( fullPath.Get() ) )
 	{
-		SetError( pError, "Unable to write '%s': a directory of that name exists", fullPath.Get() );
+		SetError( pError, "Cannot write '%s': it lies in a directory marked as not to be modified", fullPath.Get() );
 		return false;
 	}
-	if ( fs::exists( target, error ) && !IsFileWritable( fullPath.Get() ) )
-	{
-		SetError( pError, "Unable to write '%s': the file is read only", fullPath.Get() );
-		return false;
-	}
-	fs::create_directories( target.parent_path(), error );
-	if ( error )
-	{
-		SetError( pError, "Unable to make the directory of '%s': %s", fullPath.Get(), error.message().c_str() );
-		return false;
-	}
-
-	// The temporary file lives next to the target so that the rename stays on one device.
-	static std::atomic<unsigned> s_nTempCounter{ 0 };
-	char tempSuffix[ 64 ];
-	V_snprintf( tempSuffix, sizeof( tempSuffix ), ".%d.%u.tmp", int( getpid() ), s_nTempCounter.fetch_add( 1 ) );
-	std::string tempPath = target.string() + tempSuffix;
-
-	FILE *pFile = fopen( tempPath.c_str(), "wb" );
-	if ( !pFile )
-	{
-		SetError( pError, "Unable to open '%s' for writing: %s", tempPath.c_str(), strerror( errno ) );
-		return false;
-	}
-	size_t nSize = buffer.TellPut();
-	bool bWritten = nSize == 0 || fwrite( buffer.Base(), 1, nSize, pFile ) == nSize;
-	bWritten = ( fflush( pFile ) == 0 ) && bWritten;
-	bWritten = ( fclose( pFile ) == 0 ) && bWritten;
-	if ( !bWritten )
-	{
-		fs::remove( tempPath, error );
-		SetError( pError, "Unable to write '%s': %s", fullPath.Get(), strerror( errno ) );
-		return false;
-	}
-	// Keep the permissions of the file being replaced.
-	if ( fs::exists( target, error ) )
-		fs::permissions( tempPath, fs::status( target, error ).permissions(), error );
-	fs::rename( tempPath, target, error );
-	if ( error )
-	{
-		std::error_code ignored;
-		fs::remove( tempPath, ignored );
-		SetError( pError, "Unable to replace '%s': %s", fullPath.Get(), error.message().c_str() );
-		return false;
-	}
-	return true;
+	return SafeWriteFile( fullPath.Get(), buffer, pError );
 }
 
 bool CFileSystem::CreateDirHierarchy( const char *pPath, const char *pPathID )

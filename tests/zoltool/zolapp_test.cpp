@@ -375,13 +375,13 @@ TEST_F( ZolAppTest, AutosaveInTheAutosaveTreeNamesItsSourceInTheContentTree )
 {
 	Start();
 	CUtlString strRoot;
-	m_pApp->GetAutosaveRoot( &strRoot );
+	m_pApp->GetAutosaveManager().GetAutosaveRoot( &strRoot );
 	EXPECT_EQ( strRoot.Get()[ 0 ], '\\' ) << strRoot.Get();
 	EXPECT_STREQ( strRoot.Get() + strRoot.Length() - strlen( "_toolsautosave\\particles\\" ), "_toolsautosave\\particles\\" ) << strRoot.Get();
 	CUtlString strAutosave;
 	strAutosave.Format( "%sparticles\\samples\\fire004.tfxs_autosave", strRoot.Get() );
 	CUtlString strSource;
-	m_pApp->GetAutosaveSourceName( strAutosave, &strSource );
+	m_pApp->GetAutosaveManager().GetOriginalFileName( strAutosave, &strSource );
 	EXPECT_STREQ( strSource, MemoryPath( m_Root / "content/particles/samples/fire.tfxs" ) );
 }
 
@@ -570,7 +570,7 @@ TEST_F( ZolAppTest, AutosaveOpensAsItsSourceAndSavingAnAutosaveChangesNothing )
 {
 	Start();
 	CUtlString strRoot;
-	m_pApp->GetAutosaveRoot( &strRoot );
+	m_pApp->GetAutosaveManager().GetAutosaveRoot( &strRoot );
 	CUtlString strAutosave;
 	strAutosave.Format( "%sparticles\\samples\\fire004.tfxs_autosave", strRoot.Get() );
 	CUtlString strDiskAutosave( strAutosave );

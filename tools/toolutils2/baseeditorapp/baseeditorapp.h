@@ -50,6 +50,9 @@ public:
 	virtual void OnFileStatesRefreshed() {}
 	virtual bool SupportsVersionControl() const { return true; }
 	virtual bool SupportsAutosave() const { return true; }
+	// The autosave timer's permission: false puts the autosave off by a second. By default
+	// not while a file is being opened.
+	virtual bool CanAutosaveNow() { return !m_bOpening; }
 	virtual bool SessionWantsFile( CBaseEditorSession *, const char * ) { return false; }
 	virtual bool CanOpenFile( const char * ) { return true; }
 	virtual void ReadToolSettingsEarly( const KeyValues3 * ) {}
@@ -100,7 +103,11 @@ public:
 	const std::vector<CBaseEditorSession *> &GetSessions() const { return m_Sessions; }
 	const CEditorSessionHistory &GetSessionHistory() const { return m_SessionHistory; }
 	CAutosaveManager &GetAutosaveManager() { return m_AutosaveManager; }
-	CEditorSettings &GetEditorSettings() { return m_EditorSettings; }
+	const CEditorSettings &GetEditorSettings() const { return m_EditorSettings; }
+	// Every change of the editor settings comes here, and the settings are stored at once.
+	void ChangeEditorSettings( const CEditorSettings &settings );
+	// Writes the settings now, not at the next frame: for what must survive a crash.
+	void StoreSettingsNow() { SaveSettings( GetMainWindow() ); }
 
 	// Untitled names: "<default directory>\<prefix><n>", n one counter per process.
 	void MakeUntitledName( CUtlString *pName );

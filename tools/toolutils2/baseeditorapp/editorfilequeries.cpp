@@ -100,6 +100,23 @@ void ListDirectory( const char *pDirectory, std::vector<CUtlString> *pNames )
 		pNames->emplace_back( V_UnqualifiedFileName( results[ i ].Get() ) );
 }
 
+void FindFiles( const char *pPattern, std::vector<CUtlString> *pPaths )
+{
+	pPaths->clear();
+	IFileSystem *pFileSystem = GetFileSystem();
+	CUtlVector<CUtlString> results;
+	if ( pFileSystem && pPattern && *pPattern )
+		pFileSystem->FindFiles( pPattern, nullptr, FILE_FIND_FILES, &results );
+	for ( int i = 0; i < results.Count(); ++i )
+		pPaths->push_back( results[ i ] );
+}
+
+int64_t GetModificationTime( const char *pPath )
+{
+	IFileSystem *pFileSystem = GetFileSystem();
+	return pFileSystem && pPath && *pPath ? pFileSystem->GetFileTime( pPath ) : 0;
+}
+
 bool CreateDirectoryChain( const char *pDirectory )
 {
 	IFileSystem *pFileSystem = GetFileSystem();

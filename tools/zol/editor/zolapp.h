@@ -49,6 +49,8 @@ public:
 	void Shutdown() override;
 	void DestroySession( CBaseEditorSession *pSession ) override;
 	void SessionActivated( CBaseEditorSession *pOld, CBaseEditorSession *pNew ) override;
+	// Not while a dialog is up: a question may stand in the middle of an operation.
+	bool CanAutosaveNow() override;
 	bool OfferSync( const char * ) override { return true; }
 	bool CheckOtherUsers( const char * ) override { return true; }
 	void OnFileOpened( CBaseEditorSession *pSession, const char *pPath ) override;
@@ -80,11 +82,6 @@ public:
 	bool IsScreenSpaceOverlayAllowed() const { return m_bAllowScreenSpaceOverlay; }
 	bool IsScreenSpaceOverlayShown() const { return m_bShowScreenSpaceOverlay; }
 	void SetScreenSpaceOverlayShown( bool bShow ) { m_bShowScreenSpaceOverlay = bShow; }
-
-	// The source file of an autosave: the autosave tree mirrors the content tree under
-	// "<content root>_toolsautosave\<tool>\".
-	void GetAutosaveRoot( CUtlString *pRoot ) const;
-	void GetAutosaveSourceName( const char *pAutosavePath, CUtlString *pSource ) const;
 
 	CZolEventHub *GetEventHub() const { return m_pEventHub.get(); }
 	IAssetCompiler *GetParticleCompiler() { return &m_ParticleCompiler; }
