@@ -109,6 +109,12 @@ public:
 	// Writes the settings now, not at the next frame: for what must survive a crash.
 	void StoreSettingsNow() { SaveSettings( GetMainWindow() ); }
 
+	// A step of a scripted run (the tools host's --do option: crash tests, demonstrations):
+	// "new" makes a new document, "autosave" does what the autosave timer does when its
+	// time comes, "report" lists the sessions with their marks. A tool adds steps of its
+	// own. Answers what to tell the user, or false with the reason in pOutput.
+	virtual bool RunScriptStep( const char *pStep, CUtlString *pOutput );
+
 	// Untitled names: "<default directory>\<prefix><n>", n one counter per process.
 	void MakeUntitledName( CUtlString *pName );
 

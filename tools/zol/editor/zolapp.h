@@ -49,6 +49,9 @@ public:
 	void Shutdown() override;
 	void DestroySession( CBaseEditorSession *pSession ) override;
 	void SessionActivated( CBaseEditorSession *pOld, CBaseEditorSession *pNew ) override;
+	// The framework's steps, and "set KEY VALUE" (an edit of a member of the active
+	// definition's root, as the property panel makes it) and "get KEY" (zolappscript.cpp).
+	bool RunScriptStep( const char *pStep, CUtlString *pOutput ) override;
 	// Not while a dialog is up: a question may stand in the middle of an operation.
 	bool CanAutosaveNow() override;
 	bool OfferSync( const char * ) override { return true; }
