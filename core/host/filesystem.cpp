@@ -9,7 +9,7 @@
 #include <cstring>
 #include <filesystem>
 #include <mutex>
-#include <set>
+#include <map>
 #include <string>
 #include <system_error>
 
@@ -245,7 +245,8 @@ bool CFileSystem::WriteFile( const char *pFileName, const char *pPathID, const C
 		SetError( pError, "Cannot write '%s': it lies in a directory marked as not to be modified", fullPath.Get() );
 		return false;
 	}
-	return SafeWriteFile( fullPath.Get(), buffer, pError );
+	// An existing file is found whatever the case of its name, as a read finds it.
+	return SafeWriteFile( Host_DiskPathForWrite( fullPath.Get() ).Get(), buffer, pError );
 }
 
 bool CFileSystem::CreateDirHierarchy( const char *pPath, const char *pPathID )
@@ -335,9 +336,12 @@ int CFileSystem::FindFiles( const char *pPattern, const char *pPathID, unsigned 
 		CUtlString m_Path;
 	};
 	std::vector<Found_t> found;
-	std::set<std::string> seen;
-	for ( const CUtlString &baseDirectory : baseDirectories )
+	// A relative name met again along a later search path is hidden by the first; two
+	// names of one directory that differ only in case are two files, and both count.
+	std::map<std::string, int> seen;
+	for ( int nBase = 0; nBase < baseDirectories.Count(); ++nBase )
 	{
+		const CUtlString &baseDirectory = baseDirectories[ nBase ];
 		CUtlString diskBase;
 		std::error_code error;
 		if ( !Host_FindOnDisk( baseDirectory.Get(), &diskBase ) || !fs::is_directory( diskBase.Get(), error ) )
@@ -352,7 +356,8 @@ int CFileSystem::FindFiles( const char *pPattern, const char *pPathID, unsigned 
 			std::string relative = entry.path().lexically_relative( diskBase.Get() ).generic_string();
 			std::string key = relative;
 			V_strlower_fast( key.data() );
-			if ( !seen.insert( key ).second )
+			auto [ itSeen, bNew ] = seen.emplace( key, nBase );
+			if ( !bNew && itSeen->second != nBase )
 				return;
 			found.push_back( { key, Host_NormalizePath( entry.path().string().c_str() ) } );
 		};

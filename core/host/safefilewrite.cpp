@@ -156,7 +156,10 @@ bool SafeWriteFile( const char *pPath, const void *pData, size_t nSize, CUtlStri
 	if ( nSize > 0 && !pData )
 		return Refuse( pError, pPath, "there is no data" );
 
-	std::string target( Host_DiskPathForWrite( pPath ).Get() );
+	// Directories are found whatever the case of their names; the file keeps its name as
+	// spelt, so of two files that differ only in case the one named is written.
+	fs::path spelt( Host_DiskPath( pPath ).Get() );
+	std::string target = spelt.has_parent_path() ? ( fs::path( Host_DiskPathForWrite( spelt.parent_path().c_str() ).Get() ) / spelt.filename() ).string() : spelt.string();
 	std::string reason;
 	if ( !FollowLinks( &target, &reason ) )
 		return Refuse( pError, pPath, reason );

@@ -16,8 +16,10 @@
 // the link stays a link. A replaced file keeps its permissions (and, where the process
 // may, its owner); a new one gets the usual ones of the process.
 //
-// Paths may use either slash. A missing directory chain is made. Names that differ from
-// what is on disk only in case find the existing file, the exact spelling first.
+// Paths may use either slash. A missing directory chain is made. Directories whose names
+// differ from what is on disk only in case are found; the file itself is written under the
+// name as spelt, so of two files that differ only in case the one named gets the bytes.
+// (The file system's WriteFile finds an existing file whatever its case first.)
 
 #include <cstddef>
 

@@ -331,8 +331,11 @@ void CAutosaveManager::GetAutosaveRoot( CUtlString *pRoot ) const
 	strContentRoot.FixSlashes( '\\' );
 	while ( strContentRoot.Length() > 1 && strContentRoot.Get()[ strContentRoot.Length() - 1 ] == '\\' )
 		strContentRoot.Set( strContentRoot.Get(), strContentRoot.Length() - 1 );
-	if ( !strContentRoot.IsEmpty() )
-		pRoot->Format( "%s_toolsautosave\\%s\\", strContentRoot.Get(), m_pApp ? m_pApp->GetToolName() : "" );
+	if ( strContentRoot.IsEmpty() )
+		return;
+	pRoot->Format( "%s_toolsautosave\\", strContentRoot.Get() );
+	if ( m_pApp && *m_pApp->GetToolName() )
+		pRoot->AppendFormat( "%s\\", m_pApp->GetToolName() );
 }
 
 void CAutosaveManager::GetOriginalFileName( const char *pAutosavePath, CUtlString *pOut ) const

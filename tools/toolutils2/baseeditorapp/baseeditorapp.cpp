@@ -247,12 +247,23 @@ CBaseEditorSession *CBaseEditorApp::FindSessionByFile( const char *pPath ) const
 {
 	if ( !pPath || !*pPath )
 		return nullptr;
+	CUtlString strPath( pPath );
+	NormalisePath( &strPath );
+	// Names compare ignoring case, but two files may differ only in case: the exact
+	// spelling wins, and a twin on disk is never taken for the file.
+	CBaseEditorSession *pFolded = nullptr;
 	for ( CBaseEditorSession *pSession : m_Sessions )
 	{
-		if ( pSession->HasFile( pPath ) )
+		if ( !pSession->HasFile( strPath ) )
+			continue;
+		if ( !V_strcmp( pSession->GetFileName(), strPath ) )
 			return pSession;
+		if ( !pFolded )
+			pFolded = pSession;
 	}
-	return nullptr;
+	if ( pFolded && EditorFiles::AreCaseTwins( pFolded->GetFileName(), strPath ) )
+		return nullptr;
+	return pFolded;
 }
 
 // ---------------------------------------------------------------------------------------

@@ -2,6 +2,8 @@
 
 #include <unistd.h>
 
+#include <cstring>
+
 #include "core/host/hostpaths.h"
 #include "core/host/ifilesystem.h"
 #include "core/text/pathtools.h"
@@ -12,6 +14,14 @@ bool Exists( const char *pPath )
 {
 	IFileSystem *pFileSystem = GetFileSystem();
 	return pFileSystem && pPath && *pPath && pFileSystem->FileExists( pPath );
+}
+
+bool AreCaseTwins( const char *pPathA, const char *pPathB )
+{
+	// Spelt exactly, without the file system's folding of case.
+	CUtlString strA = Host_DiskPath( pPathA );
+	CUtlString strB = Host_DiskPath( pPathB );
+	return strcmp( strA, strB ) != 0 && access( strA, F_OK ) == 0 && access( strB, F_OK ) == 0;
 }
 
 bool IsDirectory( const char *pPath )

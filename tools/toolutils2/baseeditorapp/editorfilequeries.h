@@ -10,6 +10,8 @@
 namespace EditorFiles
 {
 bool Exists( const char *pPath );
+// Two spellings of one name that are two files on disk: names that differ only in case.
+bool AreCaseTwins( const char *pPathA, const char *pPathB );
 bool IsDirectory( const char *pPath );
 // The file (or, for a missing file, its directory) can be written now.
 bool IsWritable( const char *pPath );
