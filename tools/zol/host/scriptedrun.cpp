@@ -6,18 +6,25 @@
 #include <cstdio>
 #include <cstring>
 
+#include "core/host/hostpaths.h"
 #include "core/host/iprompt.h"
 #include "core/host/safefilewrite.h"
 #include "core/host/scriptedprompt.h"
+#include "core/text/pathtools.h"
 #include "core/text/strtools.h"
 #include "tools/toolutils2/baseeditorapp/baseeditorapp.h"
 
 namespace
 {
-// One shot: the write after "stop-before-rename" stops the process with its temporary
-// file complete and the old file still in place.
+// The file names whose write "stop-before-rename" waits for.
+CUtlString g_strStopPattern;
+
+// One shot: the first write of a matching file after "stop-before-rename" stops the
+// process with its temporary file complete and the old file still in place.
 void StopBeforeRename( const char *pTemporaryPath, const char *pTargetPath )
 {
+	if ( !Host_WildcardMatch( g_strStopPattern, V_UnqualifiedFileName( pTargetPath ) ) )
+		return;
 	SafeWrite_SetBeforeRenameHook( nullptr );
 	printf( "zol: stopped before renaming %s over %s\n", pTemporaryPath, pTargetPath );
 	fflush( stdout );
@@ -96,10 +103,11 @@ void CScriptedRun::RunNextStep( CBaseEditorApp *pTool )
 		strOutput = "quitting";
 		QCoreApplication::quit();
 	}
-	else if ( !strcmp( strStep, "stop-before-rename" ) )
+	else if ( !strncmp( strStep, "stop-before-rename", 18 ) && ( !strStep.Get()[ 18 ] || strStep.Get()[ 18 ] == ' ' ) )
 	{
+		g_strStopPattern = strStep.Get()[ 18 ] ? strStep.Get() + 19 : "*";
 		SafeWrite_SetBeforeRenameHook( &StopBeforeRename );
-		strOutput = "the next file written stops before its rename";
+		strOutput.Format( "the next file written whose name matches \"%s\" stops before its rename", g_strStopPattern.Get() );
 	}
 	else
 		bDone = pTool->RunScriptStep( strStep, &strOutput );

@@ -8,9 +8,10 @@
 //
 // Steps: the application's own (CBaseEditorApp::RunScriptStep and the tool's: "new",
 // "set KEY VALUE", "get KEY", "autosave", "report"), and two of the host's: "quit", and
-// "stop-before-rename", after which the next file written stops the process (SIGSTOP)
-// once its temporary file is complete and before the rename, so a crash test can kill it
-// at that moment. Each step prints "zol: STEP: WHAT HAPPENED" on the standard output.
+// "stop-before-rename [PATTERN]", after which the next file written whose name matches
+// the wildcard pattern (default "*") stops the process (SIGSTOP) once its temporary file
+// is complete and before the rename, so a crash test can kill it at that moment. Each
+// step prints "zol: STEP: WHAT HAPPENED" on the standard output.
 //
 // A scripted run never waits for a user: every question and dialog goes to the scripted
 // prompt, and one that no --answer was meant for is answered as harmlessly as possible,
