@@ -577,5 +577,9 @@ TEST_F( AutosaveTest, AutosaveOfAnOpenFileIsRefused )
 	const CScriptedPrompt::Record_t *pRecord = m_Prompt.FindRecord( "Unable to open" );
 	ASSERT_NE( pRecord, nullptr );
 	EXPECT_STREQ( pRecord->m_strText, "The source file of this autosave is already open. Close it first to open this file." );
+	// The same through the open dialog.
+	m_Prompt.ExpectOpenFile( Native( AutosaveDirectory() / "a001.txt_autosave" ) );
+	m_App.ShowOpenDialog();
+	EXPECT_EQ( m_Prompt.CountRecords( PROMPT_KIND_MESSAGE ), 2 );
 	EXPECT_EQ( m_App.GetSessions().size(), 1u );
 }

@@ -659,7 +659,7 @@ void CAutosaveManager::CheckForRecovery()
 	if ( IsHeadlessEditorRun() )
 	{
 		// Nobody is there to answer: the crash record stays for the next interactive start.
-		Log_Msg( LOG_GENERAL, "%s did not shut down correctly the last time; %d file(s) can be recovered at the next interactive start.\n", m_pApp->GetToolTitle(), int( entries.size() + newFiles.size() ) );
+		Log_Msg( LOG_GENERAL, "%s did not shut down correctly the last time; %d file(s) can be recovered at the next interactive start.\n", m_pApp->GetApplicationName(), int( entries.size() + newFiles.size() ) );
 		m_bKeepingRecovery = true;
 		m_KeptCandidates = entries;
 		m_KeptCandidates.insert( m_KeptCandidates.end(), newFiles.begin(), newFiles.end() );
@@ -669,7 +669,7 @@ void CAutosaveManager::CheckForRecovery()
 	char szText[ 1024 ];
 	V_snprintf( szText, sizeof( szText ),
 		"%s did not shut down correctly the last time it was used.\nMore recent autosaves exist of the files you were working on.\nWould you like to recover the last saved versions of the files that were open?\n",
-		m_pApp->GetToolTitle() );
+		m_pApp->GetApplicationName() );
 	PromptQuestion_t question;
 	question.m_eIcon = PROMPT_ICON_QUESTION;
 	question.m_strTitle = "Recover Files?";

@@ -400,6 +400,19 @@ CBaseEditorSession *CBaseEditorApp::OpenFile( const char *pPath, bool bTrackRece
 	return pSession;
 }
 
+bool CBaseEditorApp::RefuseAutosaveOfOpenFile( const char *pPath )
+{
+	if ( !IsAutosaveFileName( pPath ) )
+		return false;
+	// Two sessions of one file would overwrite each other's work.
+	CUtlString strOriginal;
+	m_AutosaveManager.GetOriginalFileName( pPath, &strOriginal );
+	if ( !FindSessionByFile( strOriginal ) )
+		return false;
+	GetPrompt()->Warning( "Unable to open", "The source file of this autosave is already open. Close it first to open this file." );
+	return true;
+}
+
 CBaseEditorSession *CBaseEditorApp::OpenFileSteps( const char *pPath, bool bTrackRecent )
 {
 	CEditorWaitCursor waitCursor;
@@ -412,17 +425,8 @@ CBaseEditorSession *CBaseEditorApp::OpenFileSteps( const char *pPath, bool bTrac
 		return nullptr;
 	if ( !OfferSync( strPath ) || !CheckOtherUsers( strPath ) )
 		return nullptr;
-	if ( IsAutosaveFileName( strPath ) )
-	{
-		// Two sessions of one file would overwrite each other's work.
-		CUtlString strOriginal;
-		m_AutosaveManager.GetOriginalFileName( strPath, &strOriginal );
-		if ( FindSessionByFile( strOriginal ) )
-		{
-			GetPrompt()->Warning( "Unable to open", "The source file of this autosave is already open. Close it first to open this file." );
-			return nullptr;
-		}
-	}
+	if ( RefuseAutosaveOfOpenFile( strPath ) )
+		return nullptr;
 
 	if ( CBaseEditorSession *pOpen = FindSessionByFile( strPath ) )
 	{
@@ -529,6 +533,14 @@ void CBaseEditorApp::ShowOpenDialog()
 	NormalisePath( &strDirectory );
 	m_strLastLoadDirectory = strDirectory.DirName();
 	MarkSettingsDirty();
+	// One autosave whose original is open stops the whole choice, before anything opens.
+	for ( int i = 0; i < chosen.Count(); ++i )
+	{
+		CUtlString strName( chosen[ i ].Get() );
+		NormalisePath( &strName );
+		if ( RefuseAutosaveOfOpenFile( strName ) )
+			return;
+	}
 	for ( int i = 0; i < chosen.Count(); ++i )
 	{
 		CUtlString strName( chosen[ i ].Get() );

@@ -36,6 +36,8 @@ public:
 	virtual CBaseEditorSession *OpenFile( const char *pPath, bool bTrackRecent, const void *pExtra = nullptr );
 	virtual IBaseEditorWindow *GetActiveWidget() { return GetMainWindow(); }
 	virtual const char *GetToolTitle() const { return m_strToolName.Get(); }
+	// The name the user knows the program by, in questions such as the recovery's.
+	virtual const char *GetApplicationName() const { return GetToolTitle(); }
 	virtual const char *GetCommandContextName() const { return m_strToolName.Get(); }
 
 	// Hooks of the tool.
@@ -175,6 +177,8 @@ private:
 	CBaseEditorSession *OpenFileSteps( const char *pPath, bool bTrackRecent );
 	bool ResolveOpenPath( const char *pPath, CUtlString *pFullPath ) const;
 	bool ConfirmOutsideContent( const char *pPath );
+	// Tells the user and answers true for an autosave whose original is open.
+	bool RefuseAutosaveOfOpenFile( const char *pPath );
 	void RemoveSessionFromList( CBaseEditorSession *pSession );
 	bool ChooseSaveAsPath( CBaseEditorSession *pSession, CUtlString *pChosen );
 	bool IsUntitledNameTaken( const char *pBaseName ) const;

@@ -44,6 +44,7 @@ public:
 	const char *const *GetNeededInterfaces() const override;
 	void OnOpenRequest( const ToolOpenRequest_t &request ) override;
 	const char *GetCommandContextName() const override { return "ZolCommands"; }
+	const char *GetApplicationName() const override { return "Zol"; }
 	bool Init() override;
 	void RunFrame() override;
 	void Shutdown() override;
