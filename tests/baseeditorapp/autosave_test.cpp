@@ -115,6 +115,21 @@ protected:
 		m_App.ShutdownTool();
 		std::ofstream( m_Root / "settings" / ( std::string( TOOL_NAME ) + "_settings.kv3" ) ) << atCrash;
 	}
+
+	// An edit of a.txt and a new document, both autosaved, then the crash; answers the new
+	// document's name.
+	CUtlString CrashWithAnEditAndANewDocument()
+	{
+		CUtlString strUntitled;
+		RunAndCrash( [ & ] {
+			OpenAndEdit( "particles/a.txt", "edited a" );
+			auto *pNew = static_cast<CTestSession *>( m_App.NewSession() );
+			pNew->Edit( "a new document" );
+			strUntitled = pNew->GetFileName();
+			m_App.GetAutosaveManager().AutosaveAll( false );
+		} );
+		return strUntitled;
+	}
 };
 } // namespace
 
@@ -414,16 +429,8 @@ TEST_F( AutosaveTest, NamesThatDifferOnlyInCaseKeepTheirOwnAutosaves )
 
 TEST_F( AutosaveTest, RecoveryReopensEditsUnderTheirNamesAndUnsavedDocuments )
 {
-	CUtlString strA;
-	CUtlString strUntitled;
-	RunAndCrash( [ & ] {
-		OpenAndEdit( "particles/a.txt", "edited a" );
-		auto *pNew = static_cast<CTestSession *>( m_App.NewSession() );
-		pNew->Edit( "a new document" );
-		strA = Native( m_Root / "content/particles/a.txt" );
-		strUntitled = pNew->GetFileName();
-		m_App.GetAutosaveManager().AutosaveAll( false );
-	} );
+	CUtlString strA = Native( m_Root / "content/particles/a.txt" );
+	CUtlString strUntitled = CrashWithAnEditAndANewDocument();
 
 	Plat_SetTestMode( false );
 	CTestApp app;
@@ -459,14 +466,7 @@ TEST_F( AutosaveTest, RecoveryReopensEditsUnderTheirNamesAndUnsavedDocuments )
 
 TEST_F( AutosaveTest, DecliningRecoveryClearsTheMarksAndOpensNothing )
 {
-	CUtlString strUntitled;
-	RunAndCrash( [ & ] {
-		OpenAndEdit( "particles/a.txt", "edited a" );
-		auto *pNew = static_cast<CTestSession *>( m_App.NewSession() );
-		pNew->Edit( "a new document" );
-		strUntitled = pNew->GetFileName();
-		m_App.GetAutosaveManager().AutosaveAll( false );
-	} );
+	CUtlString strUntitled = CrashWithAnEditAndANewDocument();
 
 	Plat_SetTestMode( false );
 	CTestApp app;

@@ -180,6 +180,20 @@ protected:
 		Start();
 	}
 
+	// Starts a fresh editor that answers Yes to the recovery question; the one session it
+	// must then have, or null.
+	CZolSession *RecoverTheSession()
+	{
+		m_Prompt.ExpectQuestion( PROMPT_BUTTON_YES, "Recover Files?" );
+		StartInteractively();
+		if ( m_pApp->GetSessions().size() != 1 )
+		{
+			ADD_FAILURE() << m_pApp->GetSessions().size() << " sessions after the recovery";
+			return nullptr;
+		}
+		return static_cast<CZolSession *>( m_pApp->GetSessions()[ 0 ] );
+	}
+
 	static int MaxParticles( CZolSession *pSession ) { return pSession->GetDoc()->GetRoot()->GetKV3()->GetMemberInt( "m_nMaxParticles" ); }
 
 	fs::path AutosaveDirectory() const { return m_Root / "content_toolsautosave/particles/particles/samples"; }
@@ -194,10 +208,8 @@ TEST_F( ZolCrashRecoveryTest, EditComesBackUnderItsNameModifiedAndTheFileIsUncha
 	RunAndKill( { "set m_nMaxParticles 4321", "autosave" }, "zol: autosave: autosaved 1 of 1" );
 	ASSERT_TRUE( fs::exists( AutosaveDirectory() / "fire001.tfxs_autosave" ) );
 
-	m_Prompt.ExpectQuestion( PROMPT_BUTTON_YES, "Recover Files?" );
-	StartInteractively();
-	ASSERT_EQ( m_pApp->GetSessions().size(), 1u );
-	auto *pSession = static_cast<CZolSession *>( m_pApp->GetSessions()[ 0 ] );
+	CZolSession *pSession = RecoverTheSession();
+	ASSERT_NE( pSession, nullptr );
 	EXPECT_STREQ( pSession->GetFileName(), m_strFire );
 	EXPECT_TRUE( pSession->IsModified() );
 	EXPECT_FALSE( pSession->IsNewFile() );
@@ -214,10 +226,8 @@ TEST_F( ZolCrashRecoveryTest, UnsavedNewDocumentComesBackAsOne )
 {
 	RunAndKill( { "new", "set m_nMaxParticles 777", "autosave" }, "zol: autosave: autosaved 1 of 1", false );
 
-	m_Prompt.ExpectQuestion( PROMPT_BUTTON_YES, "Recover Files?" );
-	StartInteractively();
-	ASSERT_EQ( m_pApp->GetSessions().size(), 1u );
-	auto *pSession = static_cast<CZolSession *>( m_pApp->GetSessions()[ 0 ] );
+	CZolSession *pSession = RecoverTheSession();
+	ASSERT_NE( pSession, nullptr );
 	EXPECT_TRUE( pSession->IsNewFile() );
 	EXPECT_TRUE( pSession->IsModified() );
 	EXPECT_EQ( MaxParticles( pSession ), 777 );
@@ -260,10 +270,8 @@ TEST_F( ZolCrashRecoveryTest, KillBetweenTheTemporaryAndTheRenameKeepsThePreviou
 	EXPECT_NE( ReadText( temporaries[ 0 ] ).find( "2222" ), std::string::npos );
 	EXPECT_FALSE( fs::exists( AutosaveDirectory() / "fire002.tfxs_autosave" ) );
 
-	m_Prompt.ExpectQuestion( PROMPT_BUTTON_YES, "Recover Files?" );
-	StartInteractively();
-	ASSERT_EQ( m_pApp->GetSessions().size(), 1u );
-	auto *pSession = static_cast<CZolSession *>( m_pApp->GetSessions()[ 0 ] );
+	CZolSession *pSession = RecoverTheSession();
+	ASSERT_NE( pSession, nullptr );
 	EXPECT_STREQ( pSession->GetFileName(), m_strFire );
 	EXPECT_EQ( MaxParticles( pSession ), 1111 ) << "the previous autosave, whole";
 	EXPECT_EQ( ReadText( m_Root / "content/particles/samples/fire.tfxs" ), m_FireBefore );
