@@ -66,9 +66,10 @@ bool CBaseEditorApp::StartTool( int nToolId )
 		pWindow->RestoreLayout( &settings );
 	RestoreToolSettings( &settings );
 	m_AutosaveManager.CheckForRecovery();
-	// Stored at once: a crash from here on must find the flag down.
+	// Stored at once: a crash from here on must find the flag down. The window isn't up
+	// yet, so the layout stays as it was read.
 	m_EditorSettings.m_bClosedCorrectly = false;
-	StoreSettingsNow();
+	SaveSettings( nullptr );
 	m_AutosaveManager.StartTimer();
 	return true;
 }
