@@ -11,7 +11,7 @@
 #include <QPushButton>
 #include <QtTest/QTest>
 
-#include "tests/zoltool/zolapptest.h"
+#include "tests/zoltool/zolapptestsupport.h"
 #include "tools/toolutils2/toolattr/ibasetoolattr.h"
 #include "tools/toolutils2/toolattr/itoolattrtable.h"
 #include "tools/toolutils2/toolattr/itoolattrvalue.h"

@@ -36,13 +36,15 @@
 #include "tools/zol/editor/zolmainwnd.h"
 #include "tools/zol/editor/zolmoduleexports.h"
 #include "tools/zol/editor/zolsession.h"
-#include "tests/zoltool/zolapptest.h"
 #include "zoldoc_lib/zolcontrolpointconfiguration.h"
 #include "zoldoc_lib/zoldoc.h"
 #include "zoldoc_lib/zolrootnode.h"
+#include "tests/zoltool/zolapptestsupport.h"
 
 namespace
 {
+namespace fs = std::filesystem;
+
 // The control point numbers of the drivers of a definition's first configuration.
 std::vector<int> DriverPoints( const KeyValues3 &definition )
 {
@@ -274,13 +276,13 @@ TEST_F( ZolAppTest, AutosaveInTheAutosaveTreeNamesItsSourceInTheContentTree )
 {
 	Start();
 	CUtlString strRoot;
-	m_pApp->GetAutosaveRoot( &strRoot );
+	m_pApp->GetAutosaveManager().GetAutosaveRoot( &strRoot );
 	EXPECT_EQ( strRoot.Get()[ 0 ], '\\' ) << strRoot.Get();
 	EXPECT_STREQ( strRoot.Get() + strRoot.Length() - strlen( "_toolsautosave\\particles\\" ), "_toolsautosave\\particles\\" ) << strRoot.Get();
 	CUtlString strAutosave;
 	strAutosave.Format( "%sparticles\\samples\\fire004.tfxs_autosave", strRoot.Get() );
 	CUtlString strSource;
-	m_pApp->GetAutosaveSourceName( strAutosave, &strSource );
+	m_pApp->GetAutosaveManager().GetOriginalFileName( strAutosave, &strSource );
 	EXPECT_STREQ( strSource, MemoryPath( m_Root / "content/particles/samples/fire.tfxs" ) );
 }
 
@@ -469,7 +471,7 @@ TEST_F( ZolAppTest, AutosaveOpensAsItsSourceAndSavingAnAutosaveChangesNothing )
 {
 	Start();
 	CUtlString strRoot;
-	m_pApp->GetAutosaveRoot( &strRoot );
+	m_pApp->GetAutosaveManager().GetAutosaveRoot( &strRoot );
 	CUtlString strAutosave;
 	strAutosave.Format( "%sparticles\\samples\\fire004.tfxs_autosave", strRoot.Get() );
 	CUtlString strDiskAutosave( strAutosave );

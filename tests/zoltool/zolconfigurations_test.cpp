@@ -7,7 +7,7 @@
 #include "core/kv3/keyvalues3.h"
 #include "core/kv3/kv3serialize.h"
 #include "tests/zoldoc/zolrecordingpreview.h"
-#include "tests/zoltool/zolapptest.h"
+#include "tests/zoltool/zolapptestsupport.h"
 #include "zoldoc_lib/zolcontrolpointconfiguration.h"
 #include "zoldoc_lib/zoldoc.h"
 #include "zoldoc_lib/zolpersistedcontrolpoints.h"

@@ -1,17 +1,18 @@
 #pragma once
-// The application on a copy of the shipped content, started without a window unless a
-// test asks for one; shared by the tests of the application, its sessions and commands.
+// The particle editor's application on a scratch copy of the shipped game and content
+// trees, with its own settings directory, the host's services and the scripted prompt.
 
 #include <gtest/gtest.h>
 
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <string>
 #include <unistd.h>
 
 #include "core/host/assetsystem.h"
 #include "core/host/hostservices.h"
-#include "core/host/iassetsystem.h"
+#include "core/host/iasset.h"
 #include "core/host/interfaceregistry.h"
 #include "core/host/scriptedprompt.h"
 #include "core/host/toolsettingsstore.h"
@@ -24,8 +25,6 @@
 
 #include <QApplication>
 
-namespace fs = std::filesystem;
-
 // Widget tests need the one QApplication of the binary; it is never destroyed.
 inline void EnsureQApplication()
 {
@@ -37,21 +36,21 @@ inline void EnsureQApplication()
 }
 
 // Paths in memory use backslashes, also on this platform.
-inline CUtlString MemoryPath( const fs::path &path )
+inline CUtlString MemoryPath( const std::filesystem::path &path )
 {
 	CUtlString strPath( path.c_str() );
 	strPath.FixSlashes( '\\' );
 	return strPath;
 }
 
-inline void WriteText( const fs::path &path, const std::string &text )
+inline void WriteText( const std::filesystem::path &path, const std::string &text )
 {
-	fs::create_directories( path.parent_path() );
+	std::filesystem::create_directories( path.parent_path() );
 	std::ofstream out( path );
 	out << text;
 }
 
-inline std::string ReadText( const fs::path &path )
+inline std::string ReadText( const std::filesystem::path &path )
 {
 	std::ifstream in( path );
 	return std::string( std::istreambuf_iterator<char>( in ), std::istreambuf_iterator<char>() );
@@ -63,19 +62,19 @@ protected:
 	void SetUp() override
 	{
 		Plat_SetTestMode( true );
-		m_Root = fs::temp_directory_path() / ( "zol_app_" + std::to_string( getpid() ) );
-		fs::remove_all( m_Root );
-		fs::create_directories( m_Root );
-		fs::copy( fs::path( ZOL_SOURCE_DIR ) / "content" / "game", m_Root / "game", fs::copy_options::recursive );
-		fs::create_directories( m_Root / "content/particles" );
-		fs::copy( fs::path( ZOL_SOURCE_DIR ) / "content/content/particles/samples", m_Root / "content/particles/samples", fs::copy_options::recursive );
-		fs::copy( fs::path( ZOL_SOURCE_DIR ) / "content/content/models", m_Root / "content/models", fs::copy_options::recursive );
+		m_Root = std::filesystem::temp_directory_path() / ( "zol_app_" + std::to_string( getpid() ) );
+		std::filesystem::remove_all( m_Root );
+		std::filesystem::create_directories( m_Root );
+		std::filesystem::copy( std::filesystem::path( ZOL_SOURCE_DIR ) / "content" / "game", m_Root / "game", std::filesystem::copy_options::recursive );
+		std::filesystem::create_directories( m_Root / "content/particles" );
+		std::filesystem::copy( std::filesystem::path( ZOL_SOURCE_DIR ) / "content/content/particles/samples", m_Root / "content/particles/samples", std::filesystem::copy_options::recursive );
+		std::filesystem::copy( std::filesystem::path( ZOL_SOURCE_DIR ) / "content/content/models", m_Root / "content/models", std::filesystem::copy_options::recursive );
 		// Another directory: one system that holds fire as a child, one that holds nothing.
 		std::string campfire = ReadText( m_Root / "content/particles/samples/campfire.tfxs" );
 		ASSERT_NE( campfire.find( "particles/samples/fire.tfxs" ), std::string::npos );
 		WriteText( m_Root / "content/particles/other/holder.tfxs", campfire );
-		fs::copy_file( m_Root / "content/particles/samples/fire.tfxs", m_Root / "content/particles/other/lonely.tfxs" );
-		fs::create_directories( m_Root / "settings" );
+		std::filesystem::copy_file( m_Root / "content/particles/samples/fire.tfxs", m_Root / "content/particles/other/lonely.tfxs" );
+		std::filesystem::create_directories( m_Root / "settings" );
 		GetToolSettingsStore().SetDirectory( ( m_Root / "settings" ).c_str() );
 
 		CUtlString strError;
@@ -100,7 +99,7 @@ protected:
 	{
 		if ( !m_pApp )
 		{
-			fs::remove_all( m_Root );
+			std::filesystem::remove_all( m_Root );
 			return;
 		}
 		// Hooks of a test body must not outlive it.
@@ -117,7 +116,7 @@ protected:
 		m_pApp->SetPreviewSessionLocked( false );
 		m_Services.SetParticleSystemMgr( nullptr );
 		GetToolSettingsStore().SetDirectory( "" );
-		fs::remove_all( m_Root );
+		std::filesystem::remove_all( m_Root );
 	}
 
 	CZolSession *Open( const char *pContentPath )
@@ -127,7 +126,7 @@ protected:
 
 	IAsset *Asset( const char *pContentPath ) { return m_Services.GetAssetSystem()->FindAssetByContentPath( pContentPath ); }
 
-	fs::path m_Root;
+	std::filesystem::path m_Root;
 	CHostServices m_Services;
 	CScriptedPrompt m_Prompt;
 	CScopedPrompt m_ScopedPrompt{ &m_Prompt };
