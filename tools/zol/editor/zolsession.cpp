@@ -82,9 +82,6 @@ void CZolSession::MarkEdited()
 {
 	m_bNeedsRecompile = true;
 	SetModified( true );
-	// Children may have come or gone: the family is found anew on the next query.
-	if ( m_pNamedValueContext )
-		m_pNamedValueContext->ClearNamedValueCache();
 }
 
 void CZolSession::OnDocumentChanged( const ZolEvent_DocumentModified_t & )
@@ -100,10 +97,15 @@ void CZolSession::OnFunctionEnableDisableChanged( const ZolEvent_FunctionEnableD
 void CZolSession::OnFunctionListChanged( const ZolEvent_FunctionListChanged_t & )
 {
 	MarkEdited();
+	// Children may have come or gone: the family is found anew on the next query.
+	if ( m_pNamedValueContext )
+		m_pNamedValueContext->ClearNamedValueCache();
 }
 
 void CZolSession::OnDocumentReplaced( const ZolEvent_DocumentReplaced_t & )
 {
+	if ( m_pNamedValueContext )
+		m_pNamedValueContext->ClearNamedValueCache();
 	CZolRootNode *pRoot = m_pDoc->GetRoot();
 	if ( !pRoot || !pRoot->FindConfiguration( m_CurrentConfigName ) )
 		SelectFirstConfiguration();
