@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "core/kv3/keyvalues3.h"
+#include "core/kv3transfer/kv3transfercontext.h"
 #include "core/kv3transfer/kv3transferobject.h"
 #include "core/logging/logonce.h"
 #include "core/particles/particlefunctionclasses.h"
@@ -50,6 +51,24 @@ template <typename C> bool InputsEquivalent( const KeyValues3 *pValue, const Key
 	return C::IsEquivalent( loadedValue, loadedDefault );
 }
 
+// The input's saved form, members at their default left out; false when it doesn't load.
+template <typename C> bool SaveLoadedInput( const KeyValues3 *pValue, KeyValues3 *pOut )
+{
+	C input;
+	CUtlString error;
+	if ( !LoadKV3ObjectInPlace( &input, pValue, &error ) )
+		return false;
+	CKV3TransferSaveContext context;
+	context.SetSaveDeltaFromDefaults( true );
+	return SaveKV3Object( input, pOut, &error, &context );
+}
+
+template <typename C> bool InputsIdentical( const KeyValues3 *pA, const KeyValues3 *pB )
+{
+	KeyValues3 savedA, savedB;
+	return SaveLoadedInput<C>( pA, &savedA ) && SaveLoadedInput<C>( pB, &savedB ) && savedA.IsEqual( savedB );
+}
+
 template <typename C> bool DisplayInput( const KeyValues3 *pInput, const char *pszDomain, CBufferString *pOut, CUtlString *pError )
 {
 	C input;
@@ -75,6 +94,27 @@ bool CParticleTransformInputDefaultTestFunc( const KeyValues3 *pValue, const Key
 	return InputsEquivalent<CParticleTransformInput>( pValue, pDefault );
 }
 bool CParticleModelInputDefaultTestFunc( const KeyValues3 *pValue, const KeyValues3 *pDefault ) { return InputsEquivalent<CParticleModelInput>( pValue, pDefault ); }
+
+bool AreParticleInputValuesIdentical( const char *pszClassName, const KeyValues3 *pA, const KeyValues3 *pB )
+{
+	RegisterParticleInputClasses();
+	KeyValues3 null;
+	pA = pA ? pA : &null;
+	pB = pB ? pB : &null;
+	const CSchemaClassInfo *pClass = ParticleTypeScope()->FindDeclaredClass( pszClassName );
+	auto fnIsA = [ pClass ]( const char *pszBase ) { return pClass && pClass->IsA( ParticleTypeScope()->FindDeclaredClass( pszBase ) ); };
+	if ( fnIsA( "CParticleRemapFloatInput" ) )
+		return InputsIdentical<CParticleRemapFloatInput>( pA, pB );
+	if ( fnIsA( "CParticleFloatInput" ) )
+		return InputsIdentical<CParticleFloatInput>( pA, pB );
+	if ( fnIsA( "CParticleVecInput" ) )
+		return InputsIdentical<CParticleVecInput>( pA, pB );
+	if ( fnIsA( "CParticleTransformInput" ) )
+		return InputsIdentical<CParticleTransformInput>( pA, pB );
+	if ( fnIsA( "CParticleModelInput" ) )
+		return InputsIdentical<CParticleModelInput>( pA, pB );
+	return false;
+}
 
 bool RegisterParticleInputDefaultTests( CToolAttrHost *pHost )
 {

@@ -69,6 +69,9 @@ public:
 	// in pError; a load that succeeds may still have warnings (values read leniently).
 	bool LoadFromFile( const char *pPath, const char *pPathId, CUtlString *pError );
 	const CUtlString &GetLoadWarnings() const { return m_LoadWarnings; }
+	// A document loaded to compare or merge files keeps, through loads and upgrades, the
+	// functions whose class the catalogue doesn't know, so that nothing of a file is lost.
+	void SetKeepsUnknownFunctions( bool bKeep ) { m_bKeepsUnknownFunctions = bKeep; }
 	// The file's text: defaults removed, then fnPostProcess, then KV3 text "tfxs63".
 	bool SaveToBuffer( CUtlBuffer *pOut, CUtlString *pError, const SavePostProcess_t &fnPostProcess = {} ) const;
 	// As SaveToBuffer, into the file; nothing of a failed save reaches the file.
@@ -166,4 +169,5 @@ private:
 	CUtlVector<CUtlString> m_AttributeLabels;
 	std::unordered_set<CBaseZolNode *> m_ModifiedNodes;
 	CUtlString m_LoadWarnings;
+	bool m_bKeepsUnknownFunctions = false;
 };

@@ -200,7 +200,7 @@ bool CZolDoc::LoadFromFile( const char *pPath, const char *pPathId, CUtlString *
 	m_pRoot = new CZolRootNode( this );
 	m_pRoot->TakeRootFromKV3( &tree );
 	// A file stays at its own version until the user upgrades it.
-	SanitiseForVersion( m_pRoot, GetBehaviorVersion() );
+	SanitiseForVersion( m_pRoot, GetBehaviorVersion(), m_bKeepsUnknownFunctions );
 	m_Selection.AddToTail( ZolElementRef_t::Root() );
 
 	RebuildAttributeLabels();
