@@ -1,5 +1,7 @@
 #include "zoldoc_lib/zolcomparisonload.h"
 
+#include <vector>
+
 #include "core/containers/utlbuffer.h"
 #include "core/kv3/keyvalues3.h"
 #include "core/kv3/kv3serialize.h"
@@ -11,19 +13,19 @@
 
 namespace
 {
-// The class the file's root table names; false, with the editor's words, when the file
-// can't be read or parsed.
-bool ReadRootClass( const char *pPath, CUtlString *pClass, CUtlString *pError )
+// Reads the file once (it may be a pipe) and the class its root table names; false, with
+// the editor's words, when it can't be read or parsed.
+bool ReadRootClass( const char *pPath, CUtlBuffer *pBuffer, CUtlString *pClass, CUtlString *pError )
 {
-	CUtlBuffer buffer;
-	if ( !ZolReadWholeFile( pPath, "", &buffer ) )
+	if ( !ZolReadWholeFile( pPath, "", pBuffer ) )
 	{
 		pError->Set( "Failed to read file" );
 		return false;
 	}
 	KeyValues3 tree;
-	if ( !LoadKV3( &tree, pError, &buffer, KV3_FORMAT_TFXS, pPath ) )
+	if ( !LoadKV3( &tree, pError, pBuffer, KV3_FORMAT_TFXS, pPath ) )
 		return false;
+	pBuffer->SeekGet( 0 );
 	pClass->Set( tree.IsTable() ? tree.GetMemberString( "_class", "" ) : "" );
 	return true;
 }
@@ -31,11 +33,12 @@ bool ReadRootClass( const char *pPath, CUtlString *pClass, CUtlString *pError )
 
 bool LoadDefinitionsToCompare( const char *const *ppPaths, int nCount, CZolDoc *const *ppDocs, int *pFileVersions, CUtlString *pError )
 {
+	std::vector<CUtlBuffer> buffers( static_cast<size_t>( nCount ) );
 	CUtlString firstClass;
 	for ( int i = 0; i < nCount; ++i )
 	{
 		CUtlString rootClass, error;
-		if ( !ReadRootClass( ppPaths[ i ], &rootClass, &error ) )
+		if ( !ReadRootClass( ppPaths[ i ], &buffers[ size_t( i ) ], &rootClass, &error ) )
 		{
 			pError->Format( "%s: %s", ppPaths[ i ], error.Get() );
 			return false;
@@ -55,7 +58,7 @@ bool LoadDefinitionsToCompare( const char *const *ppPaths, int nCount, CZolDoc *
 	{
 		CUtlString error;
 		ppDocs[ i ]->SetKeepsUnknownFunctions( true );
-		if ( !ppDocs[ i ]->LoadFromFile( ppPaths[ i ], "", &error ) )
+		if ( !ppDocs[ i ]->LoadFromBuffer( &buffers[ size_t( i ) ], ppPaths[ i ], &error ) )
 		{
 			pError->Format( "%s: %s", ppPaths[ i ], error.Get() );
 			return false;

@@ -68,6 +68,8 @@ public:
 	// The definition file. A failed load leaves the document without a root and says why
 	// in pError; a load that succeeds may still have warnings (values read leniently).
 	bool LoadFromFile( const char *pPath, const char *pPathId, CUtlString *pError );
+	// As LoadFromFile, from the file's bytes; pSourceName names them in parser messages.
+	bool LoadFromBuffer( CUtlBuffer *pBuffer, const char *pSourceName, CUtlString *pError );
 	const CUtlString &GetLoadWarnings() const { return m_LoadWarnings; }
 	// A document loaded to compare or merge files keeps, through loads and upgrades, the
 	// functions whose class the catalogue doesn't know, so that nothing of a file is lost.
@@ -150,6 +152,8 @@ public:
 	void OnUndoEvent( UndoEvent_t eEvent ) override;
 
 private:
+	// A load starts by forgetting the definition; a failed one leaves none.
+	void DropRoot();
 	// Opens a unit and records the document in it; nothing for a snapshot.
 	void OpenUndoUnit( const char *pDescription, const UndoMergeInfo_t *pMerge = nullptr );
 	void WriteChildReference( CZolChildNode *pChild, IAsset *pAsset );

@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "core/containers/utlbuffer.h"
 #include "core/kv3/keyvalues3.h"
 #include "core/particles/particlefunctiontype.h"
 #include "core/text/utlstring.h"
@@ -17,6 +18,7 @@
 #include "zoldoc_lib/zoldefinitiondiff.h"
 #include "zoldoc_lib/zoldefinitionlisting.h"
 #include "zoldoc_lib/zoldefinitiontree.h"
+#include "zoldoc_lib/zolfileio.h"
 
 namespace
 {
@@ -139,19 +141,22 @@ void AppendJsonChange( std::string *pOut, const ZolDiffChange_t &change )
 
 int RunTfxsDiff( int argc, char **argv )
 {
-	const char *pUsage = "usage: zol tfxs diff OLD NEW [--json]\n       zol tfxs diff FILE\n";
+	const char *pUsage = "usage: zol tfxs diff OLD NEW [--json]\n       zol tfxs diff [--textconv] FILE\n";
 	std::vector<const char *> files;
 	bool bJson = false;
+	bool bTextConversion = false;
 	for ( int i = 2; i < argc; ++i )
 	{
 		if ( !strcmp( argv[ i ], "--json" ) )
 			bJson = true;
+		else if ( !strcmp( argv[ i ], "--textconv" ) )
+			bTextConversion = true;
 		else if ( argv[ i ][ 0 ] == '-' && argv[ i ][ 1 ] )
 			return fprintf( stderr, "zol tfxs diff: unknown option \"%s\"\n%s", argv[ i ], pUsage ), 2;
 		else
 			files.push_back( argv[ i ] );
 	}
-	if ( files.empty() || files.size() > 2 || ( files.size() == 1 && bJson ) )
+	if ( files.empty() || files.size() > 2 || ( files.size() == 1 && bJson ) || ( files.size() == 2 && bTextConversion ) )
 		return fprintf( stderr, "%s", pUsage ), 2;
 	ConnectParticleHostForDefinition( files[ 0 ] );
 
@@ -159,9 +164,18 @@ int RunTfxsDiff( int argc, char **argv )
 	if ( files.size() == 1 )
 	{
 		CUtlString listing;
-		if ( !ListDefinitionFile( files[ 0 ], &listing, &error ) )
-			return fprintf( stderr, "%s\n", error.Get() ), 2;
-		fwrite( listing.Get(), 1, listing.Length(), stdout );
+		if ( ListDefinitionFile( files[ 0 ], &listing, &error ) )
+		{
+			fwrite( listing.Get(), 1, listing.Length(), stdout );
+			return 0;
+		}
+		fprintf( stderr, "%s\n", error.Get() );
+		// Version control gives up on the whole diff when a conversion fails; a file that
+		// doesn't load (a half-resolved merge, say) shows as its own text instead.
+		CUtlBuffer text;
+		if ( !bTextConversion || !ZolReadWholeFile( files[ 0 ], "", &text ) )
+			return 2;
+		fwrite( text.Base(), 1, text.Size(), stdout );
 		return 0;
 	}
 
@@ -198,4 +212,6 @@ int RunTfxsDiff( int argc, char **argv )
 } // namespace
 
 static CZolCliSubcommandRegistrar s_TfxsDiff( "tfxs", "diff", "tfxs diff OLD NEW [--json]",
-	"what changed between two definitions, in the artist's terms (exit 1 when they differ); with one FILE, lists it for version control", RunTfxsDiff );
+	"what changed between two definitions, in the artist's terms (exit 1 when they differ)", RunTfxsDiff );
+static CZolCliSubcommandRegistrar s_TfxsList( "tfxs", "diff", "tfxs diff [--textconv] FILE",
+	"lists one definition in the same terms, for version control to compare line by line", RunTfxsDiff );
