@@ -31,6 +31,61 @@ struct FieldWalk_t
 };
 
 void CollectFieldChanges( const FieldWalk_t &walk, const CGameDataClass *pClass, const KeyValues3 *pA, const KeyValues3 *pB, const CUtlString &path,
+						  const CUtlString &labelPath, int nDepth );
+
+// A record of an array added or removed reads as the record against "none".
+void AddRecordPresenceChange( const FieldWalk_t &walk, const CGameDataClass *pClass, const char *pMember, const KeyValues3 *pOld,
+							  const KeyValues3 *pNew, const CUtlString &path, const CUtlString &label )
+{
+	ZolFieldChange_t change;
+	change.m_Field = path;
+	change.m_Label = label;
+	change.m_OldText.Set( "none" );
+	change.m_NewText.Set( "none" );
+	if ( pOld )
+		FormatElementFieldItem( pClass, pMember, *pOld, walk.m_pDomainA, &change.m_OldText );
+	if ( pNew )
+		FormatElementFieldItem( pClass, pMember, *pNew, walk.m_pDomainB, &change.m_NewText );
+	CopyValue( pOld, &change.m_OldValue );
+	CopyValue( pNew, &change.m_NewValue );
+	walk.m_pChanges->push_back( static_cast<ZolFieldChange_t &&>( change ) );
+}
+
+// The records of two arrays: the new ones in order, matched by key or position, then those
+// only the old array has.
+void CollectRecordChanges( const FieldWalk_t &walk, const CGameDataClass *pClass, const char *pMember, const ZolRecordArrayField_t &records,
+						   const KeyValues3 *pA, const KeyValues3 *pB, const CUtlString &path, const CUtlString &label, int nDepth )
+{
+	const int nCountA = pA->IsArray() ? pA->GetArrayElementCount() : 0;
+	const int nCountB = pB->IsArray() ? pB->GetArrayElementCount() : 0;
+	std::vector<bool> matchedA( size_t( nCountA ), false );
+	for ( int j = 0; j < nCountB; ++j )
+	{
+		const KeyValues3 &recordB = *pB->GetArrayElement( j );
+		const int i = records.m_pKey ? FindElementRecordByKey( pA, records.m_pKey, recordB ) : j;
+		CUtlString recordPath, recordLabel;
+		recordPath.Format( "%s.%d", path.Get(), j );
+		GetElementRecordLabel( records, label.Get(), recordB, j, &recordLabel );
+		if ( i < 0 )
+		{
+			AddRecordPresenceChange( walk, pClass, pMember, nullptr, &recordB, recordPath, recordLabel );
+			continue;
+		}
+		matchedA[ size_t( i ) ] = true;
+		CollectFieldChanges( walk, records.m_pElementClass, pA->GetArrayElement( i ), &recordB, recordPath, recordLabel, nDepth + 1 );
+	}
+	for ( int i = 0; i < nCountA; ++i )
+	{
+		if ( matchedA[ size_t( i ) ] )
+			continue;
+		CUtlString recordPath, recordLabel;
+		recordPath.Format( "%s.%d", path.Get(), i );
+		GetElementRecordLabel( records, label.Get(), *pA->GetArrayElement( i ), i, &recordLabel );
+		AddRecordPresenceChange( walk, pClass, pMember, pA->GetArrayElement( i ), nullptr, recordPath, recordLabel );
+	}
+}
+
+void CollectFieldChanges( const FieldWalk_t &walk, const CGameDataClass *pClass, const KeyValues3 *pA, const KeyValues3 *pB, const CUtlString &path,
 						  const CUtlString &labelPath, int nDepth )
 {
 	std::vector<CUtlString> members;
@@ -61,24 +116,20 @@ void CollectFieldChanges( const FieldWalk_t &walk, const CGameDataClass *pClass,
 			CollectFieldChanges( walk, pRecordClass, pValueA, pValueB, memberPath, memberLabel, nDepth + 1 );
 			continue;
 		}
-		if ( nDepth < MAX_RECORD_DEPTH && IsElementRecordArrayField( pClass, member.Get(), { pValueA, pValueB }, &pRecordClass ) )
+		ZolRecordArrayField_t records;
+		if ( nDepth < MAX_RECORD_DEPTH && IsElementRecordArrayField( pClass, member.Get(), { pValueA, pValueB }, &records ) )
 		{
-			for ( int i = 0; i < pValueA->GetArrayElementCount(); ++i )
-			{
-				CUtlString elementPath, elementLabel;
-				elementPath.Format( "%s.%d", memberPath.Get(), i );
-				elementLabel.Format( "%s #%d", memberLabel.Get(), i + 1 );
-				CollectFieldChanges( walk, pRecordClass, pValueA->GetArrayElement( i ), pValueB->GetArrayElement( i ), elementPath, elementLabel, nDepth + 1 );
-			}
+			CollectRecordChanges( walk, pClass, member.Get(), records, pValueA, pValueB, memberPath, memberLabel, nDepth );
 			continue;
 		}
 
 		ZolFieldChange_t change;
 		FormatElementFieldValue( pClass, member.Get(), pValueA, walk.m_pDomainA, &change.m_OldText );
 		FormatElementFieldValue( pClass, member.Get(), pValueB, walk.m_pDomainB, &change.m_NewText );
-		// An input whose text stays (a random seed changed under "Random 30 - 50") tells
-		// which of its members changed.
-		if ( change.m_OldText == change.m_NewText && nDepth < MAX_RECORD_DEPTH && pValueA && pValueB && pValueA->IsTable() && pValueB->IsTable() )
+		// An input whose text stays (a random seed changed under "Random 30 - 50"), or that
+		// has no text of its own (a transform), tells which of its members changed.
+		const bool bTextTellsAll = change.m_OldText != change.m_NewText && IsElementInputShownWhole( pClass, member.Get() );
+		if ( !bTextTellsAll && nDepth < MAX_RECORD_DEPTH && pValueA && pValueB && pValueA->IsTable() && pValueB->IsTable() )
 		{
 			const size_t nBefore = walk.m_pChanges->size();
 			const CGameDataVariable *pVar = FindElementField( pClass, member.Get() );

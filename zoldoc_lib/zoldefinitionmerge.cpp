@@ -50,6 +50,80 @@ ZolMergeConflict_t MakeConflict( ZolMergeConflictKind_t eKind, const MergeScope_
 	return conflict;
 }
 
+void MergeFields( const MergeScope_t &scope, const CGameDataClass *pClass, const KeyValues3 *( &sides )[ SIDE_COUNT ], KeyValues3 *pOut,
+				  const CUtlString &path, const CUtlString &labelPath, int nDepth );
+
+// The records of an array member, each merged with its counterparts (by key, or by
+// position): a record one side added, removed or edited follows that side; one that both
+// sides edited merges member by member; one removed on one side and edited on the other
+// stays as ours has it, and is a conflict.
+void MergeRecords( const MergeScope_t &scope, const CGameDataClass *pClass, const char *pMember, const ZolRecordArrayField_t &records,
+				   const KeyValues3 *( &arrays )[ SIDE_COUNT ], KeyValues3 *pOut, const CUtlString &path, const CUtlString &label, int nDepth )
+{
+	auto fnCount = []( const KeyValues3 *pArray ) { return pArray && pArray->IsArray() ? pArray->GetArrayElementCount() : 0; };
+	// Every record once, by the first side that has it: ours, theirs, then the base.
+	std::vector<const KeyValues3 *> keys;
+	for ( int nSide : { SIDE_OURS, SIDE_THEIRS, SIDE_BASE } )
+	{
+		for ( int i = 0; i < fnCount( arrays[ nSide ] ); ++i )
+		{
+			const KeyValues3 *pRecord = arrays[ nSide ]->GetArrayElement( i );
+			bool bKnown = false;
+			for ( size_t k = 0; k < keys.size() && !bKnown; ++k )
+				bKnown = records.m_pKey ? FindElementRecordByKey( arrays[ nSide ], records.m_pKey, *keys[ k ] ) == i : int( k ) == i;
+			if ( !bKnown )
+				keys.push_back( pRecord );
+		}
+	}
+
+	KeyValues3 merged;
+	merged.SetToEmptyArray();
+	for ( size_t k = 0; k < keys.size(); ++k )
+	{
+		const KeyValues3 *sides[ SIDE_COUNT ];
+		for ( int nSide = 0; nSide < SIDE_COUNT; ++nSide )
+		{
+			const int i = records.m_pKey ? FindElementRecordByKey( arrays[ nSide ], records.m_pKey, *keys[ k ] ) : int( k );
+			sides[ nSide ] = i >= 0 && i < fnCount( arrays[ nSide ] ) ? arrays[ nSide ]->GetArrayElement( i ) : nullptr;
+		}
+		const CGameDataClass *pRecordClass = records.m_pElementClass;
+		const KeyValues3 *pTaken = sides[ SIDE_OURS ];
+		if ( AreElementRecordsEqual( pRecordClass, sides[ SIDE_BASE ], sides[ SIDE_OURS ] ) )
+			pTaken = sides[ SIDE_THEIRS ];
+		CUtlString recordPath, recordLabel;
+		recordPath.Format( "%s.%d", path.Get(), int( merged.GetArrayElementCount() ) );
+		GetElementRecordLabel( records, label.Get(), *keys[ k ], int( k ), &recordLabel );
+		const bool bOneSideKept = AreElementRecordsEqual( pRecordClass, sides[ SIDE_BASE ], sides[ SIDE_OURS ] ) ||
+								  AreElementRecordsEqual( pRecordClass, sides[ SIDE_BASE ], sides[ SIDE_THEIRS ] ) ||
+								  AreElementRecordsEqual( pRecordClass, sides[ SIDE_OURS ], sides[ SIDE_THEIRS ] );
+		if ( !bOneSideKept && sides[ SIDE_OURS ] && sides[ SIDE_THEIRS ] )
+		{
+			KeyValues3 *pRecord = merged.ArrayAddToTail();
+			pRecord->CopyFrom( *sides[ SIDE_OURS ] );
+			MergeFields( scope, pRecordClass, sides, pRecord, recordPath, recordLabel, nDepth + 1 );
+			continue;
+		}
+		if ( !bOneSideKept )
+		{
+			// Removed on one side, edited on the other.
+			ZolMergeConflict_t conflict = MakeConflict( ZOL_CONFLICT_FIELD, scope );
+			conflict.m_Field = recordPath;
+			conflict.m_Label = recordLabel;
+			CUtlString *texts[ SIDE_COUNT ] = { &conflict.m_BaseText, &conflict.m_OursText, &conflict.m_TheirsText };
+			for ( int nSide = 0; nSide < SIDE_COUNT; ++nSide )
+			{
+				texts[ nSide ]->Set( "none" );
+				if ( sides[ nSide ] )
+					FormatElementFieldItem( pClass, pMember, *sides[ nSide ], scope.m_pDomains[ nSide ], texts[ nSide ] );
+			}
+			scope.m_pConflicts->push_back( static_cast<ZolMergeConflict_t &&>( conflict ) );
+		}
+		if ( pTaken )
+			merged.ArrayAddToTail()->CopyFrom( *pTaken );
+	}
+	*pOut = static_cast<KeyValues3 &&>( merged );
+}
+
 // pOut holds ours; each member takes the side that changed it, records merge member by
 // member, and a member both sides changed differently stays ours and is a conflict.
 void MergeFields( const MergeScope_t &scope, const CGameDataClass *pClass, const KeyValues3 *( &sides )[ SIDE_COUNT ], KeyValues3 *pOut,
@@ -95,21 +169,11 @@ void MergeFields( const MergeScope_t &scope, const CGameDataClass *pClass, const
 			MergeFields( scope, pRecordClass, values, pOutMember, memberPath, memberLabel, nDepth + 1 );
 			continue;
 		}
+		ZolRecordArrayField_t records;
 		if ( nDepth < MAX_RECORD_DEPTH &&
-			 IsElementRecordArrayField( pClass, pMember, { values[ SIDE_BASE ], values[ SIDE_OURS ], values[ SIDE_THEIRS ] }, &pRecordClass ) )
+			 IsElementRecordArrayField( pClass, pMember, { values[ SIDE_BASE ], values[ SIDE_OURS ], values[ SIDE_THEIRS ] }, &records ) )
 		{
-			KeyValues3 *pOutArray = pOut->FindOrCreateMember( pMember );
-			pOutArray->CopyFrom( *values[ SIDE_OURS ] );
-			for ( int i = 0; i < pOutArray->GetArrayElementCount(); ++i )
-			{
-				CUtlString elementPath, elementLabel;
-				elementPath.Format( "%s.%d", memberPath.Get(), i );
-				elementLabel.Format( "%s #%d", memberLabel.Get(), i + 1 );
-				const KeyValues3 *elements[ SIDE_COUNT ];
-				for ( int nSide = 0; nSide < SIDE_COUNT; ++nSide )
-					elements[ nSide ] = values[ nSide ]->GetArrayElement( i );
-				MergeFields( scope, pRecordClass, elements, pOutArray->GetArrayElement( i ), elementPath, elementLabel, nDepth + 1 );
-			}
+			MergeRecords( scope, pClass, pMember, records, values, pOut->FindOrCreateMember( pMember ), memberPath, memberLabel, nDepth );
 			continue;
 		}
 

@@ -228,27 +228,88 @@ bool IsElementRecordField( const CGameDataClass *pClass, const char *pMember, co
 	return true;
 }
 
-bool IsElementRecordArrayField( const CGameDataClass *pClass, const char *pMember, std::initializer_list<const KeyValues3 *> values,
-								const CGameDataClass **ppElementClass )
+const char *GetElementRecordArrayKey( const char *pMember )
 {
-	*ppElementClass = nullptr;
+	// A configuration's drivers go by control point, a preview's body groups by name.
+	static const char *const s_Keys[][ 2 ] = { { "m_drivers", "m_iControlPoint" }, { "m_vecBodyGroups", "m_bodyGroupName" } };
+	for ( const auto &key : s_Keys )
+	{
+		if ( !V_strcmp( pMember, key[ 0 ] ) )
+			return key[ 1 ];
+	}
+	return nullptr;
+}
+
+int FindElementRecordByKey( const KeyValues3 *pArray, const char *pKey, const KeyValues3 &record )
+{
+	const KeyValues3 *pKeyValue = record.FindMember( pKey );
+	for ( int i = 0; pKeyValue && pArray && i < pArray->GetArrayElementCount(); ++i )
+	{
+		const KeyValues3 *pOther = pArray->GetArrayElement( i )->FindMember( pKey );
+		if ( pOther && AreStoredValuesEqual( *pKeyValue, *pOther ) )
+			return i;
+	}
+	return -1;
+}
+
+bool IsElementRecordArrayField( const CGameDataClass *pClass, const char *pMember, std::initializer_list<const KeyValues3 *> values,
+								ZolRecordArrayField_t *pOut )
+{
+	*pOut = ZolRecordArrayField_t();
 	const CGameDataVariable *pVar = FindElementField( pClass, pMember );
 	if ( pVar && ( pVar->GetType() != GDTYPE_ARRAY || pVar->GetTypeAtDepth( 1 ) != GDTYPE_STRUCT ) )
 		return false;
+	const char *pKey = GetElementRecordArrayKey( pMember );
 	int nCount = -1;
 	for ( const KeyValues3 *pValue : values )
 	{
-		if ( !pValue || !pValue->IsArray() || ( nCount >= 0 && pValue->GetArrayElementCount() != nCount ) )
+		if ( pValue && pValue->IsNull() && pKey )
+			continue; // no records at all
+		if ( !pValue || !pValue->IsArray() || ( !pKey && nCount >= 0 && pValue->GetArrayElementCount() != nCount ) )
 			return false;
 		nCount = pValue->GetArrayElementCount();
 		for ( int i = 0; i < nCount; ++i )
 		{
-			if ( !pValue->GetArrayElement( i )->IsTable() )
+			// Keyed records must each have their key, once.
+			const KeyValues3 *pRecord = pValue->GetArrayElement( i );
+			if ( !pRecord->IsTable() || ( pKey && ( !pRecord->HasMember( pKey ) || FindElementRecordByKey( pValue, pKey, *pRecord ) != i ) ) )
 				return false;
 		}
 	}
-	*ppElementClass = pVar ? pVar->GetStructClass() : nullptr;
+	pOut->m_pElementClass = pVar ? pVar->GetStructClass() : nullptr;
+	pOut->m_pKey = pKey;
 	return true;
+}
+
+void GetElementRecordLabel( const ZolRecordArrayField_t &field, const char *pArrayLabel, const KeyValues3 &record, int nIndex, CUtlString *pOut )
+{
+	if ( !field.m_pKey )
+	{
+		pOut->Format( "%s #%d", pArrayLabel, nIndex + 1 );
+		return;
+	}
+	CUtlString keyLabel, keyText;
+	GetElementFieldLabel( field.m_pElementClass, field.m_pKey, &keyLabel );
+	FormatElementFieldValue( field.m_pElementClass, field.m_pKey, record.FindMember( field.m_pKey ), "", &keyText );
+	pOut->Format( "%s (%s %s)", pArrayLabel, keyLabel.Get(), keyText.Get() );
+}
+
+bool AreElementRecordsEqual( const CGameDataClass *pClass, const KeyValues3 *pA, const KeyValues3 *pB )
+{
+	if ( !pA || !pB )
+		return pA == pB;
+	int nEqual = 0, nTotal = 0;
+	CountEqualElementFields( pClass, *pA, *pB, &nEqual, &nTotal );
+	return nEqual == nTotal;
+}
+
+bool IsElementInputShownWhole( const CGameDataClass *pClass, const char *pMember )
+{
+	const CGameDataClass *pInputClass = GetInputClass( FindElementField( pClass, pMember ) );
+	KeyValues3 empty;
+	CBufferString text;
+	CUtlString error;
+	return pInputClass && GetParticleInputDisplayString( pInputClass->GetName(), &empty, "", &text, &error );
 }
 
 void CollectElementMembers( std::initializer_list<const KeyValues3 *> tables, std::vector<CUtlString> *pNames )

@@ -42,11 +42,29 @@ void FormatElementFieldItem( const CGameDataClass *pClass, const char *pMember, 
 bool IsElementRecordField( const CGameDataClass *pClass, const char *pMember, const KeyValues3 *pA, const KeyValues3 *pB,
 						   const CGameDataClass **ppRecordClass );
 
-// Whether the member holds an array of records, the same count of them in every value, to
-// compare one by one at each position (a configuration's drivers); *ppElementClass is
-// their class, or null when unknown.
+// An array member whose records compare one by one: by their key member where the records
+// have one (a configuration's drivers by control point), else position by position.
+struct ZolRecordArrayField_t
+{
+	const CGameDataClass *m_pElementClass = nullptr; // null when unknown
+	const char *m_pKey = nullptr;
+};
+// Whether the member holds such records in every value: tables, each key once; without a
+// key, the same count of them everywhere.
 bool IsElementRecordArrayField( const CGameDataClass *pClass, const char *pMember, std::initializer_list<const KeyValues3 *> values,
-								const CGameDataClass **ppElementClass );
+								ZolRecordArrayField_t *pOut );
+// The member that tells the records of an array member apart, or null.
+const char *GetElementRecordArrayKey( const char *pMember );
+// The position of the record of the array whose key equals that of pRecord, or -1.
+int FindElementRecordByKey( const KeyValues3 *pArray, const char *pKey, const KeyValues3 &record );
+// "Drivers (Control Point 1)", or "Drivers #2" for records that go by position.
+void GetElementRecordLabel( const ZolRecordArrayField_t &field, const char *pArrayLabel, const KeyValues3 &record, int nIndex, CUtlString *pOut );
+// Both null, or both holding equal members.
+bool AreElementRecordsEqual( const CGameDataClass *pClass, const KeyValues3 *pA, const KeyValues3 *pB );
+
+// Whether the member is a particle input that reads as one text ("Random 30 - 50"), as the
+// float and vector inputs do; transform and model inputs show their members instead.
+bool IsElementInputShownWhole( const CGameDataClass *pClass, const char *pMember );
 
 // The members of the tables in order: the first's, then those only the later ones have.
 // "_class" and null tables are left out.

@@ -62,7 +62,13 @@ const DiffCase_t s_DiffCases[] = {
 	{ "ConfigurationPreviewState", "campfire.tfxs", { { "ZOL_GROUND_PLANE", "ZOL_GROUND_GRID" } },
 	  { "Configurations #1 preview: Preview State/Ground Type: Plane -> Grid" } },
 	{ "ConfigurationDriver", "campfire.tfxs", { { "m_vecOffset = [ 0.0, 0.0, 48.0 ]", "m_vecOffset = [ 0.0, 0.0, 60.0 ]" } },
-	  { "Configurations #1 preview: Drivers #2/Offset: [0, 0, 48] -> [0, 0, 60]" } },
+	  { "Configurations #1 preview: Drivers (Control Point 1)/Offset: [0, 0, 48] -> [0, 0, 60]" } },
+	{ "ConfigurationDriverAdded", "campfire.tfxs",
+	  { { "\t\t\tm_drivers = [\n", "\t\t\tm_drivers = [\n\t\t\t\t{ m_iControlPoint = 2 m_iAttachType = \"PATTACH_POINT_FOLLOW\" m_attachmentName = \"hand\" m_entityName = \"parent\" },\n" } },
+	  { "Configurations #1 preview: Drivers (Control Point 2): none -> { Control Point: 2, Attach Type: Attachment Point Follow, Attachment: \"hand\", "
+		"Offset: [0, 0, 0], Angle Offset: [0, 0, 0], Entity: \"parent\" }" } },
+	{ "TransformInputTellsItsMember", "campfire.tfxs", { { "m_nControlPoint = 1 }\n\t\t\tm_flInitialRadius", "m_nControlPoint = 2 }\n\t\t\tm_flInitialRadius" } },
+	  { "Initializers #1 Position Along Ring: Ring Transform/Control Point: 1 -> 2" } },
 	{ "ConfigurationAdded", "campfire.tfxs",
 	  { { "\tm_controlPointConfigurations = [\n", "\tm_controlPointConfigurations = [\n\t\t{ m_name = \"close-up\" },\n" } },
 	  { "Configurations #1 close-up: added" } },
@@ -172,7 +178,7 @@ TEST_F( ZolSampleFixture, ListingShowsWhatTheFileHoldsOneFieldALine )
 	const std::string text( listing.Get() );
 	for ( const char *pLine : { "Base Properties\n  Behavior Version: 12\n  Max Particles: 24\n", "Emitters\n  Maintain Count Emitter\n    Count To Maintain: 12\n",
 							  "  Radius (Init Float)\n    Value: Random 0.5 - 1\n", "Children\n  particles/samples/fire.tfxs\n  particles/samples/smoke.tfxs\n    Delay: 0.5\n",
-							  "    Drivers #2: { Control Point: 1, Attach Type: World Origin, Attachment: \"\", Offset: [0, 0, 48], Angle Offset: [0, 0, 0], Entity: \"self\" }\n" } )
+							  "    Drivers (Control Point 1): { Control Point: 1, Attach Type: World Origin, Attachment: \"\", Offset: [0, 0, 48], Angle Offset: [0, 0, 0], Entity: \"self\" }\n" } )
 		EXPECT_NE( text.find( pLine ), std::string::npos ) << pLine << "\nin:\n" << text;
 	// No positions: a moved function moves its lines and changes nothing else.
 	EXPECT_EQ( text.find( '#' + std::string( "1 " ) ), std::string::npos );

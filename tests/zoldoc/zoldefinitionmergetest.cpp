@@ -29,6 +29,8 @@ const SampleEdit_t s_Drag = { "m_fDrag = 0.05", "m_fDrag = 0.08" };
 const SampleEdit_t s_MaxParticles = { "m_nMaxParticles = 24", "m_nMaxParticles = 30" };
 const SampleEdit_t s_GroundGrid = { "ZOL_GROUND_PLANE", "ZOL_GROUND_GRID" };
 const SampleEdit_t s_DriverOffset = { "m_vecOffset = [ 0.0, 0.0, 48.0 ]", "m_vecOffset = [ 0.0, 0.0, 60.0 ]" };
+const SampleEdit_t s_AddHandDriver = { "\t\t\tm_drivers = [\n",
+										"\t\t\tm_drivers = [\n\t\t\t\t{ m_iControlPoint = 2 m_iAttachType = \"PATTACH_POINT_FOLLOW\" m_attachmentName = \"hand\" m_entityName = \"parent\" },\n" };
 const SampleEdit_t s_AddDustChild = { "m_bEndCap = false },", "m_bEndCap = false },\n\t\t{ m_ChildRef = resource:\"particles/samples/old_dust.tfxs\" }," };
 SampleEdit_t AddHeatVariable( const char *pPublic )
 {
@@ -70,6 +72,11 @@ const MergeCase_t s_MergeCases[] = {
 	{ "ReorderedDifferentlyOnBothSides", "fire.tfxs", { s_DropSpin, s_SpinFirst }, { s_DropDecay, s_DecayLast }, { s_DropSpin, s_SpinFirst },
 	  { "Operators: reordered differently on both sides; kept the order of ours" } },
 	{ "ConfigurationMembersCombine", "campfire.tfxs", { s_GroundGrid }, { s_DriverOffset }, { s_GroundGrid, s_DriverOffset }, {} },
+	{ "DriverAddedOnOneSideAnotherMovedOnTheOther", "campfire.tfxs", { s_AddHandDriver }, { s_DriverOffset, s_GroundGrid },
+	  { s_AddHandDriver, s_DriverOffset, s_GroundGrid }, {} },
+	{ "OneDriverMovedTwoWays", "campfire.tfxs", { { "m_vecOffset = [ 0.0, 0.0, 48.0 ]", "m_vecOffset = [ 0.0, 0.0, 50.0 ]" } }, { s_DriverOffset },
+	  { { "m_vecOffset = [ 0.0, 0.0, 48.0 ]", "m_vecOffset = [ 0.0, 0.0, 50.0 ]" } },
+	  { "Configurations #1 preview: Drivers (Control Point 1)/Offset: ours [0, 0, 50], theirs [0, 0, 60] (was [0, 0, 48]); kept ours" } },
 	{ "ChildAddedAndBasePropertyChanged", "campfire.tfxs", { s_AddDustChild }, { s_MaxParticles }, { s_AddDustChild, s_MaxParticles }, {} },
 	{ "VariableAddedOnBothSidesDifferently", "campfire.tfxs", { AddHeatVariable( "true" ) }, { AddHeatVariable( "false" ) }, { AddHeatVariable( "true" ) },
 	  { "Variables #1 Heat: added on both sides, differently (theirs: Public: on -> off); kept ours" } },
