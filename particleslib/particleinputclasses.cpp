@@ -63,12 +63,6 @@ template <typename C> bool SaveLoadedInput( const KeyValues3 *pValue, KeyValues3
 	return SaveKV3Object( input, pOut, &error, &context );
 }
 
-template <typename C> bool InputsIdentical( const KeyValues3 *pA, const KeyValues3 *pB )
-{
-	KeyValues3 savedA, savedB;
-	return SaveLoadedInput<C>( pA, &savedA ) && SaveLoadedInput<C>( pB, &savedB ) && savedA.IsEqual( savedB );
-}
-
 template <typename C> bool DisplayInput( const KeyValues3 *pInput, const char *pszDomain, CBufferString *pOut, CUtlString *pError )
 {
 	C input;
@@ -95,24 +89,23 @@ bool CParticleTransformInputDefaultTestFunc( const KeyValues3 *pValue, const Key
 }
 bool CParticleModelInputDefaultTestFunc( const KeyValues3 *pValue, const KeyValues3 *pDefault ) { return InputsEquivalent<CParticleModelInput>( pValue, pDefault ); }
 
-bool AreParticleInputValuesIdentical( const char *pszClassName, const KeyValues3 *pA, const KeyValues3 *pB )
+bool SaveParticleInputCanonically( const char *pszClassName, const KeyValues3 *pValue, KeyValues3 *pOut )
 {
 	RegisterParticleInputClasses();
 	KeyValues3 null;
-	pA = pA ? pA : &null;
-	pB = pB ? pB : &null;
+	pValue = pValue ? pValue : &null;
 	const CSchemaClassInfo *pClass = ParticleTypeScope()->FindDeclaredClass( pszClassName );
 	auto fnIsA = [ pClass ]( const char *pszBase ) { return pClass && pClass->IsA( ParticleTypeScope()->FindDeclaredClass( pszBase ) ); };
 	if ( fnIsA( "CParticleRemapFloatInput" ) )
-		return InputsIdentical<CParticleRemapFloatInput>( pA, pB );
+		return SaveLoadedInput<CParticleRemapFloatInput>( pValue, pOut );
 	if ( fnIsA( "CParticleFloatInput" ) )
-		return InputsIdentical<CParticleFloatInput>( pA, pB );
+		return SaveLoadedInput<CParticleFloatInput>( pValue, pOut );
 	if ( fnIsA( "CParticleVecInput" ) )
-		return InputsIdentical<CParticleVecInput>( pA, pB );
+		return SaveLoadedInput<CParticleVecInput>( pValue, pOut );
 	if ( fnIsA( "CParticleTransformInput" ) )
-		return InputsIdentical<CParticleTransformInput>( pA, pB );
+		return SaveLoadedInput<CParticleTransformInput>( pValue, pOut );
 	if ( fnIsA( "CParticleModelInput" ) )
-		return InputsIdentical<CParticleModelInput>( pA, pB );
+		return SaveLoadedInput<CParticleModelInput>( pValue, pOut );
 	return false;
 }
 

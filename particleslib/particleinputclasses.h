@@ -29,8 +29,7 @@ bool CParticleModelInputDefaultTestFunc( const KeyValues3 *pValue, const KeyValu
 // doesn't load; *pOut then holds the text of what did load. pszDomain may be "".
 bool GetParticleInputDisplayString( const char *pszClassName, const KeyValues3 *pInput, const char *pszDomain, CBufferString *pOut, CUtlString *pError );
 
-// Whether two KV3 values hold the same input of the class once read, whatever form each is
-// written in (a bare number and its literal table, 30 and 30.0): both are loaded and saved
-// again, and the saved forms compare. False for a class that is no input, or a value that
-// doesn't load.
-bool AreParticleInputValuesIdentical( const char *pszClassName, const KeyValues3 *pA, const KeyValues3 *pB );
+// The input's value in the one form a save gives it, whatever form it was written in (a
+// bare number or its literal table, 30 or 30.0): loaded, then saved with the members at
+// their default left out. False for a class that is no input, or a value that doesn't load.
+bool SaveParticleInputCanonically( const char *pszClassName, const KeyValues3 *pValue, KeyValues3 *pOut );

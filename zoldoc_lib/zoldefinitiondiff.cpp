@@ -163,12 +163,7 @@ void AddFieldChanges( ZolDiffChange_t prototype, std::vector<ZolFieldChange_t> &
 	{
 		ZolDiffChange_t change = prototype;
 		change.m_eKind = ZOL_DIFF_CHANGED;
-		change.m_Field = field.m_Field;
-		change.m_Label = field.m_Label;
-		change.m_OldText = field.m_OldText;
-		change.m_NewText = field.m_NewText;
-		change.m_OldValue = static_cast<KeyValues3 &&>( field.m_OldValue );
-		change.m_NewValue = static_cast<KeyValues3 &&>( field.m_NewValue );
+		static_cast<ZolFieldChange_t &>( change ) = static_cast<ZolFieldChange_t &&>( field );
 		pChanges->push_back( static_cast<ZolDiffChange_t &&>( change ) );
 	}
 }

@@ -20,7 +20,21 @@ enum ZolDiffKind_t : int
 	ZOL_DIFF_CHANGED,
 };
 
-struct ZolDiffChange_t
+// A changed field: its member path ("m_DefaultConfig.m_ConfigValue"), its label ("Default
+// Config/Value"), and both values as text and as stored (null when absent).
+struct ZolFieldChange_t
+{
+	CUtlString m_Field;
+	CUtlString m_Label;
+	CUtlString m_OldText;
+	CUtlString m_NewText;
+	KeyValues3 m_OldValue;
+	KeyValues3 m_NewValue;
+};
+
+// One change; the field members tell a changed field. An added or removed element carries
+// its table as the new or old value.
+struct ZolDiffChange_t : ZolFieldChange_t
 {
 	ZolDiffKind_t m_eKind = ZOL_DIFF_CHANGED;
 	// A list type, ZOL_SECTION_CONFIGURATIONS or ZOL_SECTION_BASE_PROPERTIES.
@@ -31,15 +45,6 @@ struct ZolDiffChange_t
 	// Positions from 0 in the old and the new definition; -1 where the element has none.
 	int m_nOldIndex = -1;
 	int m_nNewIndex = -1;
-	// A changed field: its member path ("m_DefaultConfig.m_ConfigValue"), its label
-	// ("Default Config/Value"), and both values as text and as stored (null when absent).
-	// An added or removed element carries its table as the new or old value.
-	CUtlString m_Field;
-	CUtlString m_Label;
-	CUtlString m_OldText;
-	CUtlString m_NewText;
-	KeyValues3 m_OldValue;
-	KeyValues3 m_NewValue;
 };
 
 // Base properties first, then the sections in list order: in each, removed elements, then
@@ -51,17 +56,8 @@ void DiffDefinitionTrees( const ZolDefinitionTree_t &a, const ZolDefinitionTree_
 void FormatDiffChange( const ZolDiffChange_t &change, CUtlString *pOut );
 const char *GetDiffKindWord( ZolDiffKind_t eKind );
 
-// Each changed field between two element tables, records taken apart: the member path,
-// label and both values. Used to describe an element's edits.
-struct ZolFieldChange_t
-{
-	CUtlString m_Field;
-	CUtlString m_Label;
-	CUtlString m_OldText;
-	CUtlString m_NewText;
-	KeyValues3 m_OldValue;
-	KeyValues3 m_NewValue;
-};
+// Each changed field between two element tables, records taken apart: how an element's
+// edits read.
 void DiffElementFields( int nSection, const char *pClass, const KeyValues3 &a, const KeyValues3 &b, const char *pDomainA, const char *pDomainB,
 						std::vector<ZolFieldChange_t> *pChanges );
 

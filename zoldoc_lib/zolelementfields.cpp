@@ -194,7 +194,29 @@ bool AreElementFieldValuesEqual( const CGameDataClass *pClass, const char *pMemb
 	if ( AreStoredValuesEqual( a, b ) )
 		return true;
 	const CGameDataClass *pInputClass = GetInputClass( pVar );
-	return pInputClass && AreParticleInputValuesIdentical( pInputClass->GetName(), &a, &b );
+	KeyValues3 savedA, savedB;
+	return pInputClass && SaveParticleInputCanonically( pInputClass->GetName(), &a, &savedA ) &&
+		   SaveParticleInputCanonically( pInputClass->GetName(), &b, &savedB ) && AreStoredValuesEqual( savedA, savedB );
+}
+
+void NormaliseElementTable( const CGameDataClass *pClass, const KeyValues3 &table, KeyValues3 *pOut )
+{
+	pOut->CopyFrom( table );
+	if ( !pClass || !pOut->IsTable() )
+		return;
+	for ( const CGameDataVariable *pVar : pClass->m_Variables )
+	{
+		bool bCreated = false;
+		KeyValues3 *pValue = pOut->FindOrCreateMember( pVar->m_Name.Get(), &bCreated );
+		if ( bCreated )
+			pValue->CopyFrom( pVar->m_DefaultKV3 );
+		KeyValues3 saved;
+		if ( const CGameDataClass *pInputClass = GetInputClass( pVar ) )
+		{
+			if ( SaveParticleInputCanonically( pInputClass->GetName(), pValue, &saved ) )
+				*pValue = static_cast<KeyValues3 &&>( saved );
+		}
+	}
 }
 
 void FormatElementFieldValue( const CGameDataClass *pClass, const char *pMember, const KeyValues3 *pValue, const char *pDomain, CUtlString *pOut )

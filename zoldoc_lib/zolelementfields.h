@@ -29,6 +29,11 @@ const KeyValues3 *GetElementFieldValue( const CGameDataClass *pClass, const KeyV
 // they hold once read (a bare 40 is the literal 40). Null stands for the field's default.
 bool AreElementFieldValuesEqual( const CGameDataClass *pClass, const char *pMember, const KeyValues3 *pA, const KeyValues3 *pB );
 
+// The table in a form where equal values are stored alike: every member of the class
+// present (its default where absent), particle inputs as a save writes them. Two such
+// tables compare member by member without a class, as fast as stored values do.
+void NormaliseElementTable( const CGameDataClass *pClass, const KeyValues3 &table, KeyValues3 *pOut );
+
 // "Random 30 - 50", "12", "on", "[255, 160, 60, 255]", a choice's name. pDomain is the
 // system's named value domain, or "".
 void FormatElementFieldValue( const CGameDataClass *pClass, const char *pMember, const KeyValues3 *pValue, const char *pDomain, CUtlString *pOut );
