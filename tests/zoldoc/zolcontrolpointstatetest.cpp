@@ -154,22 +154,25 @@ TEST_F( ZolControlPointState, EditModeFollowsTheUsageKindAndRefusesWhatDoesNotFi
 	m_Usage.Add( 0, 0, Use( CP0, CONTROL_POINT_USAGE_TRANSFORM ) );
 	m_State.RebuildKnownControlPoints( m_Usage );
 	EXPECT_EQ( m_State.GetEditMode( CP0 ), CONTROL_POINT_EDIT_TRANSLATE );
-	EXPECT_TRUE( m_State.SetEditMode( CP0, CONTROL_POINT_EDIT_ROTATE ) );
 	EXPECT_FALSE( m_State.SetEditMode( CP0, CONTROL_POINT_EDIT_COLOR ) );
-	EXPECT_EQ( m_State.GetEditMode( CP0 ), CONTROL_POINT_EDIT_ROTATE );
 
-	// The kind becomes orientation only: rotate still fits; then position only: translate.
+	// The kind becomes orientation only: translate no longer fits, rotate does.
 	CParticleDefinitionUsage orientation;
 	orientation.Add( 0, 0, Use( CP0, CONTROL_POINT_USAGE_ORIENTATION ) );
 	m_State.RebuildKnownControlPoints( orientation );
 	EXPECT_EQ( m_State.GetEditMode( CP0 ), CONTROL_POINT_EDIT_ROTATE );
-	CParticleDefinitionUsage position;
-	position.Add( 0, 0, Use( CP0, CONTROL_POINT_USAGE_POSITION ) );
-	m_State.RebuildKnownControlPoints( position );
-	EXPECT_EQ( m_State.GetEditMode( CP0 ), CONTROL_POINT_EDIT_TRANSLATE );
-	EXPECT_GE( m_Host.m_nModeChanged, 3 );
-	// A point the definition doesn't use fits only "none".
-	EXPECT_FALSE( m_State.SetEditMode( CP3, CONTROL_POINT_EDIT_TRANSLATE ) );
+	EXPECT_FALSE( m_State.SetEditMode( CP0, CONTROL_POINT_EDIT_TRANSLATE ) );
+	// Back to a transform: rotate fits and stays; translate may be chosen again.
+	m_State.RebuildKnownControlPoints( m_Usage );
+	EXPECT_EQ( m_State.GetEditMode( CP0 ), CONTROL_POINT_EDIT_ROTATE );
+	EXPECT_TRUE( m_State.SetEditMode( CP0, CONTROL_POINT_EDIT_TRANSLATE ) );
+	EXPECT_EQ( m_Host.m_nModeChanged, 3 ) << "none to translate, to rotate, to translate";
+	// A colour point edits its colour; a point the definition doesn't use fits only "none".
+	CParticleDefinitionUsage colour;
+	colour.Add( 0, 0, Use( CP3, CONTROL_POINT_USAGE_COLOR ) );
+	m_State.RebuildKnownControlPoints( colour );
+	EXPECT_EQ( m_State.GetEditMode( CP3 ), CONTROL_POINT_EDIT_COLOR );
+	EXPECT_FALSE( m_State.SetEditMode( CP1, CONTROL_POINT_EDIT_TRANSLATE ) );
 }
 
 TEST_F( ZolControlPointState, DriversRoundTripThroughAConfigurationNamedValuesIncluded )
