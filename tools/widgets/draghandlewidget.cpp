@@ -26,6 +26,7 @@ void CQDragHandleWidget::mousePressEvent( QMouseEvent *pEvent )
 		return;
 	}
 	m_bPressed = true;
+	m_bDragStarted = false;
 	m_PressPos = pEvent->pos();
 	setCursor( Qt::ClosedHandCursor );
 	if ( m_pItem )
@@ -35,13 +36,16 @@ void CQDragHandleWidget::mousePressEvent( QMouseEvent *pEvent )
 
 void CQDragHandleWidget::mouseMoveEvent( QMouseEvent *pEvent )
 {
-	if ( !m_bPressed || !( pEvent->buttons() & Qt::LeftButton ) )
+	if ( !m_bPressed || m_bDragStarted || !( pEvent->buttons() & Qt::LeftButton ) )
 	{
 		QWidget::mouseMoveEvent( pEvent );
 		return;
 	}
 	if ( ( pEvent->pos() - m_PressPos ).manhattanLength() > QApplication::startDragDistance() )
+	{
+		m_bDragStarted = true;
 		StartDrag();
+	}
 }
 
 void CQDragHandleWidget::mouseReleaseEvent( QMouseEvent *pEvent )
@@ -58,9 +62,9 @@ void CQDragHandleWidget::mouseReleaseEvent( QMouseEvent *pEvent )
 
 void CQDragHandleWidget::StartDrag()
 {
-	m_bPressed = false;
 	setCursor( Qt::OpenHandCursor );
 	auto *pData = new QMimeData;
+	// An item with nothing to drag: the press ends with the button's release.
 	if ( !m_pItem || !m_pItem->FillMimeData( pData ) )
 	{
 		delete pData;
@@ -84,8 +88,13 @@ void CQDragHandleWidget::StartDrag()
 	pDrag->exec( Qt::CopyAction | Qt::MoveAction, Qt::MoveAction );
 	if ( pList )
 		pList->EndRowDrag();
-	if ( pSelf && m_pItem )
-		m_pItem->OnDragRelease();
+	// The drag took the button's release: the press ends here.
+	if ( pSelf && m_bPressed )
+	{
+		m_bPressed = false;
+		if ( m_pItem )
+			m_pItem->OnDragRelease();
+	}
 }
 
 void CQDragHandleWidget::paintEvent( QPaintEvent * )

@@ -33,4 +33,5 @@ private:
 	QPixmap m_DragPixmap;
 	QPoint m_PressPos;
 	bool m_bPressed = false;
+	bool m_bDragStarted = false;
 };
