@@ -80,6 +80,9 @@ CQDraggableWidgetList::~CQDraggableWidgetList() = default;
 void CQDraggableWidgetList::AddWidget( QWidget *pWidget )
 {
 	m_pLayout->addWidget( pWidget );
+	// A layout shows new children only later, and hidden rows take no room: the scroll
+	// range must count them at once.
+	pWidget->show();
 }
 
 void CQDraggableWidgetList::AddSpacing( int nPixels )

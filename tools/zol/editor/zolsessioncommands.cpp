@@ -3,6 +3,8 @@
 // on beeps and changes nothing.
 
 #include <QApplication>
+#include <QTimer>
+#include <algorithm>
 
 #include "core/host/iasset.h"
 #include "core/host/iassetsystem.h"
@@ -31,6 +33,25 @@ static void BeepUnless( bool bDone )
 		Beep();
 }
 
+// The picker runs an event loop of its own. Started from within a command, the keys typed
+// into it would meet the bindings of the window that ran the command: it opens once the
+// command is over.
+static void OpenPickerAfterTheCommand( CZolSession *pSession )
+{
+	CZolApp *pApp = ZolApp();
+	CQZolMainWnd *pWindow = pApp ? pApp->GetZolMainWindow() : nullptr;
+	if ( !qApp || !pWindow )
+	{
+		pSession->AddElement( PARTICLE_FUNCTION_ROOT, nullptr );
+		return;
+	}
+	QTimer::singleShot( 0, pWindow, [ pApp, pSession ]() {
+		const std::vector<CBaseEditorSession *> &sessions = pApp->GetSessions();
+		if ( std::find( sessions.begin(), sessions.end(), pSession ) != sessions.end() )
+			pSession->AddElement( PARTICLE_FUNCTION_ROOT, nullptr );
+	} );
+}
+
 static void BuildZolSessionCommands( CBindTargetDescriptor<CZolSession> &d )
 {
 	d.AddClickCommand( "Undo", []( CZolSession *pSession ) { pSession->GetDoc()->Undo(); } );
@@ -40,7 +61,7 @@ static void BuildZolSessionCommands( CBindTargetDescriptor<CZolSession> &d )
 	d.AddClickCommand( "Paste", []( CZolSession *pSession ) { BeepUnless( pSession->PasteFromClipboard() ); } );
 	d.AddClickCommand( "Delete", []( CZolSession *pSession ) { BeepUnless( pSession->DeleteSelection() ); } );
 	d.AddClickCommand( "Toggle", []( CZolSession *pSession ) { BeepUnless( pSession->ToggleSelection() ); } );
-	d.AddClickCommand( "AddFunction", []( CZolSession *pSession ) { pSession->AddElement( PARTICLE_FUNCTION_ROOT, nullptr ); } );
+	d.AddClickCommand( "AddFunction", &OpenPickerAfterTheCommand );
 	d.AddClickCommand( "AddChild", []( CZolSession *pSession ) { pSession->BrowseAndAddChild(); } );
 }
 

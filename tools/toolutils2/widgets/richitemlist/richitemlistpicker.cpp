@@ -515,6 +515,8 @@ void CQRichItemListPicker::showEvent( QShowEvent *pEvent )
 {
 	QDialog::showEvent( pEvent );
 	OnFilterChanged( m_pFilter->text() );
+	// The keys go to the filter, and through it to the bindings of this dialog.
+	activateWindow();
 	m_pFilter->setFocus();
 }
 

@@ -136,6 +136,9 @@ CQParticleFunctionList::CQParticleFunctionList( IZolNodeVariableContext *pVariab
 CQParticleFunctionList::~CQParticleFunctionList()
 {
 	CQInputBindManager::Get()->UnregisterTarget( &m_SessionTarget );
+	// Its popup tells it closed when it goes; this list must still be whole to hear it.
+	delete m_pParentChildMenu;
+	m_pParentChildMenu = nullptr;
 	ClearRows();
 }
 
