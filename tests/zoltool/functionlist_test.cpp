@@ -9,6 +9,8 @@
 #include <QCheckBox>
 #include <QDragEnterEvent>
 #include <QFrame>
+#include <QGridLayout>
+#include <QLabel>
 #include <QMimeData>
 #include <QPointer>
 #include <QPushButton>
@@ -19,6 +21,7 @@
 #include <filesystem>
 #include <fstream>
 #include <functional>
+#include <map>
 #include <memory>
 #include <string>
 #include <unistd.h>
@@ -576,6 +579,17 @@ TEST_F( FunctionListTest, PickerOffersPresetsFirstAndEachListGroupedWithItsIcon 
 	EXPECT_EQ( all.GetChoiceName( 0 ), QStringLiteral( "Lifetime Random (Init Float)" ) );
 	EXPECT_TRUE( all.IsGroupVisible( "Presets" ) );
 	EXPECT_TRUE( all.IsGroupVisible( "Renderer" ) );
+	// The help files say what each class does; a word only they hold finds it, marked.
+	all.GetFilterLine()->setText( QStringLiteral( "swirl" ) );
+	const QVector<int> swirling = all.GetVisibleChoices();
+	QStringList names;
+	for ( int nChoice : swirling )
+	{
+		names.append( all.GetChoiceName( nChoice ) );
+		EXPECT_TRUE( all.ShowsDescriptionMarker( nChoice ) ) << all.GetChoiceName( nChoice ).toStdString();
+	}
+	EXPECT_TRUE( names.contains( QStringLiteral( "Twist around axis" ) ) ) << names.join( ", " ).toStdString();
+	EXPECT_FALSE( all.IsGroupVisible( "Presets" ) );
 
 	CQPickParticleFunctionUI constraints( Doc() );
 	constraints.Populate( PARTICLE_FUNCTION_CONSTRAINT );
@@ -693,6 +707,44 @@ TEST_F( FunctionListTest, ParentChildMenuShowsTheChildrenAndOpensTheOneClicked )
 	EXPECT_TRUE( List()->GetPrevButton()->isEnabled() );
 	QTest::mouseClick( List()->GetPrevButton(), Qt::LeftButton );
 	EXPECT_EQ( List()->GetSession()->GetAsset(), Asset( "particles/samples/campfire.tfxs" ) );
+}
+
+TEST_F( FunctionListTest, ParentChildTreeStandsInColumnsByDepthWithLinesPastDeeperRows )
+{
+	// A system that holds the campfire and the fire: two levels below it.
+	{
+		std::ofstream holder( m_Root / "content/particles/samples/holder.tfxs" );
+		holder << "--- kv3 encoding=text:e21c7f3c-8a33-41c5-9977-a76d3a32aa0d format=tfxs63:a6e6a69e-52d3-4527-8b9c-ff3bb91aca3e ---\n"
+				  "{ _class = \"CParticleSystemDefinition\" m_Children = [ { m_ChildRef = resource:\"particles/samples/campfire.tfxs\" }, "
+				  "{ m_ChildRef = resource:\"particles/samples/fire.tfxs\" } ] }\n";
+	}
+	m_Services.GetAssetSystem()->Rescan();
+	ASSERT_NE( Open( "particles/samples/holder.tfxs" ), nullptr );
+	CQAssetParentChildMenu *pMenu = List()->GetParentChildMenu();
+	EXPECT_EQ( pMenu->GetChildButton()->text(), QStringLiteral( "2" ) );
+	QTest::mouseClick( pMenu->GetChildButton(), Qt::LeftButton );
+	ASSERT_NE( pMenu->GetPopup(), nullptr );
+	auto *pGrid = qobject_cast<QGridLayout *>( pMenu->GetPopup()->layout() );
+	ASSERT_NE( pGrid, nullptr );
+	// Cell (row, column) of each entry, by its name.
+	std::map<std::string, std::pair<int, int>> cells;
+	int nSkips = 0;
+	for ( int i = 0; i < pGrid->count(); ++i )
+	{
+		int nRow, nColumn, nRowSpan, nColumnSpan;
+		pGrid->getItemPosition( i, &nRow, &nColumn, &nRowSpan, &nColumnSpan );
+		QWidget *pWidget = pGrid->itemAt( i )->widget();
+		if ( CQHoverButton *pButton = pWidget ? pWidget->findChild<CQHoverButton *>() : nullptr )
+			cells[ pButton->text().toStdString() ] = { nRow, nColumn };
+		else if ( qobject_cast<QLabel *>( pWidget ) && nColumn == 1 )
+			++nSkips;
+	}
+	EXPECT_EQ( cells[ "campfire.tfxs" ], std::make_pair( 0, 1 ) );
+	EXPECT_EQ( cells[ "smoke.tfxs" ], std::make_pair( 1, 2 ) );
+	EXPECT_EQ( cells[ "sparks.tfxs" ], std::make_pair( 2, 2 ) );
+	// The fire stands twice: under the campfire, and as the holder's second child.
+	EXPECT_EQ( cells[ "fire.tfxs" ], std::make_pair( 3, 1 ) );
+	EXPECT_EQ( nSkips, 2 ) << "the line from the campfire down to the fire passes two rows";
 }
 
 // ---------------------------------------------------------------------------------------

@@ -81,9 +81,10 @@ CQRichItemListPicker::CQRichItemListPicker( QWidget *pParent ) : QDialog( pParen
 	m_pTree->setRootIsDecorated( false );
 	m_pTree->setUniformRowHeights( true );
 	m_pTree->setItemDelegate( new CQSelectionListItemDelegate( m_pTree ) );
-	m_pTree->header()->setStretchLastSection( false );
-	m_pTree->header()->setSectionResizeMode( 0, QHeaderView::Stretch );
-	m_pTree->header()->setSectionResizeMode( 1, QHeaderView::ResizeToContents );
+	// Names are what is read first: their column takes what they need.
+	m_pTree->header()->setSectionResizeMode( 0, QHeaderView::ResizeToContents );
+	m_pTree->header()->setSectionResizeMode( 1, QHeaderView::Stretch );
+	m_pTree->header()->setStretchLastSection( true );
 	m_pDescription = new QTextBrowser( m_pSplitter );
 	m_pDescription->setOpenLinks( false );
 	m_pSplitter->setStretchFactor( 0, 3 );

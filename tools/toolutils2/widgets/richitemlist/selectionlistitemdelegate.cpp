@@ -52,16 +52,9 @@ void CQSelectionListItemDelegate::paint( QPainter *pPainter, const QStyleOptionV
 
 QSize CQSelectionListItemDelegate::sizeHint( const QStyleOptionViewItem &option, const QModelIndex &index ) const
 {
+	// The plain text measures as the rich one does; the marker needs room of its own.
 	QSize size = QStyledItemDelegate::sizeHint( option, index );
-	const QVariant html = index.data( RICH_ITEM_HTML_ROLE );
-	if ( html.isValid() )
-	{
-		QTextDocument document;
-		document.setDefaultFont( option.font );
-		document.setDocumentMargin( 0 );
-		document.setHtml( html.toString() );
-		size.setWidth( int( document.idealWidth() ) + MARKER_SIZE + 12 );
-		size.setHeight( qMax( size.height(), int( document.size().height() ) + 4 ) );
-	}
+	if ( index.data( RICH_ITEM_HTML_ROLE ).isValid() )
+		size.setWidth( size.width() + MARKER_SIZE + 4 );
 	return size;
 }
