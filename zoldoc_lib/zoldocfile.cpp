@@ -281,9 +281,10 @@ bool CZolDoc::SaveToFile( const char *pPath, CUtlString *pError, const SavePostP
 		pError->Format( "Serialization failed: %s (File: \"%s\")\n", serialiseError.Get(), pPath ? pPath : "" );
 		return false;
 	}
-	if ( !ZolWriteWholeFile( pPath, buffer ) )
+	CUtlString writeError;
+	if ( !ZolWriteWholeFile( pPath, buffer, &writeError ) )
 	{
-		pError->Set( "Could not write file.\n" );
+		pError->Format( "Could not write file.\n%s", writeError.Get() );
 		return false;
 	}
 	return true;
