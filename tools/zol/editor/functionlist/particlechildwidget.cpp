@@ -58,12 +58,15 @@ CQParticleChildWidget::CQParticleChildWidget( CQParticleFunctionList *pList, CZo
 	pColumn->setSpacing( 1 );
 	pColumn->addWidget( m_pEditButton );
 	auto *pTools = new QHBoxLayout;
-	pTools->setContentsMargins( 4, 0, 0, 0 );
-	pTools->setSpacing( 2 );
+	pTools->setContentsMargins( 2, 0, 0, 0 );
+	pTools->setSpacing( 0 );
 	m_pStatusLabel = new QLabel( this );
 	m_pStatusLabel->setObjectName( "ZOL_ChildStatusLabel" );
 	// The status gives way before the buttons do.
-	m_pStatusLabel->setSizePolicy( QSizePolicy::Ignored, QSizePolicy::Preferred );
+	m_pStatusLabel->setMinimumWidth( 1 );
+	QFont statusFont = m_pStatusLabel->font();
+	statusFont.setPixelSize( 10 );
+	m_pStatusLabel->setFont( statusFont );
 	pTools->addWidget( m_pStatusLabel, 1 );
 	m_pBrowseButton = MakeTextButton( tr( "Browse" ), this );
 	m_pAssetButton = MakeTextButton( tr( "Asset" ), this );

@@ -67,7 +67,7 @@ QPushButton#ZOL_AddChildButton:disabled { background-color: rgb(41, 46, 40); bor
 CQParticleFunctionList QToolButton {
 	color: #dcdcdc;
 	border: none;
-	padding: 1px 3px;
+	padding: 1px 2px;
 }
 CQParticleFunctionList QToolButton:hover {
 	background-color: #4a4e53;

@@ -14,8 +14,7 @@
 namespace
 {
 constexpr float STEP_SECONDS = 1.0f / 30.0f;
-constexpr float MIN_SECONDS = 1.0f;
-constexpr float MAX_SECONDS = 3.0f;
+constexpr float MAX_SECONDS = 2.0f;
 
 struct Dot_t
 {
@@ -62,17 +61,24 @@ QImage PaintParticleSystemThumbnail( IAsset *pAsset, const QSize &size )
 	if ( !pData || !pData->GetDefinition() )
 		return QImage();
 
-	// The same seed each time: a thumbnail doesn't flicker between refreshes.
+	// The same seed each time: a thumbnail doesn't flicker between refreshes. The picture
+	// is the last moment that still has most of the particles of the fullest moment so
+	// far, so that a burst shows spread out rather than as one point at its start.
 	std::unique_ptr<IParticleCollection> pCollection = CreateParticleCollection( pData->GetDefinition(), 1 );
 	pCollection->SetControlPoint( 0, Vector( 0, 0, 0 ) );
+	std::vector<Dot_t> dots;
+	int nPeak = 0;
 	for ( float flTime = 0.0f; flTime < MAX_SECONDS; flTime += STEP_SECONDS )
 	{
 		pCollection->Simulate( STEP_SECONDS );
-		if ( flTime >= MIN_SECONDS && pCollection->GetActiveParticleCount( true ) > 0 )
-			break;
+		const int nCount = pCollection->GetActiveParticleCount( true );
+		nPeak = std::max( nPeak, nCount );
+		if ( nCount > 0 && nCount * 10 >= nPeak * 7 )
+		{
+			dots.clear();
+			CollectDots( pCollection.get(), &dots );
+		}
 	}
-	std::vector<Dot_t> dots;
-	CollectDots( pCollection.get(), &dots );
 
 	QImage image( size, QImage::Format_ARGB32_Premultiplied );
 	image.fill( Qt::transparent );
