@@ -24,19 +24,10 @@
 #include <map>
 #include <memory>
 #include <string>
-#include <unistd.h>
 #include <vector>
 
-#include "core/host/assetsystem.h"
-#include "core/host/hostservices.h"
 #include "core/host/iasset.h"
-#include "core/host/iassetsystem.h"
-#include "core/host/scriptedprompt.h"
-#include "core/host/toolsettingsstore.h"
 #include "core/kv3/keyvalues3.h"
-#include "core/particles/hostparticlesystemmgr.h"
-#include "core/platform/platformmode.h"
-#include "particleslib/particleinputclasses.h"
 #include "tools/toolutils2/undo/undohistory.h"
 #include "tools/toolutils2/widgets/inputbind/bindablecommandbuttons.h"
 #include "tools/toolutils2/widgets/richitemlist/arrowkeywidgets.h"
@@ -51,10 +42,10 @@
 #include "tools/zol/editor/functionlist/particlefunctionlist.h"
 #include "tools/zol/editor/functionlist/particlefunctionwidget.h"
 #include "tools/zol/editor/functionlist/pickparticlefunctionui.h"
+#include "tests/zoltool/zolapptestsupport.h"
 #include "tools/zol/editor/functionlist/writtenattributeslabel.h"
 #include "tools/zol/editor/zolapp.h"
 #include "tools/zol/editor/zolmainwnd.h"
-#include "tools/zol/editor/zolmoduleexports.h"
 #include "tools/zol/editor/zolsession.h"
 #include "zoldoc_lib/zolchildnode.h"
 #include "zoldoc_lib/zoldoc.h"
@@ -66,52 +57,22 @@ namespace
 {
 namespace fs = std::filesystem;
 
-void EnsureQApplication()
-{
-	static int s_nArgc = 1;
-	static char s_szName[] = "zoltool_tests";
-	static char *s_pArgv[] = { s_szName, nullptr };
-	if ( !QApplication::instance() )
-		new QApplication( s_nArgc, s_pArgv );
-}
-
-CUtlString MemoryPath( const fs::path &path )
-{
-	CUtlString strPath( path.c_str() );
-	strPath.FixSlashes( '\\' );
-	return strPath;
-}
-
-class FunctionListTest : public ::testing::Test
+// The application with its window, shown and active, on the shipped samples and models.
+class FunctionListTest : public ZolAppTest
 {
 protected:
 	void SetUp() override
 	{
-		EnsureQApplication();
-		Plat_SetTestMode( true );
-		m_Root = fs::temp_directory_path() / ( "zol_funclist_" + std::to_string( getpid() ) );
-		fs::remove_all( m_Root );
-		fs::create_directories( m_Root );
-		fs::copy( fs::path( ZOL_SOURCE_DIR ) / "content/game", m_Root / "game", fs::copy_options::recursive );
-		fs::create_directories( m_Root / "content/particles" );
-		fs::copy( fs::path( ZOL_SOURCE_DIR ) / "content/content/particles/samples", m_Root / "content/particles/samples", fs::copy_options::recursive );
+		EnsureTestQApplication();
+		ZolAppTest::SetUp();
+		if ( HasFatalFailure() )
+			return;
 		fs::copy( fs::path( ZOL_SOURCE_DIR ) / "content/content/models", m_Root / "content/models", fs::copy_options::recursive );
-		// A system in another directory, which a question must let in as a child.
-		fs::create_directories( m_Root / "content/particles/other" );
-		fs::copy_file( m_Root / "content/particles/samples/fire.tfxs", m_Root / "content/particles/other/lonely.tfxs" );
-		fs::create_directories( m_Root / "settings" );
-		GetToolSettingsStore().SetDirectory( ( m_Root / "settings" ).c_str() );
-
-		CUtlString strError;
-		ASSERT_TRUE( m_Services.Init( ( m_Root / "game" ).c_str(), ( m_Root / "content" ).c_str(), &strError ) ) << strError.Get();
-		RegisterParticleInputClasses();
-		m_Services.SetParticleSystemMgr( HostParticleSystemMgr() );
-		int nCode = -1;
-		m_pApp = static_cast<CZolApp *>( static_cast<CBaseToolSystem2 *>( CreateInterface( "ToolSystem2_001", &nCode ) ) );
-		ASSERT_NE( m_pApp, nullptr );
+		m_Services.GetAssetSystem()->Rescan();
 		m_pApp->SetCreatesMainWindow( true );
-		ASSERT_TRUE( m_pApp->Connect( &Host_CreateInterface ) );
-		ASSERT_TRUE( m_pApp->StartTool( 0 ) );
+		Start();
+		if ( HasFatalFailure() )
+			return;
 		m_pWindow = m_pApp->GetZolMainWindow();
 		ASSERT_NE( m_pWindow, nullptr );
 		m_pWindow->show();
@@ -119,31 +80,12 @@ protected:
 		QApplication::processEvents();
 	}
 
-	void TearDown() override
-	{
-		if ( !m_pApp || !m_pWindow )
-		{
-			fs::remove_all( m_Root );
-			return;
-		}
-		for ( CBaseEditorSession *pSession : m_pApp->GetSessions() )
-			pSession->SetModified( false );
-		EXPECT_TRUE( m_pApp->CloseAllSessions() );
-		m_pApp->ShutdownTool();
-		m_pApp->Disconnect();
-		m_pApp->SetCreatesMainWindow( false );
-		m_Services.SetParticleSystemMgr( nullptr );
-		GetToolSettingsStore().SetDirectory( "" );
-		fs::remove_all( m_Root );
-	}
-
 	CZolSession *Open( const char *pContentPath )
 	{
-		auto *pSession = static_cast<CZolSession *>( m_pApp->OpenFile( MemoryPath( m_Root / "content" / pContentPath ), true ) );
+		CZolSession *pSession = ZolAppTest::Open( pContentPath );
 		QApplication::processEvents();
 		return pSession;
 	}
-	IAsset *Asset( const char *pContentPath ) { return m_Services.GetAssetSystem()->FindAssetByContentPath( pContentPath ); }
 
 	CQParticleFunctionList *List() const { return m_pWindow->GetFunctionList(); }
 	CZolDoc *Doc() const { return List()->GetSession()->GetDoc(); }
@@ -220,11 +162,6 @@ protected:
 			QApplication::processEvents();
 	}
 
-	fs::path m_Root;
-	CHostServices m_Services;
-	CScriptedPrompt m_Prompt;
-	CScopedPrompt m_ScopedPrompt{ &m_Prompt };
-	CZolApp *m_pApp = nullptr;
 	CQZolMainWnd *m_pWindow = nullptr;
 	// Owns the timers of a test, so none outlives it.
 	std::unique_ptr<QObject> m_pTimers;

@@ -14,6 +14,7 @@
 #include "tools/toolutils2/widgets/inputbind/bindablecommandaction.h"
 #include "tools/toolutils2/widgets/inputbind/inputbindmanager.h"
 #include "tools/toolutils2/widgets/undo/undohistorywidget.h"
+#include "tools/widgets/assetthumbnail.h"
 #include "tools/zol/editor/functionlist/particlefunctionlist.h"
 #include "tools/zol/editor/functionlist/particlesystemthumbnail.h"
 #include "tools/zol/editor/zolapp.h"
@@ -100,6 +101,8 @@ void CQZolMainWnd::CreateChildren()
 
 	if ( CZolApp *pApp = ZolApp() )
 	{
+		// Thumbnails of a particle system draw again when it compiles.
+		pApp->SetAssetPreviewUpdater( []( IAsset *pAsset ) { CQAssetThumbnail::NotifyAssetChanged( pAsset ); } );
 		pApp->SetClipboardHooks( []( const char *pText ) { QApplication::clipboard()->setText( QString::fromUtf8( pText ) ); },
 			[]() { return CUtlString( QApplication::clipboard()->text().toUtf8().constData() ); } );
 	}

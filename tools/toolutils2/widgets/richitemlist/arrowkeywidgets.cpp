@@ -2,30 +2,31 @@
 
 #include <QKeyEvent>
 
+namespace
+{
+// Up and down go to the widget's owner as signals; true when the key was one of them.
+template <typename Widget>
+bool SendArrowKey( Widget *pWidget, QKeyEvent *pEvent )
+{
+	if ( pEvent->key() == Qt::Key_Up )
+		emit pWidget->ArrowUp();
+	else if ( pEvent->key() == Qt::Key_Down )
+		emit pWidget->ArrowDown();
+	else
+		return false;
+	pEvent->accept();
+	return true;
+}
+} // namespace
+
 void CQLineEditWithArrowEvents::keyPressEvent( QKeyEvent *pEvent )
 {
-	if ( pEvent->key() == Qt::Key_Up || pEvent->key() == Qt::Key_Down )
-	{
-		if ( pEvent->key() == Qt::Key_Up )
-			emit ArrowUp();
-		else
-			emit ArrowDown();
-		pEvent->accept();
-		return;
-	}
-	QLineEdit::keyPressEvent( pEvent );
+	if ( !SendArrowKey( this, pEvent ) )
+		QLineEdit::keyPressEvent( pEvent );
 }
 
 void CQTreeWidgetWithArrowEvents::keyPressEvent( QKeyEvent *pEvent )
 {
-	if ( pEvent->key() == Qt::Key_Up || pEvent->key() == Qt::Key_Down )
-	{
-		if ( pEvent->key() == Qt::Key_Up )
-			emit ArrowUp();
-		else
-			emit ArrowDown();
-		pEvent->accept();
-		return;
-	}
-	QTreeWidget::keyPressEvent( pEvent );
+	if ( !SendArrowKey( this, pEvent ) )
+		QTreeWidget::keyPressEvent( pEvent );
 }
