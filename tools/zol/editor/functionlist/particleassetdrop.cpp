@@ -1,5 +1,6 @@
 #include "tools/zol/editor/functionlist/particleassetdrop.h"
 
+#include <QDragEnterEvent>
 #include <QMimeData>
 #include <QWidget>
 
@@ -22,7 +23,40 @@ bool GetDroppedParticleSystems( const QMimeData *pData, CUtlVector<IAsset *> *pA
 	return pAssets->Count() > 0;
 }
 
-void ShowAssetDropHighlight( QWidget *pWidget, bool bShow )
+namespace
+{
+void ShowDropHighlight( QWidget *pWidget, bool bShow )
 {
 	pWidget->setStyleSheet( bShow ? QStringLiteral( "background-color: #22b14c" ) : QString() );
+}
+} // namespace
+
+void EnterParticleSystemDrag( QWidget *pWidget, QDragEnterEvent *pEvent, bool bCanTake )
+{
+	CUtlVector<IAsset *> assets;
+	if ( !bCanTake || !GetDroppedParticleSystems( pEvent->mimeData(), &assets ) )
+	{
+		pEvent->ignore();
+		return;
+	}
+	pEvent->acceptProposedAction();
+	ShowDropHighlight( pWidget, true );
+}
+
+void LeaveParticleSystemDrag( QWidget *pWidget, QDragLeaveEvent *pEvent )
+{
+	ShowDropHighlight( pWidget, false );
+	pEvent->accept();
+}
+
+bool TakeParticleSystemDrop( QWidget *pWidget, QDropEvent *pEvent, bool bCanTake, CUtlVector<IAsset *> *pAssets )
+{
+	ShowDropHighlight( pWidget, false );
+	if ( !bCanTake || !GetDroppedParticleSystems( pEvent->mimeData(), pAssets ) )
+	{
+		pEvent->ignore();
+		return false;
+	}
+	pEvent->acceptProposedAction();
+	return true;
 }

@@ -6,10 +6,17 @@
 #include "core/containers/utlvector.h"
 
 class IAsset;
+class QDragEnterEvent;
+class QDragLeaveEvent;
+class QDropEvent;
 class QMimeData;
 class QWidget;
 
 bool GetDroppedParticleSystems( const QMimeData *pData, CUtlVector<IAsset *> *pAssets );
 
-// The green of a widget under a drag it would take.
-void ShowAssetDropHighlight( QWidget *pWidget, bool bShow );
+// A drag entering a widget that takes particle systems (when bCanTake): accepted, and the
+// widget turns green, when the drag carries at least one.
+void EnterParticleSystemDrag( QWidget *pWidget, QDragEnterEvent *pEvent, bool bCanTake );
+void LeaveParticleSystemDrag( QWidget *pWidget, QDragLeaveEvent *pEvent );
+// The particle systems of a drop; false, with the event ignored, when it has none.
+bool TakeParticleSystemDrop( QWidget *pWidget, QDropEvent *pEvent, bool bCanTake, CUtlVector<IAsset *> *pAssets );

@@ -163,33 +163,20 @@ void CQParticleChildWidget::mouseDoubleClickEvent( QMouseEvent *pEvent )
 
 void CQParticleChildWidget::dragEnterEvent( QDragEnterEvent *pEvent )
 {
-	CUtlVector<IAsset *> assets;
-	if ( !m_pNode || !GetDroppedParticleSystems( pEvent->mimeData(), &assets ) )
-	{
-		pEvent->ignore();
-		return;
-	}
-	pEvent->acceptProposedAction();
-	ShowAssetDropHighlight( this, true );
+	EnterParticleSystemDrag( this, pEvent, m_pNode != nullptr );
 }
 
 void CQParticleChildWidget::dragLeaveEvent( QDragLeaveEvent *pEvent )
 {
-	ShowAssetDropHighlight( this, false );
-	pEvent->accept();
+	LeaveParticleSystemDrag( this, pEvent );
 }
 
 void CQParticleChildWidget::dropEvent( QDropEvent *pEvent )
 {
-	ShowAssetDropHighlight( this, false );
 	CUtlVector<IAsset *> assets;
 	CZolChildNode *pChild = m_pNode ? m_pNode->AsChildNode() : nullptr;
-	if ( !pChild || !m_pSession || !GetDroppedParticleSystems( pEvent->mimeData(), &assets ) )
-	{
-		pEvent->ignore();
+	if ( !TakeParticleSystemDrop( this, pEvent, pChild && m_pSession, &assets ) )
 		return;
-	}
-	pEvent->acceptProposedAction();
 	QPointer<CQParticleChildWidget> pSelf( this );
 	CZolSession *pSession = m_pSession;
 	IAsset *pAsset = assets[ 0 ];

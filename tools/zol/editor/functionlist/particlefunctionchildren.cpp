@@ -16,32 +16,19 @@ CQParticleFunctionChildren::CQParticleFunctionChildren( CQParticleFunctionList *
 
 void CQParticleFunctionChildren::dragEnterEvent( QDragEnterEvent *pEvent )
 {
-	CUtlVector<IAsset *> assets;
-	if ( !m_pSession || !GetDroppedParticleSystems( pEvent->mimeData(), &assets ) )
-	{
-		pEvent->ignore();
-		return;
-	}
-	pEvent->acceptProposedAction();
-	ShowAssetDropHighlight( this, true );
+	EnterParticleSystemDrag( this, pEvent, m_pSession != nullptr );
 }
 
 void CQParticleFunctionChildren::dragLeaveEvent( QDragLeaveEvent *pEvent )
 {
-	ShowAssetDropHighlight( this, false );
-	pEvent->accept();
+	LeaveParticleSystemDrag( this, pEvent );
 }
 
 void CQParticleFunctionChildren::dropEvent( QDropEvent *pEvent )
 {
-	ShowAssetDropHighlight( this, false );
 	CUtlVector<IAsset *> assets;
-	if ( !m_pSession || !GetDroppedParticleSystems( pEvent->mimeData(), &assets ) )
-	{
-		pEvent->ignore();
+	if ( !TakeParticleSystemDrop( this, pEvent, m_pSession != nullptr, &assets ) )
 		return;
-	}
-	pEvent->acceptProposedAction();
 	// The questions of CanBeChild may run an event loop that rebuilds the list and
 	// deletes this header; the session is what counts.
 	QPointer<CQParticleFunctionChildren> pSelf( this );
