@@ -504,6 +504,32 @@ TEST_F( FunctionListTest, ADisabledOfferIsShownWithItsReasonButAddsNothing )
 	EXPECT_EQ( UndoSteps(), nSteps );
 }
 
+TEST_F( FunctionListTest, CtrlShiftAOpensThePickerAndEscapeClosesItWithNothingAdded )
+{
+	ASSERT_NE( Open( "particles/samples/campfire.tfxs" ), nullptr );
+	const int nSteps = UndoSteps();
+	bool bOpened = false;
+	bool bClosed = false;
+	WhenPickerOpens( [ & ]( CQPickParticleFunctionUI *pPicker ) {
+		bOpened = true;
+		QTest::keyClicks( pPicker->GetFilterLine(), QStringLiteral( "sprites" ) );
+		QTest::keyClick( pPicker->GetFilterLine(), Qt::Key_Escape );
+		bClosed = !pPicker->isVisible();
+	} );
+	List()->setFocus();
+	const Qt::KeyboardModifiers chord = Qt::ControlModifier | Qt::ShiftModifier;
+	QTest::keyPress( List(), Qt::Key_Control, Qt::ControlModifier );
+	QTest::keyPress( List(), Qt::Key_Shift, chord );
+	QTest::keyClick( List(), Qt::Key_A, chord );
+	QTest::keyRelease( List(), Qt::Key_Shift, Qt::ControlModifier );
+	QTest::keyRelease( List(), Qt::Key_Control, Qt::NoModifier );
+	RunQueued();
+	EXPECT_TRUE( bOpened );
+	EXPECT_TRUE( bClosed );
+	EXPECT_EQ( UndoSteps(), nSteps );
+	EXPECT_EQ( Root()->GetNodeCount( PARTICLE_FUNCTION_RENDERER ), 1 );
+}
+
 TEST_F( FunctionListTest, PickerOffersPresetsFirstAndEachListGroupedWithItsIcon )
 {
 	ASSERT_NE( Open( "particles/samples/campfire.tfxs" ), nullptr );
