@@ -2,6 +2,7 @@
 
 #include <QDragEnterEvent>
 #include <QMimeData>
+#include <QUrl>
 #include <QWidget>
 
 #include "core/host/assetdragtext.h"
@@ -11,10 +12,22 @@
 bool GetDroppedParticleSystems( const QMimeData *pData, CUtlVector<IAsset *> *pAssets )
 {
 	pAssets->RemoveAll();
-	if ( !pData || !pData->hasText() )
+	if ( !pData )
+		return false;
+	// Asset lists drag names as text; a file manager may drag only the files' URLs.
+	QString text = pData->hasText() ? pData->text() : QString();
+	if ( text.isEmpty() && pData->hasUrls() )
+	{
+		for ( const QUrl &url : pData->urls() )
+		{
+			if ( url.isLocalFile() )
+				text += url.toLocalFile() + QLatin1Char( '\n' );
+		}
+	}
+	if ( text.isEmpty() )
 		return false;
 	CUtlVector<IAsset *> decoded;
-	DecodeAssetsFromText( GetAssetSystem(), pData->text().toUtf8().constData(), &decoded );
+	DecodeAssetsFromText( GetAssetSystem(), text.toUtf8().constData(), &decoded );
 	for ( IAsset *pAsset : decoded )
 	{
 		if ( pAsset->GetType() == RESOURCE_TYPE_PARTICLE_SYSTEM )
