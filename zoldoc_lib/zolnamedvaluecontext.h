@@ -12,6 +12,13 @@ class CZolNamedValueContext : public IZolNodeVariableContext
 public:
 	// pState (optional) knows the preview's entity models for attachment names.
 	CZolNamedValueContext( IZolDocumentSource *pSource, const CZolControlPointState *pState ) : m_Cache( pSource ), m_pState( pState ) {}
+	// A context of the window follows the session shown; the cache starts empty.
+	void SetSource( IZolDocumentSource *pSource, const CZolControlPointState *pState )
+	{
+		m_Cache.SetSource( pSource );
+		m_pState = pState;
+	}
+	IZolDocumentSource *GetSource() const { return m_Cache.GetSource(); }
 
 	// IZolNodeVariableContext
 	void GetDomainValues( const CPulseValueFullType &type, CUtlVector<ToolAttrGenericChoice_t> *pChoices ) override;

@@ -46,7 +46,7 @@ protected:
 	void SetUp() override
 	{
 		ZolAppTest::SetUp();
-		EnsureQApplication();
+		EnsureTestQApplication();
 		Start();
 		m_pBeacon = Open( "particles/samples/beacon.tfxs" );
 		m_pGlow = Open( "particles/samples/beacon_glow.tfxs" );

@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <QApplication>
+
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -22,18 +24,6 @@
 #include "tools/zol/editor/zolapp.h"
 #include "tools/zol/editor/zolmoduleexports.h"
 #include "tools/zol/editor/zolsession.h"
-
-#include <QApplication>
-
-// Widget tests need the one QApplication of the binary; it is never destroyed.
-inline void EnsureQApplication()
-{
-	static int s_nArgc = 1;
-	static char s_szName[] = "zoltool_tests";
-	static char *s_pArgv[] = { s_szName, nullptr };
-	if ( !QApplication::instance() )
-		new QApplication( s_nArgc, s_pArgv );
-}
 
 // Paths in memory use backslashes, also on this platform.
 inline CUtlString MemoryPath( const std::filesystem::path &path )
@@ -56,6 +46,17 @@ inline std::string ReadText( const std::filesystem::path &path )
 	return std::string( std::istreambuf_iterator<char>( in ), std::istreambuf_iterator<char>() );
 }
 
+// The one QApplication of the test binary, made by the first test that shows a window and
+// never destroyed.
+inline void EnsureTestQApplication()
+{
+	static int s_nArgc = 1;
+	static char s_szName[] = "zoltool_tests";
+	static char *s_pArgv[] = { s_szName, nullptr };
+	if ( !QApplication::instance() )
+		new QApplication( s_nArgc, s_pArgv );
+}
+
 class ZolAppTest : public ::testing::Test
 {
 protected:
@@ -68,7 +69,6 @@ protected:
 		std::filesystem::copy( std::filesystem::path( ZOL_SOURCE_DIR ) / "content" / "game", m_Root / "game", std::filesystem::copy_options::recursive );
 		std::filesystem::create_directories( m_Root / "content/particles" );
 		std::filesystem::copy( std::filesystem::path( ZOL_SOURCE_DIR ) / "content/content/particles/samples", m_Root / "content/particles/samples", std::filesystem::copy_options::recursive );
-		std::filesystem::copy( std::filesystem::path( ZOL_SOURCE_DIR ) / "content/content/models", m_Root / "content/models", std::filesystem::copy_options::recursive );
 		// Another directory: one system that holds fire as a child, one that holds nothing.
 		std::string campfire = ReadText( m_Root / "content/particles/samples/campfire.tfxs" );
 		ASSERT_NE( campfire.find( "particles/samples/fire.tfxs" ), std::string::npos );

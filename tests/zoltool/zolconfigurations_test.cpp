@@ -15,6 +15,8 @@
 
 namespace
 {
+namespace fs = std::filesystem;
+
 const ParticleParamID_t CP0 = ParticleParamID_t::ControlPoint( 0 );
 
 struct CPreviewStateCounter
@@ -29,6 +31,11 @@ protected:
 	void SetUp() override
 	{
 		ZolAppTest::SetUp();
+		if ( HasFatalFailure() )
+			return;
+		// The crate's lid is where one configuration of the brazier stands.
+		fs::copy( fs::path( ZOL_SOURCE_DIR ) / "content/content/models", m_Root / "content/models", fs::copy_options::recursive );
+		m_Services.GetAssetSystem()->Rescan();
 		CZolPersistedControlPoints::Get().Clear();
 		Start();
 		m_pBrazier = Open( "particles/samples/brazier.tfxs" );

@@ -283,6 +283,8 @@ void CZolApp::OnSessionSaved( CZolSession *pSession, const char *pOldAssetName )
 	IAssetSystem *pAssetSystem = GetAssetSystem();
 	if ( pOldAssetName && pAssetSystem )
 		m_WorkingSet.Remove( pAssetSystem->FindAssetByAbsolutePath( pOldAssetName ) );
+	if ( m_pMainWnd && pSession )
+		m_pMainWnd->OnSessionFileChanged( pSession );
 	if ( !pSession || !pSession->GetAsset() )
 		return;
 	m_WorkingSet.Add( pSession->GetAsset() );

@@ -4,9 +4,13 @@
 // current session to each panel. All sessions share the one preview in the middle, so
 // they make no sub-windows and the preview takes the multi-document area's place.
 
+#include <memory>
+
 #include "tools/toolutils2/inputbind/bindtarget.h"
 #include "tools/toolutils2/widgets/baseeditorwnd/baseeditormdiwnd.h"
 
+class CQParticleFunctionList;
+class CZolNamedValueContext;
 class CQUndoHistoryWidget;
 class CZolSession;
 class QDockWidget;
@@ -19,6 +23,7 @@ class CQZolMainWnd : public CQBaseEditorMdiWnd
 
 public:
 	explicit CQZolMainWnd( QWidget *pParent = nullptr );
+	~CQZolMainWnd() override;
 
 	void RunFrame();
 	// Frames run so far; the panels that follow time read it.
@@ -26,8 +31,12 @@ public:
 	void SessionActivated( CZolSession *pOld, CZolSession *pNew );
 	// The session is going away: drop every pointer to it.
 	void ForgetSession( CZolSession *pSession );
+	// The session loaded or saved its file: the panels that show it read it again.
+	void OnSessionFileChanged( CZolSession *pSession );
 	void ResetLayout();
 
+	CQParticleFunctionList *GetFunctionList() const { return m_pFunctionList; }
+	QDockWidget *GetFunctionDock() const { return m_pFunctionDock; }
 	QDockWidget *GetUndoDock() const { return m_pUndoDock; }
 	CQUndoHistoryWidget *GetUndoHistoryWidget() const { return m_pUndoHistoryWidget; }
 	QMenu *GetEditMenu() const { return m_pEditMenu; }
@@ -67,6 +76,9 @@ private:
 	QDockWidget *m_pControlsDock = nullptr;
 	QDockWidget *m_pUndoDock = nullptr;
 	QStatusBar *m_pStatusBar = nullptr;
+	CQParticleFunctionList *m_pFunctionList = nullptr;
+	// The variables around the shown session, for the panels that add or pick variables.
+	std::unique_ptr<CZolNamedValueContext> m_pVariableContext;
 	QDockWidget *m_pPropertyDock = nullptr;
 	QMenu *m_pViewMenu = nullptr;
 	QMenu *m_pEditMenu = nullptr;

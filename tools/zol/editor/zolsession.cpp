@@ -25,6 +25,7 @@
 #include "tools/zol/editor/zolapp.h"
 #include "zoldoc_lib/izolpreviewtarget.h"
 #include "zoldoc_lib/zolconfigurationreader.h"
+#include "tools/zol/editor/zolmainwnd.h"
 #include "zoldoc_lib/zolcontrolpointconfiguration.h"
 #include "zoldoc_lib/zoldoc.h"
 #include "zoldoc_lib/zolnamedvaluecontext.h"
@@ -165,6 +166,8 @@ bool CZolSession::LoadSession( const char *pPath, CUtlString *pError )
 	}
 	// A file that can't be bound stays editable; it just doesn't compile.
 	BindAsset( pError );
+	if ( CQZolMainWnd *pWindow = GetZolApp() ? GetZolApp()->GetZolMainWindow() : nullptr )
+		pWindow->OnSessionFileChanged( this );
 	return true;
 }
 
@@ -851,29 +854,6 @@ const CZolDoc *CZolSession::FindOpenDocument( IAsset *pAsset ) const
 			return pZolSession->GetDoc();
 	}
 	return nullptr;
-}
-
-void CZolSession::AddElement( ParticleFunctionType_t eType, void *pHint )
-{
-	if ( eType == PARTICLE_FUNCTION_CHILDREN )
-	{
-		BrowseAndAddChild();
-		return;
-	}
-	if ( eType == PARTICLE_FUNCTION_NAMED_VALUE_LOCALS )
-	{
-		if ( !pHint )
-			return;
-		CUtlString strName;
-		CPulseValueFullType type;
-		if ( GetZolApp()->RunAddVariableDialog( static_cast<CZolNamedValueContext *>( pHint ), &strName, &type ) )
-			m_pDoc->AddVariable( strName, type );
-		return;
-	}
-	// The function picker belongs to the function list; until it is part of the editor
-	// there is nothing to choose from here.
-	Log_Msg( LOG_ZOL, "AddFunction: the function picker is not available.\n" );
-	GetZolApp()->Beep();
 }
 
 // ---------------------------------------------------------------------------------------
