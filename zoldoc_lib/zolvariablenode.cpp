@@ -216,11 +216,9 @@ void CZolVariableNode::ExtractTypedMembers()
 	m_DefaultConfig.Link( this, &m_ValueType );
 }
 
-void CZolVariableNode::GetDisplayStrings( CBufferString *pName, CBufferString *pValue, CBufferString * ) const
+void CZolVariableNode::GetDisplayStrings( CBufferString *pName, CBufferString *, CBufferString * ) const
 {
 	pName->Set( GetName() );
-	if ( pValue )
-		pValue->Set( m_ValueType.GetFriendlyName().Get() );
 }
 
 void CZolVariableNode::GetAttributes( HToolAttrTableInstance handle, CUtlVector<IBaseToolAttr *> *pAttributes )
