@@ -12,6 +12,7 @@ packages=(
   rapidjson-dev                       # benchmarks only: the reference JSON parser
   libantlr3c-dev zlib1g-dev libpng-dev libjpeg-dev libtiff-dev libwebp-dev
   xvfb xauth libgl1-mesa-dri          # OpenGL tests and screenshots without a display
+  python3                             # the command line tests read the JSON lines of zol sim --dump
 )
 
 missing=()

@@ -1,39 +1,22 @@
 // zol tfxs check|fmt: load particle system definition files as the editor does, and report
 // why one is refused or what was read leniently, or print the text a save would write.
+// check also compiles each file with its children as zol sim and the preview run it, so
+// that it refuses every file they would.
 
 #include <cstdio>
 #include <cstring>
-#include <filesystem>
 #include <string>
 
 #include "core/containers/utlbuffer.h"
-#include "core/particles/iparticlesystemmgr.h"
 #include "core/particles/hostparticlesystemmgr.h"
+#include "core/particles/iparticlesystemmgr.h"
+#include "tools/zol/cli/cliargs.h"
 #include "tools/zol/cli/clicommand.h"
+#include "tools/zol/cli/clidefinition.h"
 #include "zoldoc_lib/particlegamedata.h"
 #include "zoldoc_lib/zoldoc.h"
 
-// The game root of a definition: the nearest ancestor folder with "game/gameinfo.gi"
-// (content/content/... files sit beside content/game), else none.
-static std::string FindDefinitionGameRoot( const char *pPath )
-{
-	std::error_code error;
-	std::filesystem::path directory = std::filesystem::absolute( pPath, error ).parent_path();
-	for ( ; !directory.empty(); directory = directory.parent_path() )
-	{
-		for ( const char *pCandidate : { "game", "content/game" } )
-		{
-			std::filesystem::path root = directory / pCandidate;
-			if ( std::filesystem::exists( root / "gameinfo.gi", error ) )
-				return root.string();
-		}
-		if ( directory == directory.root_path() )
-			break;
-	}
-	return std::string();
-}
-
-// Each line of a text, as "FILE: line".
+// Each line of a text, as "FILE: line" (or the line alone when it names its file already).
 static void PrintLines( FILE *pOut, const char *pFile, const char *pText )
 {
 	const char *pLine = pText;
@@ -41,16 +24,12 @@ static void PrintLines( FILE *pOut, const char *pFile, const char *pText )
 	{
 		const char *pEnd = strchr( pLine, '\n' );
 		size_t nLength = pEnd ? size_t( pEnd - pLine ) : strlen( pLine );
-		if ( nLength )
+		if ( nLength && pFile )
 			fprintf( pOut, "%s: %.*s\n", pFile, int( nLength ), pLine );
+		else if ( nLength )
+			fprintf( pOut, "%.*s\n", int( nLength ), pLine );
 		pLine = pEnd ? pEnd + 1 : nullptr;
 	}
-}
-
-static void ConnectParticleHost( const char *pFirstFile )
-{
-	SetParticleSystemMgr( HostParticleSystemMgr() );
-	SetParticleGameRoot( FindDefinitionGameRoot( pFirstFile ).c_str() );
 }
 
 static int RunTfxs( int argc, char **argv )
@@ -63,22 +42,43 @@ static int RunTfxs( int argc, char **argv )
 		fprintf( stderr, "%s", pUsage );
 		return 2;
 	}
-	ConnectParticleHost( argv[ 2 ] );
+	for ( int i = 2; i < argc; ++i )
+	{
+		if ( !*argv[ i ] || argv[ i ][ 0 ] == '-' )
+		{
+			fprintf( stderr, "zol tfxs: %s\n%s", *argv[ i ] ? ( std::string( "unknown option " ) + argv[ i ] ).c_str() : "an empty file name", pUsage );
+			return 2;
+		}
+	}
+	SetParticleSystemMgr( HostParticleSystemMgr() );
+	SetParticleGameRoot( ZolCliGameRootFor( argv[ 2 ] ).c_str() );
 
 	int nStatus = 0;
+	FILE *pReport = bFormat ? stderr : stdout;
 	for ( int i = 2; i < argc; ++i )
 	{
 		CZolDoc doc( false );
 		CUtlString error;
 		if ( !doc.LoadFromFile( argv[ i ], "", &error ) )
 		{
-			PrintLines( bFormat ? stderr : stdout, argv[ i ], error.Get() );
+			PrintLines( pReport, argv[ i ], error.Get() );
 			nStatus = 1;
 			continue;
 		}
-		PrintLines( bFormat ? stderr : stdout, argv[ i ], doc.GetLoadWarnings().Get() );
-		if ( !bFormat )
+		PrintLines( pReport, argv[ i ], doc.GetLoadWarnings().Get() );
+		if ( bCheck )
+		{
+			// What the preview and zol sim would make of it: function fields, inputs and
+			// the whole tree of children.
+			CUtlString warnings;
+			if ( !ZolCliCompileDefinition( argv[ i ], &error, &warnings ) )
+			{
+				PrintLines( pReport, nullptr, error.Get() );
+				nStatus = 1;
+			}
+			PrintLines( pReport, nullptr, warnings.Get() );
 			continue;
+		}
 		CUtlBuffer buffer;
 		if ( !doc.SaveToBuffer( &buffer, &error ) )
 		{
