@@ -98,12 +98,15 @@ void CSimDumpWriter::WriteCollection( int nFrame, double flSeconds, const IParti
 	const float *pRadius = c.Stream( PARTICLE_ATTRIBUTE_RADIUS );
 	const float *pAlpha = c.Stream( PARTICLE_ATTRIBUTE_ALPHA );
 	const double flInvDt = c.GetPreviousDt() > 0.0f ? 1.0 / double( c.GetPreviousDt() ) : 0.0;
+	auto fnField = [ this ]( const char *pName, const float *pValues, int i ) {
+		fprintf( m_pFile, ",\"%s\":", pName );
+		WriteNumber( m_pFile, pValues ? double( pValues[ i ] ) : 0.0 );
+	};
 	for ( int i = 0; i < c.Count(); ++i )
 	{
-		fprintf( m_pFile, "%s{\"id\":%u,\"created\":", i ? "," : "", pID ? unsigned( pID[ i ] ) : unsigned( i ) );
-		WriteNumber( m_pFile, pCreated ? double( pCreated[ i ] ) : 0.0 );
-		fputs( ",\"life\":", m_pFile );
-		WriteNumber( m_pFile, pLife ? double( pLife[ i ] ) : 0.0 );
+		fprintf( m_pFile, "%s{\"id\":%u", i ? "," : "", pID ? unsigned( pID[ i ] ) : unsigned( i ) );
+		fnField( "created", pCreated, i );
+		fnField( "life", pLife, i );
 		fputs( ",\"pos\":", m_pFile );
 		WriteVector( m_pFile, pPosition, i );
 		fputs( ",\"vel\":[", m_pFile );
@@ -113,10 +116,9 @@ void CSimDumpWriter::WriteCollection( int nFrame, double flSeconds, const IParti
 				fputc( ',', m_pFile );
 			WriteNumber( m_pFile, pPosition[ k ] && pPrevious[ k ] ? ( double( pPosition[ k ][ i ] ) - double( pPrevious[ k ][ i ] ) ) * flInvDt : 0.0 );
 		}
-		fputs( "],\"radius\":", m_pFile );
-		WriteNumber( m_pFile, pRadius ? double( pRadius[ i ] ) : 0.0 );
-		fputs( ",\"alpha\":", m_pFile );
-		WriteNumber( m_pFile, pAlpha ? double( pAlpha[ i ] ) : 0.0 );
+		fputc( ']', m_pFile );
+		fnField( "radius", pRadius, i );
+		fnField( "alpha", pAlpha, i );
 		fputs( ",\"color\":", m_pFile );
 		WriteVector( m_pFile, pColor, i );
 		fputc( '}', m_pFile );
