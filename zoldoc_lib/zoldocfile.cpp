@@ -142,7 +142,7 @@ void ReadConfigurations( KeyValues3 *pTree, CUtlString *pWarnings )
 
 // Functions the version's sanitising leaves out are told, so that a save never drops one
 // without a word: a class this build doesn't know, or one outside the file's version.
-void WarnOfDroppedFunctions( CZolRootNode *pRoot, int nVersion, CUtlString *pWarnings )
+void WarnOfDroppedFunctions( CZolRootNode *pRoot, int nVersion, bool bKeepUnknownClasses, CUtlString *pWarnings )
 {
 	for ( int nType = 0; nType < PARTICLE_FUNCTION_CLASS_LIST_COUNT; ++nType )
 	{
@@ -152,6 +152,8 @@ void WarnOfDroppedFunctions( CZolRootNode *pRoot, int nVersion, CUtlString *pWar
 			const char *pClass = pRoot->GetNode( eType, i )->GetClassName();
 			const char *pReplacement = GetReplacementForVersion( eType, pClass, nVersion );
 			if ( ( pReplacement && *pReplacement ) || IsFunctionValidForVersion( eType, pClass, nVersion ) )
+				continue;
+			if ( bKeepUnknownClasses && FindParticleFunctionClass( eType, pClass ) < 0 )
 				continue;
 			int nBelongs = -1;
 			for ( int nOther = 0; nOther < PARTICLE_FUNCTION_CLASS_LIST_COUNT && nBelongs < 0 && pClass && *pClass; ++nOther )
@@ -202,25 +204,37 @@ void RemoveDefaults( KeyValues3 *pTable, const char *pClassName )
 }
 } // namespace
 
-bool CZolDoc::LoadFromFile( const char *pPath, const char *pPathId, CUtlString *pError )
+void CZolDoc::DropRoot()
 {
 	delete m_pRoot;
 	m_pRoot = nullptr;
 	m_Selection.RemoveAll();
 	m_LoadWarnings.Clear();
-	CUtlString ignoredError;
-	if ( !pError )
-		pError = &ignoredError;
+}
 
+bool CZolDoc::LoadFromFile( const char *pPath, const char *pPathId, CUtlString *pError )
+{
 	CUtlBuffer buffer;
 	CUtlString reason;
 	if ( !ZolReadWholeFile( pPath, pPathId, &buffer, &reason ) )
 	{
-		pError->Format( "Failed to read file: %s", reason.Get() );
+		DropRoot();
+		if ( pError )
+			pError->Format( "Failed to read file: %s", reason.Get() );
 		return false;
 	}
+	return LoadFromBuffer( &buffer, pPath, pError );
+}
+
+bool CZolDoc::LoadFromBuffer( CUtlBuffer *pBuffer, const char *pSourceName, CUtlString *pError )
+{
+	DropRoot();
+	CUtlString ignoredError;
+	if ( !pError )
+		pError = &ignoredError;
+
 	KeyValues3 tree;
-	if ( !LoadKV3( &tree, pError, &buffer, KV3_FORMAT_TFXS, pPath ) )
+	if ( !LoadKV3( &tree, pError, pBuffer, KV3_FORMAT_TFXS, pSourceName ) )
 		return false;
 	const KeyValues3 *pClass = tree.IsTable() ? tree.FindMember( "_class" ) : nullptr;
 	if ( !pClass || !pClass->IsString() || V_strcmp( pClass->GetString(), ROOT_CLASS_NAME ) )
@@ -234,8 +248,8 @@ bool CZolDoc::LoadFromFile( const char *pPath, const char *pPathId, CUtlString *
 	m_pRoot = new CZolRootNode( this );
 	m_pRoot->TakeRootFromKV3( &tree );
 	// A file stays at its own version until the user upgrades it.
-	WarnOfDroppedFunctions( m_pRoot, GetBehaviorVersion(), &m_LoadWarnings );
-	SanitiseForVersion( m_pRoot, GetBehaviorVersion() );
+	WarnOfDroppedFunctions( m_pRoot, GetBehaviorVersion(), m_bKeepsUnknownFunctions, &m_LoadWarnings );
+	SanitiseForVersion( m_pRoot, GetBehaviorVersion(), m_bKeepsUnknownFunctions );
 	m_Selection.AddToTail( ZolElementRef_t::Root() );
 
 	RebuildAttributeLabels();
@@ -316,9 +330,10 @@ bool CZolDoc::SaveToFile( const char *pPath, CUtlString *pError, const SavePostP
 		pError->Format( "Serialization failed: %s (File: \"%s\")\n", serialiseError.Get(), pPath ? pPath : "" );
 		return false;
 	}
-	if ( !ZolWriteWholeFile( pPath, buffer ) )
+	CUtlString writeError;
+	if ( !ZolWriteWholeFile( pPath, buffer, &writeError ) )
 	{
-		pError->Set( "Could not write file.\n" );
+		pError->Format( "Could not write file.\n%s", writeError.Get() );
 		return false;
 	}
 	return true;

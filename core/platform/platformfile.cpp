@@ -17,7 +17,7 @@ void SetReason( CUtlString *pReason, const char *pText )
 		pReason->Set( pText );
 }
 
-bool ReadRegularFile( const char *pPath, size_t nMaxBytes, CUtlString *pReason, const std::function<void( const char *, size_t )> &fnAppend )
+bool ReadRegularFile( const char *pPath, size_t nMaxBytes, unsigned nFlags, CUtlString *pReason, const std::function<void( const char *, size_t )> &fnAppend )
 {
 	if ( !pPath || !*pPath )
 	{
@@ -45,7 +45,13 @@ bool ReadRegularFile( const char *pPath, size_t nMaxBytes, CUtlString *pReason, 
 		close( nFile );
 		return false;
 	}
-	if ( !S_ISREG( info.st_mode ) )
+	const bool bPipe = S_ISFIFO( info.st_mode ) && ( nFlags & PLAT_READ_ALLOW_PIPE );
+	if ( bPipe )
+	{
+		// A writer may be on its way: the pipe is read waiting for it from here on.
+		fcntl( nFile, F_SETFL, fcntl( nFile, F_GETFL ) & ~O_NONBLOCK );
+	}
+	else if ( !S_ISREG( info.st_mode ) )
 	{
 		SetReason( pReason, "not a regular file (a device, pipe or socket)" );
 		close( nFile );
@@ -53,7 +59,7 @@ bool ReadRegularFile( const char *pPath, size_t nMaxBytes, CUtlString *pReason, 
 	}
 	CUtlString limit;
 	limit.Format( "larger than the limit of %zu MiB", nMaxBytes >> 20 );
-	if ( info.st_size < 0 || uint64_t( info.st_size ) > nMaxBytes )
+	if ( !bPipe && ( info.st_size < 0 || uint64_t( info.st_size ) > nMaxBytes ) )
 	{
 		SetReason( pReason, nMaxBytes >= ( size_t( 1 ) << 20 ) ? limit.Get() : "larger than the limit" );
 		close( nFile );
@@ -91,12 +97,12 @@ bool ReadRegularFile( const char *pPath, size_t nMaxBytes, CUtlString *pReason, 
 }
 } // namespace
 
-bool Plat_ReadWholeFile( const char *pPath, CUtlBuffer *pBuffer, CUtlString *pReason, size_t nMaxBytes )
+bool Plat_ReadWholeFile( const char *pPath, CUtlBuffer *pBuffer, CUtlString *pReason, size_t nMaxBytes, unsigned nFlags )
 {
-	return ReadRegularFile( pPath, nMaxBytes, pReason, [ pBuffer ]( const char *pData, size_t nSize ) { pBuffer->Put( pData, nSize ); } );
+	return ReadRegularFile( pPath, nMaxBytes, nFlags, pReason, [ pBuffer ]( const char *pData, size_t nSize ) { pBuffer->Put( pData, nSize ); } );
 }
 
-bool Plat_ReadWholeFile( const char *pPath, std::string *pText, CUtlString *pReason, size_t nMaxBytes )
+bool Plat_ReadWholeFile( const char *pPath, std::string *pText, CUtlString *pReason, size_t nMaxBytes, unsigned nFlags )
 {
-	return ReadRegularFile( pPath, nMaxBytes, pReason, [ pText ]( const char *pData, size_t nSize ) { pText->append( pData, nSize ); } );
+	return ReadRegularFile( pPath, nMaxBytes, nFlags, pReason, [ pText ]( const char *pData, size_t nSize ) { pText->append( pData, nSize ); } );
 }

@@ -2,7 +2,8 @@
 # Every command on misuse and on hostile files: a refusal with status 2 (misuse) or 1 (a
 # file refused), a message that names the file and the reason, never a crash or a hang.
 # usage: hostile_cli_test.sh ZOL SOURCE_DIR
-set -uo pipefail
+# No pipefail: `echo "$out" | grep -q` would fail whenever grep stops reading early.
+set -u
 zol=$1
 src=$2
 failures=0

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <filesystem>
 #include <string>
@@ -63,6 +64,46 @@ TEST( PlatformFile, RefusesWhatIsNoRegularFileOrTooLargeWithTheReason )
 	EXPECT_EQ( Refusal( "" ), "no file name given" );
 	EXPECT_EQ( Refusal( ( scratch.Content() / "big.txt" ).string(), 1999 ), "larger than the limit" );
 	EXPECT_EQ( Refusal( ( scratch.Content() / "big.txt" ).string(), 2000 ), "<read 2000 bytes>" );
+}
+
+// What a shell's "<(...)" hands over (a pipe named /dev/fd/N) is read when the caller
+// allows pipes, within the limit; a pipe no one writes to reads as empty; devices never.
+TEST( PlatformFile, PipesAreReadOnlyWhenAllowedAndWithinTheLimit )
+{
+	auto fnPipeHolding = []( size_t nBytes, int *pReadEnd ) {
+		int ends[ 2 ];
+		EXPECT_EQ( pipe( ends ), 0 );
+		const std::string text( nBytes, 'p' );
+		EXPECT_EQ( write( ends[ 1 ], text.data(), text.size() ), ssize_t( nBytes ) );
+		close( ends[ 1 ] );
+		*pReadEnd = ends[ 0 ];
+		return "/dev/fd/" + std::to_string( ends[ 0 ] );
+	};
+	int nReadEnd;
+	std::string path = fnPipeHolding( 3000, &nReadEnd );
+	std::string text;
+	CUtlString reason;
+	EXPECT_FALSE( Plat_ReadWholeFile( path.c_str(), &text, &reason ) );
+	EXPECT_STREQ( reason.Get(), "not a regular file (a device, pipe or socket)" );
+	EXPECT_TRUE( Plat_ReadWholeFile( path.c_str(), &text, &reason, PLAT_MAX_READ_FILE_BYTES, PLAT_READ_ALLOW_PIPE ) ) << reason.Get();
+	EXPECT_EQ( text.size(), 3000u );
+	close( nReadEnd );
+
+	path = fnPipeHolding( 5000, &nReadEnd );
+	text.clear();
+	EXPECT_FALSE( Plat_ReadWholeFile( path.c_str(), &text, &reason, 4096, PLAT_READ_ALLOW_PIPE ) );
+	EXPECT_STREQ( reason.Get(), "larger than the limit" );
+	close( nReadEnd );
+
+	CHostScratchDirectory scratch;
+	const std::filesystem::path fifo = scratch.Content() / "pipe";
+	ASSERT_EQ( mkfifo( fifo.c_str(), 0600 ), 0 );
+	text.clear();
+	EXPECT_TRUE( Plat_ReadWholeFile( fifo.c_str(), &text, &reason, PLAT_MAX_READ_FILE_BYTES, PLAT_READ_ALLOW_PIPE ) );
+	EXPECT_TRUE( text.empty() );
+
+	EXPECT_FALSE( Plat_ReadWholeFile( "/dev/zero", &text, &reason, PLAT_MAX_READ_FILE_BYTES, PLAT_READ_ALLOW_PIPE ) );
+	EXPECT_STREQ( reason.Get(), "not a regular file (a device, pipe or socket)" );
 }
 
 TEST( PlatformFile, TheFileSystemAndGameInformationRefuseDevicesByName )

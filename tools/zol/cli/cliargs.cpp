@@ -16,6 +16,25 @@ namespace
 {
 ZolCliRoots_t s_Roots;
 
+// The nearest folder from here up with "game/gameinfo.gi" or "content/game/gameinfo.gi"
+// (content/content/... files sit beside content/game), as its game folder.
+std::string FindGameRootAbove( fs::path directory )
+{
+	std::error_code error;
+	for ( ; !directory.empty(); directory = directory.parent_path() )
+	{
+		for ( const char *pCandidate : { "game", "content/game" } )
+		{
+			fs::path root = directory / pCandidate;
+			if ( fs::exists( root / "gameinfo.gi", error ) )
+				return root.string();
+		}
+		if ( directory == directory.root_path() )
+			break;
+	}
+	return std::string();
+}
+
 std::string AbsoluteDirectory( const char *pPath )
 {
 	std::error_code error;
@@ -69,23 +88,10 @@ std::string ZolCliGameRootFor( const char *pFile )
 	if ( !s_Roots.m_GameRoot.empty() )
 		return s_Roots.m_GameRoot;
 	std::error_code error;
+	std::string root;
 	if ( pFile && *pFile )
-	{
-		fs::path directory = fs::absolute( pFile, error ).lexically_normal().parent_path();
-		for ( ; !error && !directory.empty(); directory = directory.parent_path() )
-		{
-			for ( const char *pCandidate : { "game", "content/game" } )
-			{
-				fs::path root = directory / pCandidate;
-				if ( fs::exists( root / "gameinfo.gi", error ) )
-					return root.string();
-			}
-			if ( directory == directory.root_path() )
-				break;
-		}
-	}
-	fs::path below = fs::current_path( error ) / "content" / "game";
-	return !error && fs::is_directory( below, error ) ? below.string() : std::string();
+		root = FindGameRootAbove( fs::absolute( pFile, error ).lexically_normal().parent_path() );
+	return root.empty() ? FindGameRootAbove( fs::current_path( error ) ) : root;
 }
 
 std::string ZolCliContentRootFor( const char *pFile )

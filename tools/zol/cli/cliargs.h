@@ -21,8 +21,9 @@ const ZolCliRoots_t &ZolCliRoots();
 void ZolCliSetRoots( const ZolCliRoots_t &roots );
 
 // The game root a command works in for a file: --game, else the nearest folder above the
-// file with "game/gameinfo.gi" or "content/game/gameinfo.gi", else "content/game" below the
-// working directory. Empty when none exists.
+// file with "game/gameinfo.gi" or "content/game/gameinfo.gi", else the same above the
+// working folder (version control hands over copies of old versions in a temporary
+// folder). Empty when none exists.
 std::string ZolCliGameRootFor( const char *pFile );
 // The content root children of a definition resolve in: --content, else the folder above
 // the "particles" folder that holds the file, else the file's own folder.

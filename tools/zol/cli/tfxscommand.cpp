@@ -8,29 +8,10 @@
 #include <string>
 
 #include "core/containers/utlbuffer.h"
-#include "core/particles/hostparticlesystemmgr.h"
-#include "core/particles/iparticlesystemmgr.h"
-#include "tools/zol/cli/cliargs.h"
 #include "tools/zol/cli/clicommand.h"
 #include "tools/zol/cli/clidefinition.h"
-#include "zoldoc_lib/particlegamedata.h"
+#include "tools/zol/cli/clitfxs.h"
 #include "zoldoc_lib/zoldoc.h"
-
-// Each line of a text, as "FILE: line" (or the line alone when it names its file already).
-static void PrintLines( FILE *pOut, const char *pFile, const char *pText )
-{
-	const char *pLine = pText;
-	while ( pLine && *pLine )
-	{
-		const char *pEnd = strchr( pLine, '\n' );
-		size_t nLength = pEnd ? size_t( pEnd - pLine ) : strlen( pLine );
-		if ( nLength && pFile )
-			fprintf( pOut, "%s: %.*s\n", pFile, int( nLength ), pLine );
-		else if ( nLength )
-			fprintf( pOut, "%.*s\n", int( nLength ), pLine );
-		pLine = pEnd ? pEnd + 1 : nullptr;
-	}
-}
 
 static int RunTfxs( int argc, char **argv )
 {
@@ -50,8 +31,7 @@ static int RunTfxs( int argc, char **argv )
 			return 2;
 		}
 	}
-	SetParticleSystemMgr( HostParticleSystemMgr() );
-	SetParticleGameRoot( ZolCliGameRootFor( argv[ 2 ] ).c_str() );
+	ConnectParticleHostForDefinition( argv[ 2 ] );
 
 	int nStatus = 0;
 	FILE *pReport = bFormat ? stderr : stdout;
@@ -61,28 +41,28 @@ static int RunTfxs( int argc, char **argv )
 		CUtlString error;
 		if ( !doc.LoadFromFile( argv[ i ], "", &error ) )
 		{
-			PrintLines( pReport, argv[ i ], error.Get() );
+			PrintFileLines( pReport, argv[ i ], error.Get() );
 			nStatus = 1;
 			continue;
 		}
-		PrintLines( pReport, argv[ i ], doc.GetLoadWarnings().Get() );
+		PrintFileLines( pReport, argv[ i ], doc.GetLoadWarnings().Get() );
 		if ( bCheck )
 		{
 			// What the preview and zol sim would make of it: function fields, inputs and
-			// the whole tree of children.
+			// the whole tree of children. Their messages name their files.
 			CUtlString warnings;
 			if ( !ZolCliCompileDefinition( argv[ i ], &error, &warnings ) )
 			{
-				PrintLines( pReport, nullptr, error.Get() );
+				PrintFileLines( pReport, nullptr, error.Get() );
 				nStatus = 1;
 			}
-			PrintLines( pReport, nullptr, warnings.Get() );
+			PrintFileLines( pReport, nullptr, warnings.Get() );
 			continue;
 		}
 		CUtlBuffer buffer;
 		if ( !doc.SaveToBuffer( &buffer, &error ) )
 		{
-			PrintLines( stderr, argv[ i ], error.Get() );
+			PrintFileLines( stderr, argv[ i ], error.Get() );
 			nStatus = 1;
 			continue;
 		}
@@ -91,5 +71,6 @@ static int RunTfxs( int argc, char **argv )
 	return nStatus;
 }
 
-static CZolCliCommandRegistrar s_TfxsCommand( { "tfxs", "tfxs check|fmt FILE...",
-	"reports why particle system definitions are refused or read leniently (check), or prints one as a save writes it (fmt)", RunTfxs } );
+static CZolCliSubcommandRegistrar s_TfxsCheck( "tfxs", "check", "tfxs check FILE...",
+	"reports why particle system definitions are refused (as zol sim and the preview would) or read leniently", RunTfxs );
+static CZolCliSubcommandRegistrar s_TfxsFormat( "tfxs", "fmt", "tfxs fmt FILE", "prints a definition as a save writes it", RunTfxs );
