@@ -9,9 +9,7 @@
 #include "zoldoc_lib/zolconfigurationreader.h"
 #include "zoldoc_lib/zolcontrolpointstate.h"
 
-namespace
-{
-const KeyValues3 *FindConfiguration( const KeyValues3 &definition, const char *pName )
+const KeyValues3 *FindZolConfiguration( const KeyValues3 &definition, const char *pName )
 {
 	const KeyValues3 *pConfigurations = definition.IsTable() ? definition.FindMember( "m_controlPointConfigurations" ) : nullptr;
 	for ( int i = 0; pConfigurations && pConfigurations->IsArray() && i < pConfigurations->GetArrayElementCount(); ++i )
@@ -23,6 +21,14 @@ const KeyValues3 *FindConfiguration( const KeyValues3 &definition, const char *p
 	return nullptr;
 }
 
+const char *GetZolConfigurationPreviewModel( const KeyValues3 &configuration )
+{
+	const KeyValues3 *pPreviewState = configuration.IsTable() ? configuration.FindMember( "m_previewState" ) : nullptr;
+	return pPreviewState && pPreviewState->IsTable() ? pPreviewState->GetMemberString( "m_previewModel" ) : "";
+}
+
+namespace
+{
 // Every entity of a headless run is the configuration's preview model; the declared
 // values come from the definition's variables.
 class CPlaybackHost final : public IZolControlPointStateHost
@@ -75,7 +81,7 @@ void GetZolConfigurationNames( const KeyValues3 &definition, CUtlVector<CUtlStri
 bool PlayZolConfiguration( const KeyValues3 &definition, const char *pName, const CParticleDefinitionUsage &usage, IParticleCollection *pCollection,
 	CUtlString *pError, CUtlString *pWarning )
 {
-	const KeyValues3 *pFound = FindConfiguration( definition, pName ? pName : "" );
+	const KeyValues3 *pFound = FindZolConfiguration( definition, pName ? pName : "" );
 	if ( !pFound )
 	{
 		if ( pError )
@@ -99,8 +105,7 @@ bool PlayZolConfiguration( const KeyValues3 &definition, const char *pName, cons
 	KeyValues3 configuration;
 	CKV3TransferLoadContext context;
 	ReadControlPointConfiguration( pFound, &configuration, &context );
-	const KeyValues3 *pPreviewState = configuration.FindMember( "m_previewState" );
-	const char *pModel = pPreviewState ? pPreviewState->GetMemberString( "m_previewModel" ) : "";
+	const char *pModel = GetZolConfigurationPreviewModel( configuration );
 
 	CZolCollectionPreviewTarget target( pCollection );
 	if ( *pModel )

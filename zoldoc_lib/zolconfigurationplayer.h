@@ -14,6 +14,11 @@ class KeyValues3;
 
 // The names of a definition tree's configurations, in file order.
 void GetZolConfigurationNames( const KeyValues3 &definition, CUtlVector<CUtlString> *pNames );
+// The configuration of that name (ignoring case) as the file holds it, or null.
+const KeyValues3 *FindZolConfiguration( const KeyValues3 &definition, const char *pName );
+// The model its preview state shows (a resource name, "models/crate.tmsh"), or empty. Where
+// models aren't found on demand, the caller loads it before playing.
+const char *GetZolConfigurationPreviewModel( const KeyValues3 &configuration );
 
 // Applies the configuration named pName (ignoring case) of the definition tree to the
 // collection. False, with the reason, when the definition has no such configuration; a
