@@ -1,7 +1,5 @@
 #include "core/particles/sim/controlpointusage.h"
 
-#include "core/particles/controlpointusagekind.h"
-
 HostControlPointUsage_t HostControlPointUsage_t::Make( const ParticleParamID_t &id, int nUsageKind, uint8_t nAccess, int nComponent )
 {
 	HostControlPointUsage_t usage;
