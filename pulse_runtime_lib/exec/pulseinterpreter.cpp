@@ -1,0 +1,558 @@
+// The run loop: one switch over the bound operations. Binding has checked every operand
+// and typed every operator, so an operation reads its registers at fixed byte offsets
+// and never tests a type or a bound. Operations that can move the cursor (returns, calls,
+// leaps, invokes, anything that runs other cursors) go through ExecuteSlow, after which
+// the loop takes up the frame afresh.
+
+#include <cmath>
+#include <cstring>
+
+#include "pulse_runtime_lib/cells/pulsecells.h"
+#include "pulse_runtime_lib/cells/pulsefunctionbinding.h"
+#include "pulse_runtime_lib/exec/pulseargpack.h"
+#include "pulse_runtime_lib/exec/pulseexeccursor.h"
+#include "pulse_runtime_lib/exec/pulsegraphinstance.h"
+#include "pulse_runtime_lib/graph/pulsegraphdef.h"
+#include "pulse_runtime_lib/system/ipulsesystem.h"
+#include "pulse_runtime_lib/valuetypes/pulsearraydata.h"
+#include "pulse_runtime_lib/valuetypes/pulsetypeservice.h"
+#include "pulse_runtime_lib/valuetypes/pulsevalue.h"
+#include "pulse_runtime_lib/valuetypes/pulsevalueconvert.h"
+#include "pulse_runtime_lib/valuetypes/pulsevaluestorage.h"
+
+using enum PulseInstructionCode_t;
+
+namespace
+{
+template <typename T> inline T &Reg( unsigned char *pRegs, uint16_t nOffset )
+{
+	return *reinterpret_cast<T *>( pRegs + nOffset );
+}
+
+inline float *Floats( unsigned char *pRegs, uint16_t nOffset )
+{
+	return reinterpret_cast<float *>( pRegs + nOffset );
+}
+
+template <int N> inline void VecNegate( float *pOut, const float *pA )
+{
+	for ( int i = 0; i < N; ++i )
+		pOut[ i ] = -pA[ i ];
+}
+template <int N> inline void VecAdd( float *pOut, const float *pA, const float *pB )
+{
+	for ( int i = 0; i < N; ++i )
+		pOut[ i ] = pA[ i ] + pB[ i ];
+}
+template <int N> inline void VecSub( float *pOut, const float *pA, const float *pB )
+{
+	for ( int i = 0; i < N; ++i )
+		pOut[ i ] = pA[ i ] - pB[ i ];
+}
+template <int N> inline void VecScale( float *pOut, const float *pA, float flScale )
+{
+	for ( int i = 0; i < N; ++i )
+		pOut[ i ] = pA[ i ] * flScale;
+}
+template <int N> inline float VecElement( const float *pA, int32_t nIndex )
+{
+	return pA[ nIndex < 0 ? 0 : nIndex > N - 1 ? N - 1 : nIndex ];
+}
+
+// Integers wrap at 32 bits.
+inline int32_t WrapAdd( int32_t a, int32_t b ) { return int32_t( uint32_t( a ) + uint32_t( b ) ); }
+inline int32_t WrapSub( int32_t a, int32_t b ) { return int32_t( uint32_t( a ) - uint32_t( b ) ); }
+inline int32_t WrapMul( int32_t a, int32_t b ) { return int32_t( uint32_t( a ) * uint32_t( b ) ); }
+
+// Two handles are equal with the same bits, or when neither resolves: dead is dead.
+bool HandlesEqual( const CPulseValueFullType &type, const void *pA, const void *pB, size_t nBytes )
+{
+	if ( memcmp( pA, pB, nBytes ) == 0 )
+		return true;
+	return !PulseValue_IsValid( type, pA ) && !PulseValue_IsValid( type, pB );
+}
+} // namespace
+
+template <bool bTrace> void CPulseExecCursor::Interpret( int *pCount )
+{
+	IPulseSystem *pSystem = m_pInstance->GetSystem();
+	for ( ;; )
+	{
+		const CPulse_Chunk *pChunk = m_Active.m_pChunk;
+		const PulseOp_t *pOps = pChunk->m_Ops.data();
+		unsigned char *pRegs = m_Active.m_Registers.Data();
+		int nPos = m_Active.m_nInstruction;
+		int nCount = *pCount;
+		for ( ;; )
+		{
+			if ( ++nCount > MAX_INSTRUCTIONS_PER_RUN )
+			{
+				m_Active.m_nInstruction = nPos;
+				*pCount = nCount;
+				m_pInstance->OnInfiniteLoop( nCount );
+				Terminate( PulseCursorExecResult_t::Failed );
+				return;
+			}
+			const PulseOp_t &op = pOps[ nPos ];
+			if constexpr ( bTrace )
+				pSystem->TraceInstruction( this, op.m_nCode, pChunk->GetFlowNodeID( nPos ) );
+			switch ( op.m_nCode )
+			{
+			case int( INVALID ):
+			case int( NOP ):
+			case int( LAST_SERIALIZED_CODE ): ++nPos; continue;
+			case int( JUMP ): nPos = op.m_nA; continue;
+			case int( JUMP_COND ): nPos = Reg<bool>( pRegs, op.m_nReg0 ) ? op.m_nA : nPos + 1; continue;
+
+			case PULSE_OP_COPY_BYTES: memcpy( pRegs + op.m_nReg0, pRegs + op.m_nReg1, size_t( op.m_nA ) ); ++nPos; continue;
+			case PULSE_OP_LOAD_BYTES: memcpy( pRegs + op.m_nReg0, op.m_pData, size_t( op.m_nA ) ); ++nPos; continue;
+			case PULSE_OP_GET_VAR_BYTES: memcpy( pRegs + op.m_nReg0, m_pInstance->GetStateBlock() + op.m_nB, size_t( op.m_nA ) ); ++nPos; continue;
+			case PULSE_OP_SET_VAR_BYTES:
+				memcpy( m_pInstance->GetStateBlock() + op.m_nB, pRegs + op.m_nReg0, size_t( op.m_nA ) );
+				m_pInstance->SetVariableDetached( op.m_nC, false );
+				++nPos;
+				continue;
+			case int( COPY ): PulseValue_Copy( *op.m_pType, pRegs + op.m_nReg0, pRegs + op.m_nReg1 ); ++nPos; continue;
+			case PULSE_OP_COPY_MISMATCH: m_Active.SetDetached( op.m_nRegIndex0, false ); ++nPos; continue;
+			case int( GET_CONST ):
+			case int( GET_CONST_INLINE_STORAGE ):
+				if ( op.m_pData )
+					PulseValue_Copy( *op.m_pType, pRegs + op.m_nReg0, op.m_pData );
+				++nPos;
+				continue;
+
+			case int( NOT ): Reg<bool>( pRegs, op.m_nReg0 ) = !Reg<bool>( pRegs, op.m_nReg1 ); ++nPos; continue;
+			case int( AND ): Reg<bool>( pRegs, op.m_nReg0 ) = Reg<bool>( pRegs, op.m_nReg1 ) && Reg<bool>( pRegs, op.m_nReg2 ); ++nPos; continue;
+			case int( OR ): Reg<bool>( pRegs, op.m_nReg0 ) = Reg<bool>( pRegs, op.m_nReg1 ) || Reg<bool>( pRegs, op.m_nReg2 ); ++nPos; continue;
+
+			case int( NEGATE_INT ): Reg<int32_t>( pRegs, op.m_nReg0 ) = WrapSub( 0, Reg<int32_t>( pRegs, op.m_nReg1 ) ); ++nPos; continue;
+			case int( NEGATE_FLOAT ): Reg<float>( pRegs, op.m_nReg0 ) = -Reg<float>( pRegs, op.m_nReg1 ); ++nPos; continue;
+			case int( NEGATE_VEC2 ): VecNegate<2>( Floats( pRegs, op.m_nReg0 ), Floats( pRegs, op.m_nReg1 ) ); ++nPos; continue;
+			case int( NEGATE_VEC3 ): VecNegate<3>( Floats( pRegs, op.m_nReg0 ), Floats( pRegs, op.m_nReg1 ) ); ++nPos; continue;
+			case int( NEGATE_VEC4 ): VecNegate<4>( Floats( pRegs, op.m_nReg0 ), Floats( pRegs, op.m_nReg1 ) ); ++nPos; continue;
+
+			case int( ADD_INT ): Reg<int32_t>( pRegs, op.m_nReg0 ) = WrapAdd( Reg<int32_t>( pRegs, op.m_nReg1 ), Reg<int32_t>( pRegs, op.m_nReg2 ) ); ++nPos; continue;
+			case int( ADD_FLOAT ):
+			case int( ADD_GAMETIME_FLOAT ):
+			case int( ADD_FLOAT_GAMETIME ): Reg<float>( pRegs, op.m_nReg0 ) = Reg<float>( pRegs, op.m_nReg1 ) + Reg<float>( pRegs, op.m_nReg2 ); ++nPos; continue;
+			case int( ADD_STRING ):
+			{
+				CUtlString text( PulseValue_GetString( pRegs + op.m_nReg1 ) );
+				text += PulseValue_GetString( pRegs + op.m_nReg2 );
+				PulseValue_SetString( pRegs + op.m_nReg0, text.Get() );
+				++nPos;
+				continue;
+			}
+			case int( ADD_VEC2 ): VecAdd<2>( Floats( pRegs, op.m_nReg0 ), Floats( pRegs, op.m_nReg1 ), Floats( pRegs, op.m_nReg2 ) ); ++nPos; continue;
+			case int( ADD_VEC3 ):
+			case int( ADD_VEC3WS_VEC3 ):
+			case int( ADD_VEC3_VEC3WS ): VecAdd<3>( Floats( pRegs, op.m_nReg0 ), Floats( pRegs, op.m_nReg1 ), Floats( pRegs, op.m_nReg2 ) ); ++nPos; continue;
+			case int( ADD_VEC4 ): VecAdd<4>( Floats( pRegs, op.m_nReg0 ), Floats( pRegs, op.m_nReg1 ), Floats( pRegs, op.m_nReg2 ) ); ++nPos; continue;
+
+			case int( SUB_INT ): Reg<int32_t>( pRegs, op.m_nReg0 ) = WrapSub( Reg<int32_t>( pRegs, op.m_nReg1 ), Reg<int32_t>( pRegs, op.m_nReg2 ) ); ++nPos; continue;
+			case int( SUB_FLOAT ):
+			case int( SUB_GAMETIME_FLOAT ):
+			case int( SUB_GAMETIME ): Reg<float>( pRegs, op.m_nReg0 ) = Reg<float>( pRegs, op.m_nReg1 ) - Reg<float>( pRegs, op.m_nReg2 ); ++nPos; continue;
+			case int( SUB_VEC2 ): VecSub<2>( Floats( pRegs, op.m_nReg0 ), Floats( pRegs, op.m_nReg1 ), Floats( pRegs, op.m_nReg2 ) ); ++nPos; continue;
+			case int( SUB_VEC3 ):
+			case int( SUB_VEC3WS_VEC3 ):
+			case int( SUB_VEC3WS_VEC3WS ): VecSub<3>( Floats( pRegs, op.m_nReg0 ), Floats( pRegs, op.m_nReg1 ), Floats( pRegs, op.m_nReg2 ) ); ++nPos; continue;
+			case int( SUB_VEC4 ): VecSub<4>( Floats( pRegs, op.m_nReg0 ), Floats( pRegs, op.m_nReg1 ), Floats( pRegs, op.m_nReg2 ) ); ++nPos; continue;
+
+			case int( MUL_INT ): Reg<int32_t>( pRegs, op.m_nReg0 ) = WrapMul( Reg<int32_t>( pRegs, op.m_nReg1 ), Reg<int32_t>( pRegs, op.m_nReg2 ) ); ++nPos; continue;
+			case int( MUL_FLOAT ): Reg<float>( pRegs, op.m_nReg0 ) = Reg<float>( pRegs, op.m_nReg1 ) * Reg<float>( pRegs, op.m_nReg2 ); ++nPos; continue;
+			case int( DIV_FLOAT ):
+			{
+				float flDivisor = Reg<float>( pRegs, op.m_nReg2 );
+				if ( flDivisor == 0.0f )
+				{
+					m_Active.m_nInstruction = nPos;
+					Warning( "Divide by zero!" );
+				}
+				Reg<float>( pRegs, op.m_nReg0 ) = Reg<float>( pRegs, op.m_nReg1 ) / flDivisor;
+				++nPos;
+				continue;
+			}
+			case int( MOD_INT ):
+			{
+				// A zero divisor, and the one quotient that doesn't fit, give 0.
+				int32_t a = Reg<int32_t>( pRegs, op.m_nReg1 ), b = Reg<int32_t>( pRegs, op.m_nReg2 );
+				if ( b == 0 )
+				{
+					m_Active.m_nInstruction = nPos;
+					Warning( "Divide by zero!" );
+					Reg<int32_t>( pRegs, op.m_nReg0 ) = 0;
+				}
+				else
+				{
+					Reg<int32_t>( pRegs, op.m_nReg0 ) = b == -1 ? 0 : a % b;
+				}
+				++nPos;
+				continue;
+			}
+			case int( MOD_FLOAT ):
+			{
+				float flDivisor = Reg<float>( pRegs, op.m_nReg2 );
+				if ( flDivisor == 0.0f )
+				{
+					m_Active.m_nInstruction = nPos;
+					Warning( "Divide by zero!" );
+				}
+				Reg<float>( pRegs, op.m_nReg0 ) = std::fmod( Reg<float>( pRegs, op.m_nReg1 ), flDivisor );
+				++nPos;
+				continue;
+			}
+
+			case int( LT_INT ): Reg<bool>( pRegs, op.m_nReg0 ) = Reg<int32_t>( pRegs, op.m_nReg1 ) < Reg<int32_t>( pRegs, op.m_nReg2 ); ++nPos; continue;
+			case int( LT_FLOAT ):
+			case int( LT_GAMETIME ): Reg<bool>( pRegs, op.m_nReg0 ) = Reg<float>( pRegs, op.m_nReg1 ) < Reg<float>( pRegs, op.m_nReg2 ); ++nPos; continue;
+			case int( LTE_INT ): Reg<bool>( pRegs, op.m_nReg0 ) = Reg<int32_t>( pRegs, op.m_nReg1 ) <= Reg<int32_t>( pRegs, op.m_nReg2 ); ++nPos; continue;
+			case int( LTE_FLOAT ):
+			case int( LTE_GAMETIME ): Reg<bool>( pRegs, op.m_nReg0 ) = Reg<float>( pRegs, op.m_nReg1 ) <= Reg<float>( pRegs, op.m_nReg2 ); ++nPos; continue;
+
+			case int( EQ_BOOL ): Reg<bool>( pRegs, op.m_nReg0 ) = Reg<bool>( pRegs, op.m_nReg1 ) == Reg<bool>( pRegs, op.m_nReg2 ); ++nPos; continue;
+			case int( NE_BOOL ): Reg<bool>( pRegs, op.m_nReg0 ) = Reg<bool>( pRegs, op.m_nReg1 ) != Reg<bool>( pRegs, op.m_nReg2 ); ++nPos; continue;
+			case int( EQ_INT ):
+			case int( EQ_COLOR_RGB ): Reg<bool>( pRegs, op.m_nReg0 ) = Reg<uint32_t>( pRegs, op.m_nReg1 ) == Reg<uint32_t>( pRegs, op.m_nReg2 ); ++nPos; continue;
+			case int( NE_INT ):
+			case int( NE_COLOR_RGB ): Reg<bool>( pRegs, op.m_nReg0 ) = Reg<uint32_t>( pRegs, op.m_nReg1 ) != Reg<uint32_t>( pRegs, op.m_nReg2 ); ++nPos; continue;
+			case int( EQ_ENTITY_NAME ): Reg<bool>( pRegs, op.m_nReg0 ) = Reg<CGlobalSymbol>( pRegs, op.m_nReg1 ) == Reg<CGlobalSymbol>( pRegs, op.m_nReg2 ); ++nPos; continue;
+			case int( NE_ENTITY_NAME ): Reg<bool>( pRegs, op.m_nReg0 ) = !( Reg<CGlobalSymbol>( pRegs, op.m_nReg1 ) == Reg<CGlobalSymbol>( pRegs, op.m_nReg2 ) ); ++nPos; continue;
+			case int( EQ_EHANDLE ):
+			case int( EQ_OPAQUE_HANDLE ):
+			case int( EQ_TEST_HANDLE ): Reg<bool>( pRegs, op.m_nReg0 ) = HandlesEqual( *op.m_pType, pRegs + op.m_nReg1, pRegs + op.m_nReg2, 4 ); ++nPos; continue;
+			case int( NE_EHANDLE ):
+			case int( NE_OPAQUE_HANDLE ):
+			case int( NE_TEST_HANDLE ): Reg<bool>( pRegs, op.m_nReg0 ) = !HandlesEqual( *op.m_pType, pRegs + op.m_nReg1, pRegs + op.m_nReg2, 4 ); ++nPos; continue;
+			case int( EQ_PANEL_HANDLE ): Reg<bool>( pRegs, op.m_nReg0 ) = HandlesEqual( *op.m_pType, pRegs + op.m_nReg1, pRegs + op.m_nReg2, 8 ); ++nPos; continue;
+			case int( NE_PANEL_HANDLE ): Reg<bool>( pRegs, op.m_nReg0 ) = !HandlesEqual( *op.m_pType, pRegs + op.m_nReg1, pRegs + op.m_nReg2, 8 ); ++nPos; continue;
+			case int( EQ_FLOAT ):
+			case int( EQ_VEC2 ):
+			case int( EQ_VEC3 ):
+			case int( EQ_VEC3WS ):
+			case int( EQ_VEC4 ):
+			case int( EQ_STRING ):
+			case int( EQ_SCHEMA_ENUM ):
+			case int( EQ_ARRAY ):
+			case int( EQ_GAMETIME ): Reg<bool>( pRegs, op.m_nReg0 ) = PulseValue_IsEqual( *op.m_pType, pRegs + op.m_nReg1, pRegs + op.m_nReg2 ); ++nPos; continue;
+			case int( NE_FLOAT ):
+			case int( NE_VEC2 ):
+			case int( NE_VEC3 ):
+			case int( NE_VEC3WS ):
+			case int( NE_VEC4 ):
+			case int( NE_STRING ):
+			case int( NE_SCHEMA_ENUM ):
+			case int( NE_ARRAY ):
+			case int( NE_GAMETIME ): Reg<bool>( pRegs, op.m_nReg0 ) = !PulseValue_IsEqual( *op.m_pType, pRegs + op.m_nReg1, pRegs + op.m_nReg2 ); ++nPos; continue;
+
+			case int( SCALE_VEC2 ): VecScale<2>( Floats( pRegs, op.m_nReg0 ), Floats( pRegs, op.m_nReg1 ), Reg<float>( pRegs, op.m_nReg2 ) ); ++nPos; continue;
+			case int( SCALE_VEC3 ): VecScale<3>( Floats( pRegs, op.m_nReg0 ), Floats( pRegs, op.m_nReg1 ), Reg<float>( pRegs, op.m_nReg2 ) ); ++nPos; continue;
+			case int( SCALE_VEC4 ): VecScale<4>( Floats( pRegs, op.m_nReg0 ), Floats( pRegs, op.m_nReg1 ), Reg<float>( pRegs, op.m_nReg2 ) ); ++nPos; continue;
+			case int( SCALE_INV_VEC2 ): VecScale<2>( Floats( pRegs, op.m_nReg0 ), Floats( pRegs, op.m_nReg1 ), 1.0f / Reg<float>( pRegs, op.m_nReg2 ) ); ++nPos; continue;
+			case int( SCALE_INV_VEC3 ): VecScale<3>( Floats( pRegs, op.m_nReg0 ), Floats( pRegs, op.m_nReg1 ), 1.0f / Reg<float>( pRegs, op.m_nReg2 ) ); ++nPos; continue;
+			case int( SCALE_INV_VEC4 ): VecScale<4>( Floats( pRegs, op.m_nReg0 ), Floats( pRegs, op.m_nReg1 ), 1.0f / Reg<float>( pRegs, op.m_nReg2 ) ); ++nPos; continue;
+
+			case int( ELEMENT_ACCESS_VEC2 ): Reg<float>( pRegs, op.m_nReg0 ) = VecElement<2>( Floats( pRegs, op.m_nReg1 ), Reg<int32_t>( pRegs, op.m_nReg2 ) ); ++nPos; continue;
+			case int( ELEMENT_ACCESS_VEC3 ):
+			case int( ELEMENT_ACCESS_VEC3WS ): Reg<float>( pRegs, op.m_nReg0 ) = VecElement<3>( Floats( pRegs, op.m_nReg1 ), Reg<int32_t>( pRegs, op.m_nReg2 ) ); ++nPos; continue;
+			case int( ELEMENT_ACCESS_VEC4 ): Reg<float>( pRegs, op.m_nReg0 ) = VecElement<4>( Floats( pRegs, op.m_nReg1 ), Reg<int32_t>( pRegs, op.m_nReg2 ) ); ++nPos; continue;
+			case int( ELEMENT_ACCESS_COLOR_RGB ):
+			{
+				int32_t nIndex = Reg<int32_t>( pRegs, op.m_nReg2 );
+				Reg<int32_t>( pRegs, op.m_nReg0 ) = Reg<Color>( pRegs, op.m_nReg1 )[ nIndex < 0 ? 0 : nIndex > 2 ? 2 : nIndex ];
+				++nPos;
+				continue;
+			}
+
+			default:
+				// Everything else may move the cursor or run other cursors.
+				break;
+			}
+
+			m_Active.m_nInstruction = nPos;
+			*pCount = nCount;
+			m_nFlags |= FLAG_STEP_ON;
+			ExecuteSlow( op );
+			if ( m_eState != STATE_IDLE )
+				return;
+			if ( m_nFlags & FLAG_STEP_ON )
+				++m_Active.m_nInstruction;
+			// Poison comes only from runs that started inside this operation.
+			if ( m_pInstance->IsPoisoned() )
+			{
+				Terminate( PulseCursorExecResult_t::Failed );
+				return;
+			}
+			break;
+		}
+	}
+}
+
+template void CPulseExecCursor::Interpret<true>( int * );
+template void CPulseExecCursor::Interpret<false>( int * );
+
+void CPulseExecCursor::ExecuteSlow( const PulseOp_t &op )
+{
+	switch ( op.m_nCode )
+	{
+	case int( IMMEDIATE_HALT ):
+	case PULSE_OP_END_OF_CHUNK:
+		Error( "The preceding flow should have branched away from this!" );
+		Terminate( PulseCursorExecResult_t::Failed );
+		return;
+	case int( RETURN_VOID ): ReturnFromChunk(); return;
+	case int( RETURN_VALUE ):
+		m_Active.m_ReturnSlot.SetValue( *op.m_pType, m_Active.m_Registers.Data() + op.m_nReg0 );
+		ReturnFromChunk();
+		return;
+	case int( CHUNK_LEAP ): JumpOrLeap( op.m_nA, 0, nullptr ); return;
+	case int( CHUNK_LEAP_COND ):
+		if ( Reg<bool>( m_Active.m_Registers.Data(), op.m_nReg0 ) )
+			JumpOrLeap( op.m_nA, 0, nullptr );
+		return;
+	case int( PULSE_CALL_SYNC ): JumpOrLeap( op.m_nA, op.m_nB, static_cast<const PulseCallPlan_t *>( op.m_pData ) ); return;
+	case int( PULSE_CALL_ASYNC_FIRE ): CallAsync( op ); return;
+	case int( CELL_INVOKE ):
+	{
+		auto *pPlan = static_cast<const PulseInvokePlan_t *>( op.m_pData );
+		if ( !pPlan->m_pCell )
+		{
+			Terminate( PulseCursorExecResult_t::Failed );
+			return;
+		}
+		Invoke( *pPlan );
+		return;
+	}
+	case int( LIBRARY_INVOKE ): Invoke( *static_cast<const PulseInvokePlan_t *>( op.m_pData ) ); return;
+	case int( SET_VAR ): SetVar( op, false ); return;
+	case int( SET_VAR_OBSERVABLE ): SetVar( op, true ); return;
+	case int( GET_VAR ): CopyVarToRegister( op, false ); return;
+	case int( GET_VAR_DETACH ): CopyVarToRegister( op, true ); return;
+	case int( SET_VAR_ARRAY_ELEMENT_1D ): SetVarArrayElement( op ); return;
+	case int( DETACH_REGISTER ):
+	{
+		void *pRegister = m_Active.m_Registers.Data() + op.m_nReg0;
+		m_Active.SetDetached( op.m_nRegIndex0, true );
+		PulseValue_Destruct( *op.m_pType, pRegister );
+		PulseValue_Construct( *op.m_pType, pRegister );
+		return;
+	}
+	case int( GET_ARRAY_ELEMENT ):
+	{
+		unsigned char *pRegs = m_Active.m_Registers.Data();
+		CPulseArrayData *pArray = Reg<CPulseArrayData *>( pRegs, op.m_nReg1 );
+		int32_t nIndex = Reg<int32_t>( pRegs, op.m_nReg2 );
+		const CPulseValueFullType &elementType = *op.m_pType->GetElementType();
+		if ( const void *pElement = CPulseArrayData::GetElement( pArray, elementType, nIndex ) )
+			PulseValue_Copy( elementType, pRegs + op.m_nReg0, pElement );
+		else
+			Warning( "Bad array index %d (array has %d elements)", nIndex, CPulseArrayData::GetCount( pArray ) );
+		return;
+	}
+	case int( GET_DOMAIN_VALUE ):
+		PulseValue_Copy( *op.m_pType, m_Active.m_Registers.Data() + op.m_nReg0, m_pInstance->GetDomainValue( op.m_nA ) );
+		return;
+	case int( CONVERT_VALUE ):
+	case int( REINTERPRET_INSTANCE ):
+	{
+		const PGDInstruction_t &instruction = m_Active.m_pChunk->m_Instructions[ size_t( m_Active.m_nInstruction ) ];
+		const CPulseValueFullType &from = m_Active.m_pChunk->m_Registers[ size_t( instruction.m_nReg1 ) ].m_Type;
+		unsigned char *pRegs = m_Active.m_Registers.Data();
+		m_Active.SetDetached( op.m_nRegIndex0, false );
+		if ( op.m_nCode == int( CONVERT_VALUE ) )
+		{
+			if ( !PulseValue_Convert( from, pRegs + op.m_nReg1, *op.m_pType, pRegs + op.m_nReg0 ) )
+				Error( "INTERNAL ERROR: Cannot convert or reinterpret from %s to %s", from.ToString().Get(), op.m_pType->ToString().Get() );
+		}
+		else if ( PulseValue_CanReinterpret( from, pRegs + op.m_nReg1, *op.m_pType ) )
+		{
+			PulseValue_Copy( *op.m_pType, pRegs + op.m_nReg0, pRegs + op.m_nReg1 );
+		}
+		else
+		{
+			CPulseValueFullType actual = CPulseScopeEnumeratingTypeService::Get().GetActualType( from, pRegs + op.m_nReg1 );
+			Warning( "Cannot reinterpret instance (actual: %s) from (original) %s to (desired) %s", actual.ToString().Get(), from.ToString().Get(), op.m_pType->ToString().Get() );
+		}
+		return;
+	}
+	case int( GET_BLACKBOARD_REFERENCE ): RunBlackboardInstruction( op, false ); return;
+	case int( SET_BLACKBOARD_REFERENCE ): RunBlackboardInstruction( op, true ); return;
+	default: return;
+	}
+}
+
+void CPulseExecCursor::Invoke( const PulseInvokePlan_t &plan )
+{
+	const PulseFunctionBinding_t &function = *plan.m_pFunction;
+	const char *pName = plan.m_pBinding->m_FuncName.String();
+	if ( plan.m_pBinding->m_nRequiredHostMask & ~m_nHostMask )
+	{
+		Warning( "Could not execute '%s' because this graph domain does not support the required IPulseHost", pName );
+		return;
+	}
+	unsigned char *pRegs = m_Active.m_Registers.Data();
+	PulseArgPack in, out;
+	for ( const PulseInvokeArg_t &arg : plan.m_In )
+	{
+		switch ( arg.m_eMode )
+		{
+		case PulseInvokeArg_t::MODE_REFERENCE: in.AddRef( arg.m_Name, arg.m_pRegType, pRegs + arg.m_nRegOffset ); break;
+		case PulseInvokeArg_t::MODE_VARIANT:
+		case PulseInvokeArg_t::MODE_CONVERT:
+			if ( !in.AddConverted( arg.m_Name, *arg.m_pParamType, *arg.m_pRegType, pRegs + arg.m_nRegOffset ) )
+				Error( "INTERNAL ERROR: Cannot convert or reinterpret from %s to %s", arg.m_pRegType->ToString().Get(), arg.m_pParamType->ToString().Get() );
+			break;
+		case PulseInvokeArg_t::MODE_DEFAULT: in.AddCopy( arg.m_Name, *arg.m_pParamType, nullptr ); break;
+		}
+	}
+	for ( const PulseInvokeArg_t &arg : plan.m_Out )
+	{
+		if ( arg.m_eMode == PulseInvokeArg_t::MODE_REFERENCE )
+			out.AddRef( arg.m_Name, arg.m_pRegType, pRegs + arg.m_nRegOffset );
+		else
+			out.AddCopy( arg.m_Name, *arg.m_pParamType, nullptr );
+	}
+
+	m_nFlags = ( m_nFlags | FLAG_IN_INVOKE ) & ~FLAG_MOVED_IN_INVOKE;
+	PulseCallContext_t context { m_pInstance, this, plan.m_pCell, m_pHostTable.get(), plan.m_pBinding->m_pOpaque };
+	int nResult = function.m_pfnCall( context, in, out );
+	m_nFlags &= ~FLAG_IN_INVOKE;
+	if ( nResult != 0 )
+	{
+		if ( nResult == PULSE_CALL_MISSING_TARGET )
+			Warning( "Did not execute '%s' because the 'Target' object was missing", pName );
+		else
+			Warning( "Invoke '%s' failed with code %d", pName, nResult );
+		return;
+	}
+	if ( m_nFlags & FLAG_MOVED_IN_INVOKE )
+	{
+		// Control moved inside the call: its results have no place to go.
+		m_nFlags &= ~FLAG_MOVED_IN_INVOKE;
+		return;
+	}
+	pRegs = m_Active.m_Registers.Data();
+	for ( size_t i = 0; i < plan.m_Out.size(); ++i )
+	{
+		const PulseInvokeArg_t &arg = plan.m_Out[ i ];
+		if ( arg.m_eMode != PulseInvokeArg_t::MODE_CONVERT || !arg.m_pRegType )
+			continue;
+		if ( !PulseValue_Convert( *arg.m_pParamType, out.GetValue( int( i ) ), *arg.m_pRegType, pRegs + arg.m_nRegOffset ) )
+			Error( "INTERNAL ERROR: Cannot convert or reinterpret from %s to %s", arg.m_pParamType->ToString().Get(), arg.m_pRegType->ToString().Get() );
+	}
+}
+
+void CPulseExecCursor::CallAsync( const PulseOp_t &op )
+{
+	auto *pPlan = static_cast<const PulseCallPlan_t *>( op.m_pData );
+	auto *pTarget = dynamic_cast<const CPulseCell_Inflow_BaseEntrypoint *>( pPlan->m_pTarget );
+	if ( !pTarget )
+		return;
+	PulseArgPack args;
+	for ( const PulseRegisterMapEntry_t &entry : pPlan->m_pCallInfo->m_RegisterMap.m_BoundIn )
+		args.AddCopy( entry.m_Name, m_Active.m_pChunk->m_Registers[ size_t( entry.m_nRegister ) ].m_Type, m_Active.Register( entry.m_nRegister ) );
+	CPulseExecCursor *pChild = m_pInstance->CreateCursor( this );
+	if ( !pChild )
+		return;
+	CopyInheritedTags( pChild );
+	RunStart_t start;
+	start.m_pArgs = &args;
+	start.m_pRegisterMap = &pTarget->m_RegisterMap;
+	pChild->Run( op.m_nA, op.m_nB, &start );
+	m_pInstance->EndCursorRun( pChild );
+}
+
+void CPulseExecCursor::CopyVarToRegister( const PulseOp_t &op, bool bDetach )
+{
+	void *pVar = m_pInstance->GetStateBlock() + op.m_nB;
+	PulseValue_Copy( *op.m_pType, m_Active.m_Registers.Data() + op.m_nReg0, pVar );
+	m_Active.SetDetached( op.m_nRegIndex0, false );
+	if ( bDetach )
+	{
+		PulseValue_Destruct( *op.m_pType, pVar );
+		PulseValue_Construct( *op.m_pType, pVar );
+		m_pInstance->SetVariableDetached( op.m_nA, true );
+	}
+}
+
+void CPulseExecCursor::SetVar( const PulseOp_t &op, bool bObservable )
+{
+	void *pVar = m_pInstance->GetStateBlock() + op.m_nB;
+	const void *pRegister = m_Active.m_Registers.Data() + op.m_nReg0;
+	if ( !bObservable )
+	{
+		PulseValue_Copy( *op.m_pType, pVar, pRegister );
+		m_pInstance->SetVariableDetached( op.m_nA, false );
+		return;
+	}
+	CPulseVariant oldValue( *op.m_pType, pVar );
+	PulseValue_Copy( *op.m_pType, pVar, pRegister );
+	m_pInstance->SetVariableDetached( op.m_nA, false );
+	CPulseVariant newValue( *op.m_pType, pVar );
+	m_pInstance->GetSystem()->OnObservableChanged( GetNow(), m_pInstance, op.m_nA, oldValue, newValue );
+}
+
+void CPulseExecCursor::SetVarArrayElement( const PulseOp_t &op )
+{
+	unsigned char *pRegs = m_Active.m_Registers.Data();
+	auto **ppArray = reinterpret_cast<CPulseArrayData **>( m_pInstance->GetStateBlock() + op.m_nB );
+	int32_t nIndex = Reg<int32_t>( pRegs, op.m_nReg2 );
+	const CPulseValueFullType &elementType = *op.m_pType->GetElementType();
+	int nCount = CPulseArrayData::GetCount( *ppArray );
+	if ( nIndex < 0 || nIndex >= nCount )
+	{
+		Warning( "Bad array index %d (array has %d elements)", nIndex, nCount );
+		return;
+	}
+	CPulseVariant oldValue;
+	bool bObservable = m_pInstance->GetDefinition()->IsVarObservable( op.m_nA );
+	if ( bObservable )
+		oldValue.SetValue( *op.m_pType, ppArray );
+	PulseValue_Copy( elementType, CPulseArrayData::GetElementForWrite( ppArray, elementType, nIndex ), pRegs + op.m_nReg0 );
+	m_pInstance->SetVariableDetached( op.m_nA, false );
+	if ( bObservable )
+		m_pInstance->GetSystem()->OnObservableChanged( GetNow(), m_pInstance, op.m_nA, oldValue, CPulseVariant( *op.m_pType, ppArray ) );
+}
+
+void CPulseExecCursor::RunBlackboardInstruction( const PulseOp_t &op, bool bWrite )
+{
+	const char *pWhere = bWrite ? "PInstruction_t<42>::Run" : "PInstruction_t<41>::Run";
+	const CPulse_BlackboardReference &reference = *m_pInstance->GetDefinition()->GetBlackboardReference( op.m_nA );
+	CBasePulseGraphInstance *pTarget = m_pInstance->FindBlackboardInstance( reference.m_BlackboardResource.String() );
+	if ( !pTarget || !pTarget->GetDefinition() )
+	{
+		Warning( "%s - Could not find blackboard instance for %s", pWhere, reference.m_BlackboardResource.String() );
+		return;
+	}
+	const CPulseGraphDef *pTargetDef = pTarget->GetDefinition();
+	int nVar = pTargetDef->FindVarByEditorNodeID( reference.m_nNodeID );
+	if ( nVar < 0 )
+		nVar = pTargetDef->FindVarByName( reference.m_NodeName.String() );
+	if ( nVar < 0 )
+	{
+		Warning( "%s - Could not find blackboard reference %s: %u (%s)", pWhere, reference.m_BlackboardResource.String(), unsigned( reference.m_nNodeID ),
+				 reference.m_NodeName.String() );
+		return;
+	}
+	const CPulseValueFullType &varType = pTargetDef->GetVarType( nVar );
+	void *pRegister = m_Active.m_Registers.Data() + op.m_nReg0;
+	const CPulseValueFullType &regType = *op.m_pType;
+	const CPulseValueFullType &from = bWrite ? regType : varType, &to = bWrite ? varType : regType;
+	const void *pSource = bWrite ? pRegister : pTarget->GetVariableStorage( nVar );
+	if ( !( from == to ) && !PulseValue_CanReinterpret( from, pSource, to ) )
+	{
+		Warning( "%s - Blackboard reference %s: %u (%s) type mismatches", pWhere, reference.m_BlackboardResource.String(), unsigned( reference.m_nNodeID ),
+				 reference.m_NodeName.String() );
+		return;
+	}
+	if ( !bWrite )
+	{
+		PulseValue_Copy( regType, pRegister, pSource );
+		m_Active.SetDetached( op.m_nRegIndex0, false );
+		return;
+	}
+	CPulseVariant oldValue( varType, pTarget->GetVariableStorage( nVar ) );
+	PulseValue_Copy( varType, pTarget->GetVariableStorage( nVar ), pRegister );
+	if ( pTargetDef->IsVarObservable( nVar ) )
+		pTarget->OnVariableChanged( nVar, oldValue, CPulseVariant( varType, pTarget->GetVariableStorage( nVar ) ) );
+}
