@@ -326,9 +326,9 @@ void CPulseExecCursor::Complete( PulseCursorExecResult_t eResult )
 	{
 		Control().m_eFinalResult = eResult;
 		Control().m_bCompleted = true;
-		CPulseGraphExecutionHistory &history = m_pInstance->GetExecutionHistory();
 		if ( m_pInstance->GetSystem()->IsTracing() )
-			history.RetireCursor( m_nId, GetCurrentFlowNode(), float( GetNow() ) );
+			m_pInstance->GetExecutionHistory().RetireCursor( m_nId, GetCurrentFlowNode(), float( GetNow() ) );
+		m_pInstance->GetSystem()->OnCursorCompleted( this, eResult );
 	}
 	if ( !m_pControl )
 		return;

@@ -453,7 +453,7 @@ private:
 			Error( "C%d: the registers need %zu bytes, more than the %zu their offsets reach", nChunk, nOffset, MAX_OFFSET );
 			return;
 		}
-		chunk.m_nRegisterBytes = uint32_t( AlignUp( nOffset, nAlignment ) );
+		chunk.m_nRegisterBytes = uint32_t( nOffset );
 		chunk.m_nRegisterAlignment = uint32_t( nAlignment );
 		if ( Failed() )
 			return;

@@ -213,6 +213,7 @@ public:
 
 	CPulseGraphDef *Get() const { return m_pDef; }
 	CPulseGraphDef *operator->() const { return m_pDef; }
+	CPulseGraphDef &operator*() const { return *m_pDef; }
 	explicit operator bool() const { return m_pDef != nullptr; }
 
 private:

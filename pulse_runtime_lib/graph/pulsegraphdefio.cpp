@@ -151,7 +151,7 @@ bool PulseGraphDef_SaveText( const CPulseGraphDef &def, CUtlString *pText, CUtlS
 	return true;
 }
 
-CPulseGraphDefHandle PulseGraphDef_LoadFile( const char *pPath, const char *pResourceName, PulseGraphMessages_t *pMessages )
+CPulseGraphDefHandle PulseGraphDef_LoadFile( const char *pPath, const char *pResourceName, PulseGraphMessages_t *pMessages, bool bBind )
 {
 	std::ifstream file( pPath, std::ios::binary );
 	std::ostringstream text;
@@ -164,7 +164,7 @@ CPulseGraphDefHandle PulseGraphDef_LoadFile( const char *pPath, const char *pRes
 	}
 	const std::string &content = text.str();
 	CPulseGraphDefHandle hDef = PulseGraphDef_LoadText( content.data(), content.size(), pResourceName ? pResourceName : pPath, pMessages );
-	if ( hDef && !PulseGraphDef_Bind( hDef.Get(), pMessages ) )
+	if ( hDef && bBind && !PulseGraphDef_Bind( hDef.Get(), pMessages ) )
 		return {};
 	return hDef;
 }

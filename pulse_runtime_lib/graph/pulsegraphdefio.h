@@ -50,6 +50,6 @@ CPulseGraphDefHandle PulseGraphDef_LoadText( const char *pText, size_t nLength, 
 bool PulseGraphDef_SaveKV3( const CPulseGraphDef &def, KeyValues3 *pRoot, CUtlString *pError );
 bool PulseGraphDef_SaveText( const CPulseGraphDef &def, CUtlString *pText, CUtlString *pError );
 
-// Loads a file and binds it: the one call that turns a path into a runnable definition.
-// pResourceName names it in reports (the path when null).
-CPulseGraphDefHandle PulseGraphDef_LoadFile( const char *pPath, const char *pResourceName, PulseGraphMessages_t *pMessages );
+// Loads a file and, unless bBind is false, binds it: the one call that turns a path into a
+// runnable definition. pResourceName names it in reports (the path when null).
+CPulseGraphDefHandle PulseGraphDef_LoadFile( const char *pPath, const char *pResourceName, PulseGraphMessages_t *pMessages, bool bBind = true );

@@ -33,6 +33,8 @@ public:
 	virtual void NotifyObserver( PulseCursorID_t nSubject, const PulseCursorHandle &observer, PulseCursorExecResult_t eResult ) = 0;
 	// The cursor leaves its yield: drop what was held for it (wakes).
 	virtual void OnCursorUnyield( CPulseExecCursor *pCursor ) = 0;
+	// The cursor completed (succeeded, canceled or failed).
+	virtual void OnCursorCompleted( CPulseExecCursor *pCursor, PulseCursorExecResult_t eResult ) = 0;
 	virtual CBasePulseGraphInstance *FindInstance( PulseGraphInstanceID_t nID ) = 0;
 	// A timer that calls Wake on the cursor of the handle at a time of GetTime's clock.
 	virtual void ScheduleWake( const PulseCursorHandle &handle, double flTime ) = 0;

@@ -103,6 +103,12 @@ void CPulseSystem::OnCursorUnyield( CPulseExecCursor *pCursor )
 	std::erase_if( m_Wakes, [ & ]( const Wake_t &wake ) { return wake.m_Handle.m_nInstance == nInstance && wake.m_Handle.m_nCursor == pCursor->GetId(); } );
 }
 
+void CPulseSystem::OnCursorCompleted( CPulseExecCursor *, PulseCursorExecResult_t eResult )
+{
+	if ( eResult == PulseCursorExecResult_t::Failed )
+		++m_nFailedCursors;
+}
+
 CBasePulseGraphInstance *CPulseSystem::FindInstance( PulseGraphInstanceID_t nID )
 {
 	for ( const auto &[ nInstance, pInstance ] : m_Instances )

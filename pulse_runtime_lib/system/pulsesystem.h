@@ -60,6 +60,8 @@ public:
 	int GetInstanceCount() const { return int( m_Instances.size() ); }
 	// Cursors that reloads couldn't bring back.
 	int GetLostCursorCount() const { return m_nLostCursors; }
+	// Cursors that ended Failed (a halt, the instruction limit, poison, a missing cell).
+	int GetFailedCursorCount() const { return m_nFailedCursors; }
 
 	// IPulseSystem.
 	int EnterCursorRun( CPulseExecCursor *pCursor, int *pToken ) override;
@@ -71,6 +73,7 @@ public:
 	void QueueCursorResume( CPulseExecCursor *pCursor, const CPulse_OutflowConnection *pResumePoint ) override;
 	void NotifyObserver( PulseCursorID_t nSubject, const PulseCursorHandle &observer, PulseCursorExecResult_t eResult ) override;
 	void OnCursorUnyield( CPulseExecCursor *pCursor ) override;
+	void OnCursorCompleted( CPulseExecCursor *pCursor, PulseCursorExecResult_t eResult ) override;
 	CBasePulseGraphInstance *FindInstance( PulseGraphInstanceID_t nID ) override;
 	void ScheduleWake( const PulseCursorHandle &handle, double flTime ) override;
 	bool IsWakeScheduled( const PulseCursorHandle &handle ) const override;
@@ -116,6 +119,7 @@ private:
 	bool m_bDraining = false;
 	int m_nRunsThisEntry = 0;
 	int m_nLostCursors = 0;
+	int m_nFailedCursors = 0;
 	PulseGraphInstanceID_t m_nNextInstanceID = 1;
 	uint64_t m_nNextWakeSequence = 0;
 	std::vector<std::pair<PulseGraphInstanceID_t, CBasePulseGraphInstance *>> m_Instances;
