@@ -184,7 +184,13 @@ bool PulseRunGraph( const CPulseGraphDefHandle &hDef, const PulseRunOptions_t &o
 	if ( system.GetFailedCursorCount() > 0 )
 	{
 		pResult->m_bFailed = true;
-		pResult->m_Reason.Format( "%d cursor(s) failed: %s", system.GetFailedCursorCount(), collector.m_LastReport.Get() );
+		const char *pReport = collector.m_LastReport.Get();
+		if ( strncmp( pReport, "Pulse: ", 7 ) == 0 )
+			pReport += 7;
+		if ( system.GetFailedCursorCount() == 1 )
+			pResult->m_Reason.Format( "a cursor failed: %s", pReport );
+		else
+			pResult->m_Reason.Format( "%d cursors failed, the last: %s", system.GetFailedCursorCount(), pReport );
 	}
 	else if ( !system.GetTestFailures().empty() )
 	{

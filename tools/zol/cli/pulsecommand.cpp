@@ -172,6 +172,8 @@ int RunRun( int argc, char **argv )
 		fprintf( stderr, "zol pulse run: %s: %s\n", pPath, result.m_Reason.Get() );
 		return 1;
 	}
+	if ( result.m_nYieldedAtEnd > 0 )
+		fprintf( stderr, "zol pulse run: %s: %d cursor(s) still waiting at %.2f s\n", pPath, result.m_nYieldedAtEnd, result.m_flEndTime );
 	return 0;
 }
 
