@@ -76,6 +76,18 @@ void CPulseCell_Inflow_EntOutputHandler::AppendDescription( CUtlString *pText ) 
 	pText->AppendFormat( "Output '%s' of '%s' -> C%d", m_SourceOutput.String(), m_SourceEntity.String(), m_EntryChunk );
 }
 
+void CPulseCell_Inflow_Yield::AppendDescription( CUtlString *pText ) const
+{
+	pText->Append( "m_UnyieldResume " );
+	m_UnyieldResume.AppendText( pText );
+}
+
+void CPulseCell_Inflow_Wait::AppendDescription( CUtlString *pText ) const
+{
+	pText->Append( "m_WakeResume " );
+	m_WakeResume.AppendText( pText );
+}
+
 // The wait's yield state: when the wake is due, so a reload can schedule it again.
 struct PulseWaitYieldState_t
 {

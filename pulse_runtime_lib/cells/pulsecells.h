@@ -67,6 +67,7 @@ class CPulseCell_Inflow_Yield : public CPulseCell_BaseYieldingInflow
 	SCHEMA_DERIVED_CLASS( CPulseCell_Inflow_Yield, CPulseCell_BaseYieldingInflow )
 	SCHEMA_FIELD( CPulse_ResumePoint, m_UnyieldResume, {} )
 	const CPulse_ResumePoint *GetResumePoint() const override { return &m_UnyieldResume; }
+	void AppendDescription( CUtlString *pText ) const override;
 	void GatherOutflows( std::vector<CPulse_OutflowConnection *> *pList ) override { pList->push_back( &m_UnyieldResume ); }
 };
 
@@ -77,6 +78,7 @@ class CPulseCell_Inflow_Wait : public CPulseCell_BaseYieldingInflow
 	SCHEMA_DERIVED_CLASS( CPulseCell_Inflow_Wait, CPulseCell_BaseYieldingInflow )
 	SCHEMA_FIELD( CPulse_ResumePoint, m_WakeResume, {} )
 	const CPulse_ResumePoint *GetResumePoint() const override { return &m_WakeResume; }
+	void AppendDescription( CUtlString *pText ) const override;
 	void GatherOutflows( std::vector<CPulse_OutflowConnection *> *pList ) override { pList->push_back( &m_WakeResume ); }
 	// The yield state is the wake time, so a reload can schedule the wake again.
 	void *AllocYieldState() const override;

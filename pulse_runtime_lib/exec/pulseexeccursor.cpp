@@ -205,7 +205,8 @@ void CPulseExecCursor::SwitchFrame( PulseFrame_t &frame, int nChunk, int nInstru
 	if ( !frame.m_pChunk )
 		return;
 	frame.m_Registers.SetSize( frame.m_pChunk->m_nRegisterBytes );
-	memcpy( frame.m_Registers.Data(), frame.m_pChunk->m_DefaultRegisters.data(), frame.m_pChunk->m_nRegisterBytes );
+	if ( frame.m_pChunk->m_nRegisterBytes > 0 )
+		memcpy( frame.m_Registers.Data(), frame.m_pChunk->m_DefaultRegisters.data(), frame.m_pChunk->m_nRegisterBytes );
 	frame.m_DetachBits.assign( ( size_t( frame.m_pChunk->GetRegisterCount() ) + 63 ) / 64, 0 );
 }
 
@@ -220,7 +221,8 @@ void CPulseExecCursor::CopyFrame( PulseFrame_t &target, const PulseFrame_t &sour
 	if ( !source.m_pChunk )
 		return;
 	target.m_Registers.SetSize( source.m_pChunk->m_nRegisterBytes );
-	memcpy( target.m_Registers.Data(), source.m_Registers.Data(), source.m_pChunk->m_nRegisterBytes );
+	if ( source.m_pChunk->m_nRegisterBytes > 0 )
+		memcpy( target.m_Registers.Data(), source.m_Registers.Data(), source.m_pChunk->m_nRegisterBytes );
 	for ( uint16_t nRegister : source.m_pChunk->m_OwningRegisters )
 	{
 		const CPulseValueFullType &type = source.m_pChunk->m_Registers[ nRegister ].m_Type;

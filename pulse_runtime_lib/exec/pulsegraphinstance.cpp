@@ -186,6 +186,7 @@ PulseCursorHandle CBasePulseGraphInstance::StartCursorAtEntry( const CPulseCell_
 	if ( pCursor->IsYielded() )
 		handle = pCursor->GetHandle();
 	EndCursorRun( pCursor );
+	m_pSystem->OnEntryReturned();
 	return handle;
 }
 

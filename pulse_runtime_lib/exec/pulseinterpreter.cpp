@@ -212,10 +212,11 @@ template <bool bTrace> void CPulseExecCursor::Interpret( int *pCount )
 
 			case int( EQ_BOOL ): Reg<bool>( pRegs, op.m_nReg0 ) = Reg<bool>( pRegs, op.m_nReg1 ) == Reg<bool>( pRegs, op.m_nReg2 ); ++nPos; continue;
 			case int( NE_BOOL ): Reg<bool>( pRegs, op.m_nReg0 ) = Reg<bool>( pRegs, op.m_nReg1 ) != Reg<bool>( pRegs, op.m_nReg2 ); ++nPos; continue;
-			case int( EQ_INT ):
-			case int( EQ_COLOR_RGB ): Reg<bool>( pRegs, op.m_nReg0 ) = Reg<uint32_t>( pRegs, op.m_nReg1 ) == Reg<uint32_t>( pRegs, op.m_nReg2 ); ++nPos; continue;
-			case int( NE_INT ):
-			case int( NE_COLOR_RGB ): Reg<bool>( pRegs, op.m_nReg0 ) = Reg<uint32_t>( pRegs, op.m_nReg1 ) != Reg<uint32_t>( pRegs, op.m_nReg2 ); ++nPos; continue;
+			case int( EQ_INT ): Reg<bool>( pRegs, op.m_nReg0 ) = Reg<int32_t>( pRegs, op.m_nReg1 ) == Reg<int32_t>( pRegs, op.m_nReg2 ); ++nPos; continue;
+			case int( NE_INT ): Reg<bool>( pRegs, op.m_nReg0 ) = Reg<int32_t>( pRegs, op.m_nReg1 ) != Reg<int32_t>( pRegs, op.m_nReg2 ); ++nPos; continue;
+			// A colour is four bytes at any alignment: all four compare, alpha too.
+			case int( EQ_COLOR_RGB ): Reg<bool>( pRegs, op.m_nReg0 ) = memcmp( pRegs + op.m_nReg1, pRegs + op.m_nReg2, 4 ) == 0; ++nPos; continue;
+			case int( NE_COLOR_RGB ): Reg<bool>( pRegs, op.m_nReg0 ) = memcmp( pRegs + op.m_nReg1, pRegs + op.m_nReg2, 4 ) != 0; ++nPos; continue;
 			case int( EQ_ENTITY_NAME ): Reg<bool>( pRegs, op.m_nReg0 ) = Reg<CGlobalSymbol>( pRegs, op.m_nReg1 ) == Reg<CGlobalSymbol>( pRegs, op.m_nReg2 ); ++nPos; continue;
 			case int( NE_ENTITY_NAME ): Reg<bool>( pRegs, op.m_nReg0 ) = !( Reg<CGlobalSymbol>( pRegs, op.m_nReg1 ) == Reg<CGlobalSymbol>( pRegs, op.m_nReg2 ) ); ++nPos; continue;
 			case int( EQ_EHANDLE ):

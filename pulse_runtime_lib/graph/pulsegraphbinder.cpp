@@ -132,8 +132,16 @@ bool SameStorage( const CPulseValueFullType &a, const CPulseValueFullType &b )
 // Types a value can have in a register, a variable or a constant.
 bool IsStorableType( const CPulseValueFullType &type )
 {
-	if ( !PulseValueType_IsKnown( type.GetBaseType() ) || type.GetBaseType() == PVAL_COUNT )
-		return false;
+	switch ( type.GetBaseType() )
+	{
+	case PVAL_VOID:
+	case PVAL_CURSOR_FLOW:
+	case PVAL_UNKNOWN:
+	case PVAL_COUNT: return false;
+	default:
+		if ( !PulseValueType_IsKnown( type.GetBaseType() ) )
+			return false;
+	}
 	if ( type.IsArray() )
 		return type.GetElementType() && type.GetElementType()->IsValid() && IsStorableType( *type.GetElementType() );
 	return true;
@@ -466,7 +474,8 @@ private:
 			const CPulseValueFullType &type = chunk.m_Registers[ i ].m_Type;
 			void *pValue = pBlock + chunk.m_RegisterOffsets[ i ];
 			PulseValue_Construct( type, pValue );
-			memcpy( chunk.m_DefaultRegisters.data() + chunk.m_RegisterOffsets[ i ], pValue, PulseValue_GetSize( type ) );
+			if ( PulseValue_GetSize( type ) > 0 )
+				memcpy( chunk.m_DefaultRegisters.data() + chunk.m_RegisterOffsets[ i ], pValue, PulseValue_GetSize( type ) );
 			PulseValue_Destruct( type, pValue );
 			if ( !IsPlainBytes( type ) )
 				chunk.m_OwningRegisters.push_back( uint16_t( i ) );

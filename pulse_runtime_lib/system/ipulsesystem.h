@@ -20,6 +20,9 @@ public:
 	// cursor creation). *pToken pairs the run with its ExitCursorRun.
 	virtual int EnterCursorRun( CPulseExecCursor *pCursor, int *pToken ) = 0;
 	virtual void ExitCursorRun( CPulseExecCursor *pCursor, int nToken ) = 0;
+	// An entry into an instance (a method, an event, a hook) has returned and its cursor
+	// is dealt with: the moment for work that must not happen inside a run (reloads).
+	virtual void OnEntryReturned() = 0;
 	// The log of the running cursor, or null outside any run.
 	virtual IPulseExecLog *GetCurrentLog() = 0;
 	// Whether runs record every instruction into their instance's execution history.

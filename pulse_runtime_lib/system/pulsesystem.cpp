@@ -29,16 +29,17 @@ int CPulseSystem::EnterCursorRun( CPulseExecCursor *pCursor, int *pToken )
 void CPulseSystem::ExitCursorRun( CPulseExecCursor *, int nToken )
 {
 	m_RunStack.resize( size_t( std::max( nToken, 0 ) ) );
+	// Resumes queued by the run go first in, first out, once the outermost run is over.
 	if ( m_RunStack.empty() )
-		AfterOutermostRun();
+		DrainResumeQueue();
 }
 
-void CPulseSystem::AfterOutermostRun()
+void CPulseSystem::OnEntryReturned()
 {
-	if ( m_bDraining )
-		return;
-	DrainResumeQueue();
-	RunPendingReloads();
+	// The cursor of the entry is destroyed or parked by now, so a reload can tear the
+	// instance's cursors down.
+	if ( m_RunStack.empty() && !m_bDraining )
+		RunPendingReloads();
 }
 
 IPulseExecLog *CPulseSystem::GetCurrentLog()
@@ -105,8 +106,7 @@ void CPulseSystem::OnCursorUnyield( CPulseExecCursor *pCursor )
 
 void CPulseSystem::OnCursorCompleted( CPulseExecCursor *, PulseCursorExecResult_t eResult )
 {
-	if ( eResult == PulseCursorExecResult_t::Failed )
-		++m_nFailedCursors;
+	++m_nCompleted[ int( eResult ) & 3 ];
 }
 
 CBasePulseGraphInstance *CPulseSystem::FindInstance( PulseGraphInstanceID_t nID )

@@ -60,12 +60,14 @@ public:
 	int GetInstanceCount() const { return int( m_Instances.size() ); }
 	// Cursors that reloads couldn't bring back.
 	int GetLostCursorCount() const { return m_nLostCursors; }
-	// Cursors that ended Failed (a halt, the instruction limit, poison, a missing cell).
-	int GetFailedCursorCount() const { return m_nFailedCursors; }
+	// Cursors that completed with a result (Failed: a halt, the instruction limit, poison).
+	int GetCompletedCursorCount( PulseCursorExecResult_t eResult ) const { return m_nCompleted[ int( eResult ) & 3 ]; }
+	int GetFailedCursorCount() const { return GetCompletedCursorCount( PulseCursorExecResult_t::Failed ); }
 
 	// IPulseSystem.
 	int EnterCursorRun( CPulseExecCursor *pCursor, int *pToken ) override;
 	void ExitCursorRun( CPulseExecCursor *pCursor, int nToken ) override;
+	void OnEntryReturned() override;
 	IPulseExecLog *GetCurrentLog() override;
 	bool IsTracing() const override { return m_bTracing; }
 	void TraceInstruction( CPulseExecCursor *pCursor, int nCode, PulseDocNodeID_t nFlowNode ) override;
@@ -108,7 +110,6 @@ private:
 		CPulseGraphDefHandle m_hDef;
 	};
 
-	void AfterOutermostRun();
 	void Reload( CBasePulseGraphInstance *pInstance, const CPulseGraphDefHandle &hDef );
 	void RunPendingReloads();
 	CPulseExecCursor *ResolveCursor( const PulseCursorHandle &handle );
@@ -119,7 +120,7 @@ private:
 	bool m_bDraining = false;
 	int m_nRunsThisEntry = 0;
 	int m_nLostCursors = 0;
-	int m_nFailedCursors = 0;
+	int m_nCompleted[ 4 ] = {};
 	PulseGraphInstanceID_t m_nNextInstanceID = 1;
 	uint64_t m_nNextWakeSequence = 0;
 	std::vector<std::pair<PulseGraphInstanceID_t, CBasePulseGraphInstance *>> m_Instances;
