@@ -59,6 +59,8 @@ template <int N> inline float VecElement( const float *pA, int32_t nIndex )
 	return pA[ nIndex < 0 ? 0 : nIndex > N - 1 ? N - 1 : nIndex ];
 }
 
+constexpr size_t MAX_STRING_LENGTH = 1 << 20;
+
 // Integers wrap at 32 bits.
 inline int32_t WrapAdd( int32_t a, int32_t b ) { return int32_t( uint32_t( a ) + uint32_t( b ) ); }
 inline int32_t WrapSub( int32_t a, int32_t b ) { return int32_t( uint32_t( a ) - uint32_t( b ) ); }
@@ -137,9 +139,21 @@ template <bool bTrace> void CPulseExecCursor::Interpret( int *pCount )
 			case int( ADD_FLOAT_GAMETIME ): Reg<float>( pRegs, op.m_nReg0 ) = Reg<float>( pRegs, op.m_nReg1 ) + Reg<float>( pRegs, op.m_nReg2 ); ++nPos; continue;
 			case int( ADD_STRING ):
 			{
-				CUtlString text( PulseValue_GetString( pRegs + op.m_nReg1 ) );
-				text += PulseValue_GetString( pRegs + op.m_nReg2 );
-				PulseValue_SetString( pRegs + op.m_nReg0, text.Get() );
+				const char *pLeft = PulseValue_GetString( pRegs + op.m_nReg1 ), *pRight = PulseValue_GetString( pRegs + op.m_nReg2 );
+				size_t nLength = strlen( pLeft ) + strlen( pRight );
+				// A loop that doubles a text would eat all memory long before the run limit.
+				if ( nLength > MAX_STRING_LENGTH )
+				{
+					m_Active.m_nInstruction = nPos;
+					Warning( "Text of %zu characters is too long (at most %zu); the result is empty", nLength, MAX_STRING_LENGTH );
+					PulseValue_SetString( pRegs + op.m_nReg0, "" );
+				}
+				else
+				{
+					CUtlString text( pLeft );
+					text += pRight;
+					PulseValue_SetString( pRegs + op.m_nReg0, text.Get() );
+				}
 				++nPos;
 				continue;
 			}
