@@ -10,6 +10,7 @@ packages=(
   qtbase5-dev
   libgtest-dev libgmock-dev libbenchmark-dev
   rapidjson-dev                       # benchmarks only: the reference JSON parser
+  liblua5.4-dev                       # benchmarks only: the reference interpreter for Pulse
   libantlr3c-dev zlib1g-dev libpng-dev libjpeg-dev libtiff-dev libwebp-dev
   xvfb xauth libgl1-mesa-dri          # OpenGL tests and screenshots without a display
 )

@@ -291,7 +291,7 @@ void CPulseExecCursor::ReturnFromChunk()
 		Terminate( PulseCursorExecResult_t::Succeeded );
 		return;
 	}
-	auto *pPlan = static_cast<const PulseCallPlan_t *>( saved.m_pChunk->m_Ops[ size_t( saved.m_nInstruction ) ].m_pData );
+	auto *pPlan = static_cast<const PulseCallPlan_t *>( saved.m_pChunk->m_OpData[ size_t( saved.m_nInstruction ) ].m_pData );
 	PulseArgPack results;
 	if ( !m_Active.m_ReturnSlot.IsEmpty() && dynamic_cast<const CPulseCell_Inflow_Method *>( pPlan->m_pTarget ) )
 		results.AddCopy( PulseSymbol_t( "retval" ), m_Active.m_ReturnSlot.GetType(), m_Active.m_ReturnSlot.GetValue() );

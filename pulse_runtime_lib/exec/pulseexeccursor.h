@@ -20,6 +20,7 @@ class KeyValues3;
 class IPulseReloadListener;
 struct CPulse_Chunk;
 struct PulseOp_t;
+struct PulseOpData_t;
 struct PulseRegisterMap_t;
 struct PulseInvokePlan_t;
 struct PulseCallPlan_t;
@@ -205,13 +206,13 @@ private:
 
 	// The interpreter (pulseinterpreter.cpp).
 	template <bool bTrace> void Interpret( int *pCount );
-	void ExecuteSlow( const PulseOp_t &op );
+	void ExecuteSlow( const PulseOp_t &op, const PulseOpData_t &data );
 	void Invoke( const PulseInvokePlan_t &plan );
-	void CallAsync( const PulseOp_t &op );
-	void CopyVarToRegister( const PulseOp_t &op, bool bDetach );
-	void SetVar( const PulseOp_t &op, bool bObservable );
-	void SetVarArrayElement( const PulseOp_t &op );
-	void RunBlackboardInstruction( const PulseOp_t &op, bool bWrite );
+	void CallAsync( const PulseOp_t &op, const PulseOpData_t &data );
+	void CopyVarToRegister( const PulseOp_t &op, const PulseOpData_t &data, bool bDetach );
+	void SetVar( const PulseOp_t &op, const PulseOpData_t &data, bool bObservable );
+	void SetVarArrayElement( const PulseOp_t &op, const PulseOpData_t &data );
+	void RunBlackboardInstruction( const PulseOp_t &op, const PulseOpData_t &data, bool bWrite );
 
 	CBasePulseGraphInstance *m_pInstance;
 	std::unique_ptr<YieldRecord_t> m_pYield;

@@ -82,6 +82,7 @@ template <bool bTrace> void CPulseExecCursor::Interpret( int *pCount )
 	{
 		const CPulse_Chunk *pChunk = m_Active.m_pChunk;
 		const PulseOp_t *pOps = pChunk->m_Ops.data();
+		const PulseOpData_t *pOpData = pChunk->m_OpData.data();
 		unsigned char *pRegs = m_Active.m_Registers.Data();
 		int nPos = m_Active.m_nInstruction;
 		int nCount = *pCount;
@@ -107,19 +108,19 @@ template <bool bTrace> void CPulseExecCursor::Interpret( int *pCount )
 			case int( JUMP_COND ): nPos = Reg<bool>( pRegs, op.m_nReg0 ) ? op.m_nA : nPos + 1; continue;
 
 			case PULSE_OP_COPY_BYTES: memcpy( pRegs + op.m_nReg0, pRegs + op.m_nReg1, size_t( op.m_nA ) ); ++nPos; continue;
-			case PULSE_OP_LOAD_BYTES: memcpy( pRegs + op.m_nReg0, op.m_pData, size_t( op.m_nA ) ); ++nPos; continue;
+			case PULSE_OP_LOAD_BYTES: memcpy( pRegs + op.m_nReg0, pOpData[ nPos ].m_pData, size_t( op.m_nA ) ); ++nPos; continue;
 			case PULSE_OP_GET_VAR_BYTES: memcpy( pRegs + op.m_nReg0, m_pInstance->GetStateBlock() + op.m_nB, size_t( op.m_nA ) ); ++nPos; continue;
 			case PULSE_OP_SET_VAR_BYTES:
 				memcpy( m_pInstance->GetStateBlock() + op.m_nB, pRegs + op.m_nReg0, size_t( op.m_nA ) );
-				m_pInstance->SetVariableDetached( op.m_nC, false );
+				m_pInstance->SetVariableDetached( op.m_nReg1, false );
 				++nPos;
 				continue;
-			case int( COPY ): PulseValue_Copy( *op.m_pType, pRegs + op.m_nReg0, pRegs + op.m_nReg1 ); ++nPos; continue;
-			case PULSE_OP_COPY_MISMATCH: m_Active.SetDetached( op.m_nRegIndex0, false ); ++nPos; continue;
+			case int( COPY ): PulseValue_Copy( *pOpData[ nPos ].m_pType, pRegs + op.m_nReg0, pRegs + op.m_nReg1 ); ++nPos; continue;
+			case PULSE_OP_COPY_MISMATCH: m_Active.SetDetached( pOpData[ nPos ].m_nRegIndex0, false ); ++nPos; continue;
 			case int( GET_CONST ):
 			case int( GET_CONST_INLINE_STORAGE ):
-				if ( op.m_pData )
-					PulseValue_Copy( *op.m_pType, pRegs + op.m_nReg0, op.m_pData );
+				if ( pOpData[ nPos ].m_pData )
+					PulseValue_Copy( *pOpData[ nPos ].m_pType, pRegs + op.m_nReg0, pOpData[ nPos ].m_pData );
 				++nPos;
 				continue;
 
@@ -235,12 +236,12 @@ template <bool bTrace> void CPulseExecCursor::Interpret( int *pCount )
 			case int( NE_ENTITY_NAME ): Reg<bool>( pRegs, op.m_nReg0 ) = !( Reg<CGlobalSymbol>( pRegs, op.m_nReg1 ) == Reg<CGlobalSymbol>( pRegs, op.m_nReg2 ) ); ++nPos; continue;
 			case int( EQ_EHANDLE ):
 			case int( EQ_OPAQUE_HANDLE ):
-			case int( EQ_TEST_HANDLE ): Reg<bool>( pRegs, op.m_nReg0 ) = HandlesEqual( *op.m_pType, pRegs + op.m_nReg1, pRegs + op.m_nReg2, 4 ); ++nPos; continue;
+			case int( EQ_TEST_HANDLE ): Reg<bool>( pRegs, op.m_nReg0 ) = HandlesEqual( *pOpData[ nPos ].m_pType, pRegs + op.m_nReg1, pRegs + op.m_nReg2, 4 ); ++nPos; continue;
 			case int( NE_EHANDLE ):
 			case int( NE_OPAQUE_HANDLE ):
-			case int( NE_TEST_HANDLE ): Reg<bool>( pRegs, op.m_nReg0 ) = !HandlesEqual( *op.m_pType, pRegs + op.m_nReg1, pRegs + op.m_nReg2, 4 ); ++nPos; continue;
-			case int( EQ_PANEL_HANDLE ): Reg<bool>( pRegs, op.m_nReg0 ) = HandlesEqual( *op.m_pType, pRegs + op.m_nReg1, pRegs + op.m_nReg2, 8 ); ++nPos; continue;
-			case int( NE_PANEL_HANDLE ): Reg<bool>( pRegs, op.m_nReg0 ) = !HandlesEqual( *op.m_pType, pRegs + op.m_nReg1, pRegs + op.m_nReg2, 8 ); ++nPos; continue;
+			case int( NE_TEST_HANDLE ): Reg<bool>( pRegs, op.m_nReg0 ) = !HandlesEqual( *pOpData[ nPos ].m_pType, pRegs + op.m_nReg1, pRegs + op.m_nReg2, 4 ); ++nPos; continue;
+			case int( EQ_PANEL_HANDLE ): Reg<bool>( pRegs, op.m_nReg0 ) = HandlesEqual( *pOpData[ nPos ].m_pType, pRegs + op.m_nReg1, pRegs + op.m_nReg2, 8 ); ++nPos; continue;
+			case int( NE_PANEL_HANDLE ): Reg<bool>( pRegs, op.m_nReg0 ) = !HandlesEqual( *pOpData[ nPos ].m_pType, pRegs + op.m_nReg1, pRegs + op.m_nReg2, 8 ); ++nPos; continue;
 			case int( EQ_FLOAT ):
 			case int( EQ_VEC2 ):
 			case int( EQ_VEC3 ):
@@ -249,7 +250,7 @@ template <bool bTrace> void CPulseExecCursor::Interpret( int *pCount )
 			case int( EQ_STRING ):
 			case int( EQ_SCHEMA_ENUM ):
 			case int( EQ_ARRAY ):
-			case int( EQ_GAMETIME ): Reg<bool>( pRegs, op.m_nReg0 ) = PulseValue_IsEqual( *op.m_pType, pRegs + op.m_nReg1, pRegs + op.m_nReg2 ); ++nPos; continue;
+			case int( EQ_GAMETIME ): Reg<bool>( pRegs, op.m_nReg0 ) = PulseValue_IsEqual( *pOpData[ nPos ].m_pType, pRegs + op.m_nReg1, pRegs + op.m_nReg2 ); ++nPos; continue;
 			case int( NE_FLOAT ):
 			case int( NE_VEC2 ):
 			case int( NE_VEC3 ):
@@ -258,7 +259,7 @@ template <bool bTrace> void CPulseExecCursor::Interpret( int *pCount )
 			case int( NE_STRING ):
 			case int( NE_SCHEMA_ENUM ):
 			case int( NE_ARRAY ):
-			case int( NE_GAMETIME ): Reg<bool>( pRegs, op.m_nReg0 ) = !PulseValue_IsEqual( *op.m_pType, pRegs + op.m_nReg1, pRegs + op.m_nReg2 ); ++nPos; continue;
+			case int( NE_GAMETIME ): Reg<bool>( pRegs, op.m_nReg0 ) = !PulseValue_IsEqual( *pOpData[ nPos ].m_pType, pRegs + op.m_nReg1, pRegs + op.m_nReg2 ); ++nPos; continue;
 
 			case int( SCALE_VEC2 ): VecScale<2>( Floats( pRegs, op.m_nReg0 ), Floats( pRegs, op.m_nReg1 ), Reg<float>( pRegs, op.m_nReg2 ) ); ++nPos; continue;
 			case int( SCALE_VEC3 ): VecScale<3>( Floats( pRegs, op.m_nReg0 ), Floats( pRegs, op.m_nReg1 ), Reg<float>( pRegs, op.m_nReg2 ) ); ++nPos; continue;
@@ -287,7 +288,7 @@ template <bool bTrace> void CPulseExecCursor::Interpret( int *pCount )
 			m_Active.m_nInstruction = nPos;
 			*pCount = nCount;
 			m_nFlags |= FLAG_STEP_ON;
-			ExecuteSlow( op );
+			ExecuteSlow( op, pOpData[ nPos ] );
 			if ( m_eState != STATE_IDLE )
 				return;
 			if ( m_nFlags & FLAG_STEP_ON )
@@ -306,7 +307,7 @@ template <bool bTrace> void CPulseExecCursor::Interpret( int *pCount )
 template void CPulseExecCursor::Interpret<true>( int * );
 template void CPulseExecCursor::Interpret<false>( int * );
 
-void CPulseExecCursor::ExecuteSlow( const PulseOp_t &op )
+void CPulseExecCursor::ExecuteSlow( const PulseOp_t &op, const PulseOpData_t &data )
 {
 	switch ( op.m_nCode )
 	{
@@ -317,7 +318,7 @@ void CPulseExecCursor::ExecuteSlow( const PulseOp_t &op )
 		return;
 	case int( RETURN_VOID ): ReturnFromChunk(); return;
 	case int( RETURN_VALUE ):
-		m_Active.m_ReturnSlot.SetValue( *op.m_pType, m_Active.m_Registers.Data() + op.m_nReg0 );
+		m_Active.m_ReturnSlot.SetValue( *data.m_pType, m_Active.m_Registers.Data() + op.m_nReg0 );
 		ReturnFromChunk();
 		return;
 	case int( CHUNK_LEAP ): JumpOrLeap( op.m_nA, 0, nullptr ); return;
@@ -325,11 +326,11 @@ void CPulseExecCursor::ExecuteSlow( const PulseOp_t &op )
 		if ( Reg<bool>( m_Active.m_Registers.Data(), op.m_nReg0 ) )
 			JumpOrLeap( op.m_nA, 0, nullptr );
 		return;
-	case int( PULSE_CALL_SYNC ): JumpOrLeap( op.m_nA, op.m_nB, static_cast<const PulseCallPlan_t *>( op.m_pData ) ); return;
-	case int( PULSE_CALL_ASYNC_FIRE ): CallAsync( op ); return;
+	case int( PULSE_CALL_SYNC ): JumpOrLeap( op.m_nA, op.m_nB, static_cast<const PulseCallPlan_t *>( data.m_pData ) ); return;
+	case int( PULSE_CALL_ASYNC_FIRE ): CallAsync( op, data ); return;
 	case int( CELL_INVOKE ):
 	{
-		auto *pPlan = static_cast<const PulseInvokePlan_t *>( op.m_pData );
+		auto *pPlan = static_cast<const PulseInvokePlan_t *>( data.m_pData );
 		if ( !pPlan->m_pCell )
 		{
 			Terminate( PulseCursorExecResult_t::Failed );
@@ -338,18 +339,18 @@ void CPulseExecCursor::ExecuteSlow( const PulseOp_t &op )
 		Invoke( *pPlan );
 		return;
 	}
-	case int( LIBRARY_INVOKE ): Invoke( *static_cast<const PulseInvokePlan_t *>( op.m_pData ) ); return;
-	case int( SET_VAR ): SetVar( op, false ); return;
-	case int( SET_VAR_OBSERVABLE ): SetVar( op, true ); return;
-	case int( GET_VAR ): CopyVarToRegister( op, false ); return;
-	case int( GET_VAR_DETACH ): CopyVarToRegister( op, true ); return;
-	case int( SET_VAR_ARRAY_ELEMENT_1D ): SetVarArrayElement( op ); return;
+	case int( LIBRARY_INVOKE ): Invoke( *static_cast<const PulseInvokePlan_t *>( data.m_pData ) ); return;
+	case int( SET_VAR ): SetVar( op, data, false ); return;
+	case int( SET_VAR_OBSERVABLE ): SetVar( op, data, true ); return;
+	case int( GET_VAR ): CopyVarToRegister( op, data, false ); return;
+	case int( GET_VAR_DETACH ): CopyVarToRegister( op, data, true ); return;
+	case int( SET_VAR_ARRAY_ELEMENT_1D ): SetVarArrayElement( op, data ); return;
 	case int( DETACH_REGISTER ):
 	{
 		void *pRegister = m_Active.m_Registers.Data() + op.m_nReg0;
-		m_Active.SetDetached( op.m_nRegIndex0, true );
-		PulseValue_Destruct( *op.m_pType, pRegister );
-		PulseValue_Construct( *op.m_pType, pRegister );
+		m_Active.SetDetached( data.m_nRegIndex0, true );
+		PulseValue_Destruct( *data.m_pType, pRegister );
+		PulseValue_Construct( *data.m_pType, pRegister );
 		return;
 	}
 	case int( GET_ARRAY_ELEMENT ):
@@ -357,7 +358,7 @@ void CPulseExecCursor::ExecuteSlow( const PulseOp_t &op )
 		unsigned char *pRegs = m_Active.m_Registers.Data();
 		CPulseArrayData *pArray = Reg<CPulseArrayData *>( pRegs, op.m_nReg1 );
 		int32_t nIndex = Reg<int32_t>( pRegs, op.m_nReg2 );
-		const CPulseValueFullType &elementType = *op.m_pType->GetElementType();
+		const CPulseValueFullType &elementType = *data.m_pType->GetElementType();
 		if ( const void *pElement = CPulseArrayData::GetElement( pArray, elementType, nIndex ) )
 			PulseValue_Copy( elementType, pRegs + op.m_nReg0, pElement );
 		else
@@ -365,7 +366,7 @@ void CPulseExecCursor::ExecuteSlow( const PulseOp_t &op )
 		return;
 	}
 	case int( GET_DOMAIN_VALUE ):
-		PulseValue_Copy( *op.m_pType, m_Active.m_Registers.Data() + op.m_nReg0, m_pInstance->GetDomainValue( op.m_nA ) );
+		PulseValue_Copy( *data.m_pType, m_Active.m_Registers.Data() + op.m_nReg0, m_pInstance->GetDomainValue( op.m_nA ) );
 		return;
 	case int( CONVERT_VALUE ):
 	case int( REINTERPRET_INSTANCE ):
@@ -373,25 +374,25 @@ void CPulseExecCursor::ExecuteSlow( const PulseOp_t &op )
 		const PGDInstruction_t &instruction = m_Active.m_pChunk->m_Instructions[ size_t( m_Active.m_nInstruction ) ];
 		const CPulseValueFullType &from = m_Active.m_pChunk->m_Registers[ size_t( instruction.m_nReg1 ) ].m_Type;
 		unsigned char *pRegs = m_Active.m_Registers.Data();
-		m_Active.SetDetached( op.m_nRegIndex0, false );
+		m_Active.SetDetached( data.m_nRegIndex0, false );
 		if ( op.m_nCode == int( CONVERT_VALUE ) )
 		{
-			if ( !PulseValue_Convert( from, pRegs + op.m_nReg1, *op.m_pType, pRegs + op.m_nReg0 ) )
-				Error( "INTERNAL ERROR: Cannot convert or reinterpret from %s to %s", from.ToString().Get(), op.m_pType->ToString().Get() );
+			if ( !PulseValue_Convert( from, pRegs + op.m_nReg1, *data.m_pType, pRegs + op.m_nReg0 ) )
+				Error( "INTERNAL ERROR: Cannot convert or reinterpret from %s to %s", from.ToString().Get(), data.m_pType->ToString().Get() );
 		}
-		else if ( PulseValue_CanReinterpret( from, pRegs + op.m_nReg1, *op.m_pType ) )
+		else if ( PulseValue_CanReinterpret( from, pRegs + op.m_nReg1, *data.m_pType ) )
 		{
-			PulseValue_Copy( *op.m_pType, pRegs + op.m_nReg0, pRegs + op.m_nReg1 );
+			PulseValue_Copy( *data.m_pType, pRegs + op.m_nReg0, pRegs + op.m_nReg1 );
 		}
 		else
 		{
 			CPulseValueFullType actual = CPulseScopeEnumeratingTypeService::Get().GetActualType( from, pRegs + op.m_nReg1 );
-			Warning( "Cannot reinterpret instance (actual: %s) from (original) %s to (desired) %s", actual.ToString().Get(), from.ToString().Get(), op.m_pType->ToString().Get() );
+			Warning( "Cannot reinterpret instance (actual: %s) from (original) %s to (desired) %s", actual.ToString().Get(), from.ToString().Get(), data.m_pType->ToString().Get() );
 		}
 		return;
 	}
-	case int( GET_BLACKBOARD_REFERENCE ): RunBlackboardInstruction( op, false ); return;
-	case int( SET_BLACKBOARD_REFERENCE ): RunBlackboardInstruction( op, true ); return;
+	case int( GET_BLACKBOARD_REFERENCE ): RunBlackboardInstruction( op, data, false ); return;
+	case int( SET_BLACKBOARD_REFERENCE ): RunBlackboardInstruction( op, data, true ); return;
 	default: return;
 	}
 }
@@ -457,9 +458,9 @@ void CPulseExecCursor::Invoke( const PulseInvokePlan_t &plan )
 	}
 }
 
-void CPulseExecCursor::CallAsync( const PulseOp_t &op )
+void CPulseExecCursor::CallAsync( const PulseOp_t &op, const PulseOpData_t &data )
 {
-	auto *pPlan = static_cast<const PulseCallPlan_t *>( op.m_pData );
+	auto *pPlan = static_cast<const PulseCallPlan_t *>( data.m_pData );
 	auto *pTarget = dynamic_cast<const CPulseCell_Inflow_BaseEntrypoint *>( pPlan->m_pTarget );
 	if ( !pTarget )
 		return;
@@ -477,42 +478,42 @@ void CPulseExecCursor::CallAsync( const PulseOp_t &op )
 	m_pInstance->EndCursorRun( pChild );
 }
 
-void CPulseExecCursor::CopyVarToRegister( const PulseOp_t &op, bool bDetach )
+void CPulseExecCursor::CopyVarToRegister( const PulseOp_t &op, const PulseOpData_t &data, bool bDetach )
 {
 	void *pVar = m_pInstance->GetStateBlock() + op.m_nB;
-	PulseValue_Copy( *op.m_pType, m_Active.m_Registers.Data() + op.m_nReg0, pVar );
-	m_Active.SetDetached( op.m_nRegIndex0, false );
+	PulseValue_Copy( *data.m_pType, m_Active.m_Registers.Data() + op.m_nReg0, pVar );
+	m_Active.SetDetached( data.m_nRegIndex0, false );
 	if ( bDetach )
 	{
-		PulseValue_Destruct( *op.m_pType, pVar );
-		PulseValue_Construct( *op.m_pType, pVar );
+		PulseValue_Destruct( *data.m_pType, pVar );
+		PulseValue_Construct( *data.m_pType, pVar );
 		m_pInstance->SetVariableDetached( op.m_nA, true );
 	}
 }
 
-void CPulseExecCursor::SetVar( const PulseOp_t &op, bool bObservable )
+void CPulseExecCursor::SetVar( const PulseOp_t &op, const PulseOpData_t &data, bool bObservable )
 {
 	void *pVar = m_pInstance->GetStateBlock() + op.m_nB;
 	const void *pRegister = m_Active.m_Registers.Data() + op.m_nReg0;
 	if ( !bObservable )
 	{
-		PulseValue_Copy( *op.m_pType, pVar, pRegister );
+		PulseValue_Copy( *data.m_pType, pVar, pRegister );
 		m_pInstance->SetVariableDetached( op.m_nA, false );
 		return;
 	}
-	CPulseVariant oldValue( *op.m_pType, pVar );
-	PulseValue_Copy( *op.m_pType, pVar, pRegister );
+	CPulseVariant oldValue( *data.m_pType, pVar );
+	PulseValue_Copy( *data.m_pType, pVar, pRegister );
 	m_pInstance->SetVariableDetached( op.m_nA, false );
-	CPulseVariant newValue( *op.m_pType, pVar );
+	CPulseVariant newValue( *data.m_pType, pVar );
 	m_pInstance->GetSystem()->OnObservableChanged( GetNow(), m_pInstance, op.m_nA, oldValue, newValue );
 }
 
-void CPulseExecCursor::SetVarArrayElement( const PulseOp_t &op )
+void CPulseExecCursor::SetVarArrayElement( const PulseOp_t &op, const PulseOpData_t &data )
 {
 	unsigned char *pRegs = m_Active.m_Registers.Data();
 	auto **ppArray = reinterpret_cast<CPulseArrayData **>( m_pInstance->GetStateBlock() + op.m_nB );
 	int32_t nIndex = Reg<int32_t>( pRegs, op.m_nReg2 );
-	const CPulseValueFullType &elementType = *op.m_pType->GetElementType();
+	const CPulseValueFullType &elementType = *data.m_pType->GetElementType();
 	int nCount = CPulseArrayData::GetCount( *ppArray );
 	if ( nIndex < 0 || nIndex >= nCount )
 	{
@@ -522,14 +523,14 @@ void CPulseExecCursor::SetVarArrayElement( const PulseOp_t &op )
 	CPulseVariant oldValue;
 	bool bObservable = m_pInstance->GetDefinition()->IsVarObservable( op.m_nA );
 	if ( bObservable )
-		oldValue.SetValue( *op.m_pType, ppArray );
+		oldValue.SetValue( *data.m_pType, ppArray );
 	PulseValue_Copy( elementType, CPulseArrayData::GetElementForWrite( ppArray, elementType, nIndex ), pRegs + op.m_nReg0 );
 	m_pInstance->SetVariableDetached( op.m_nA, false );
 	if ( bObservable )
-		m_pInstance->GetSystem()->OnObservableChanged( GetNow(), m_pInstance, op.m_nA, oldValue, CPulseVariant( *op.m_pType, ppArray ) );
+		m_pInstance->GetSystem()->OnObservableChanged( GetNow(), m_pInstance, op.m_nA, oldValue, CPulseVariant( *data.m_pType, ppArray ) );
 }
 
-void CPulseExecCursor::RunBlackboardInstruction( const PulseOp_t &op, bool bWrite )
+void CPulseExecCursor::RunBlackboardInstruction( const PulseOp_t &op, const PulseOpData_t &data, bool bWrite )
 {
 	const char *pWhere = bWrite ? "PInstruction_t<42>::Run" : "PInstruction_t<41>::Run";
 	const CPulse_BlackboardReference &reference = *m_pInstance->GetDefinition()->GetBlackboardReference( op.m_nA );
@@ -551,7 +552,7 @@ void CPulseExecCursor::RunBlackboardInstruction( const PulseOp_t &op, bool bWrit
 	}
 	const CPulseValueFullType &varType = pTargetDef->GetVarType( nVar );
 	void *pRegister = m_Active.m_Registers.Data() + op.m_nReg0;
-	const CPulseValueFullType &regType = *op.m_pType;
+	const CPulseValueFullType &regType = *data.m_pType;
 	const CPulseValueFullType &from = bWrite ? regType : varType, &to = bWrite ? varType : regType;
 	const void *pSource = bWrite ? pRegister : pTarget->GetVariableStorage( nVar );
 	if ( !( from == to ) && !PulseValue_CanReinterpret( from, pSource, to ) )
@@ -563,7 +564,7 @@ void CPulseExecCursor::RunBlackboardInstruction( const PulseOp_t &op, bool bWrit
 	if ( !bWrite )
 	{
 		PulseValue_Copy( regType, pRegister, pSource );
-		m_Active.SetDetached( op.m_nRegIndex0, false );
+		m_Active.SetDetached( data.m_nRegIndex0, false );
 		return;
 	}
 	CPulseVariant oldValue( varType, pTarget->GetVariableStorage( nVar ) );

@@ -29,19 +29,25 @@ enum PulseInternalOp_t : int16_t
 	PULSE_OP_COUNT,
 };
 
+// What the run loop reads for every instruction: 16 bytes, so code stays dense in the cache.
 struct PulseOp_t
 {
 	int16_t m_nCode;   // PulseInstructionCode_t or PulseInternalOp_t
-	uint16_t m_nReg0;  // byte offsets of the operand registers
+	uint16_t m_nReg0;  // byte offsets of the operand registers (a variable's index for SET_VAR_BYTES)
 	uint16_t m_nReg1;
 	uint16_t m_nReg2;
 	int32_t m_nA;      // destination instruction, chunk, variable, byte count
-	int32_t m_nB;      // destination instruction of a call, state offset
-	const void *m_pData;              // constant storage, invoke plan, call plan
-	const CPulseValueFullType *m_pType; // the type the operation moves, when it needs one
-	int32_t m_nC;      // variable index of a byte-wise variable write
-	uint16_t m_nRegIndex0; // register number of Reg0 (detach bits)
-	uint16_t m_nPad = 0;
+	int32_t m_nB;      // destination instruction of a call, state or constant offset
+};
+static_assert( sizeof( PulseOp_t ) == 16 );
+
+// What the rarer operations need beside it, in a parallel array.
+struct PulseOpData_t
+{
+	const void *m_pData = nullptr;              // constant storage, invoke plan, call plan
+	const CPulseValueFullType *m_pType = nullptr; // the type the operation moves, when it needs one
+	int32_t m_nC = 0;                           // variable index of a byte-wise variable write
+	uint16_t m_nRegIndex0 = 0;                  // register number of Reg0 (detach bits)
 };
 
 // One argument of an invoke, placed at binding.

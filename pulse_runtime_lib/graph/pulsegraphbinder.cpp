@@ -188,6 +188,7 @@ public:
 			for ( CPulse_Chunk &chunk : m_Def.m_Chunks )
 			{
 				chunk.m_Ops.clear();
+				chunk.m_OpData.clear();
 				chunk.m_BoundCodes.clear();
 				chunk.m_InvokePlans.clear();
 				chunk.m_CallPlans.clear();
@@ -694,15 +695,18 @@ private:
 	{
 		CPulse_Chunk &chunk = m_Def.m_Chunks[ size_t( nChunk ) ];
 		chunk.m_Ops.clear();
+		chunk.m_OpData.clear();
 		chunk.m_BoundCodes.clear();
 		chunk.m_InvokePlans.clear();
 		chunk.m_CallPlans.clear();
 		for ( int i = 0; i < chunk.GetInstructionCount(); ++i )
 		{
 			PulseOp_t op {};
-			PulseInstructionCode_t eBound = BindInstruction( nChunk, i, &op );
+			PulseOpData_t data;
+			PulseInstructionCode_t eBound = BindInstruction( nChunk, i, &op, &data );
 			chunk.m_BoundCodes.push_back( eBound );
 			chunk.m_Ops.push_back( op );
+			chunk.m_OpData.push_back( data );
 		}
 		if ( !chunk.m_Instructions.empty() )
 		{
@@ -713,6 +717,7 @@ private:
 		PulseOp_t end {};
 		end.m_nCode = PULSE_OP_END_OF_CHUNK;
 		chunk.m_Ops.push_back( end );
+		chunk.m_OpData.emplace_back();
 	}
 
 	// Whether control can run on to the next instruction.
@@ -737,7 +742,7 @@ private:
 	}
 
 	// Checks one instruction and fills its operation; answers the bound code.
-	PulseInstructionCode_t BindInstruction( int nChunk, int nInstruction, PulseOp_t *pOp )
+	PulseInstructionCode_t BindInstruction( int nChunk, int nInstruction, PulseOp_t *pOp, PulseOpData_t *pData )
 	{
 		CPulse_Chunk &chunk = m_Def.m_Chunks[ size_t( nChunk ) ];
 		const PGDInstruction_t &instruction = chunk.m_Instructions[ size_t( nInstruction ) ];
@@ -763,7 +768,7 @@ private:
 		if ( nOperands & PULSE_OPERAND_REG0 )
 		{
 			pOp->m_nReg0 = RegOffset( nChunk, r0 );
-			pOp->m_nRegIndex0 = uint16_t( r0 );
+			pData->m_nRegIndex0 = uint16_t( r0 );
 		}
 		if ( nOperands & PULSE_OPERAND_REG1 )
 			pOp->m_nReg1 = RegOffset( nChunk, r1 );
@@ -793,7 +798,7 @@ private:
 			if ( !ExpectType( nChunk, nInstruction, "the result", r0, pForm->m_eResult ) )
 				return eCode;
 			pOp->m_nCode = int16_t( pForm->m_eTyped );
-			pOp->m_pType = &RegType( nChunk, r1 );
+			pData->m_pType = &RegType( nChunk, r1 );
 			return pForm->m_eTyped;
 		}
 
@@ -809,8 +814,8 @@ private:
 			ExpectType( nChunk, nInstruction, "the condition", r0, PVAL_BOOL );
 			pOp->m_nA = instruction.m_nChunk;
 			break;
-		case RETURN_VALUE: pOp->m_pType = &RegType( nChunk, r0 ); break;
-		case DETACH_REGISTER: pOp->m_pType = &RegType( nChunk, r0 ); break;
+		case RETURN_VALUE: pData->m_pType = &RegType( nChunk, r0 ); break;
+		case DETACH_REGISTER: pData->m_pType = &RegType( nChunk, r0 ); break;
 		case PULSE_CALL_SYNC:
 		case PULSE_CALL_ASYNC_FIRE:
 		{
@@ -819,7 +824,7 @@ private:
 			{
 				pOp->m_nA = instruction.m_nChunk;
 				pOp->m_nB = instruction.m_nDestInstruction;
-				pOp->m_pData = pPlan.get();
+				pData->m_pData = pPlan.get();
 				chunk.m_CallPlans.push_back( std::move( pPlan ) );
 			}
 			break;
@@ -838,7 +843,7 @@ private:
 			auto pPlan = std::make_unique<PulseInvokePlan_t>();
 			if ( BuildInvokePlan( nChunk, nInstruction, binding, pPlan.get() ) )
 			{
-				pOp->m_pData = pPlan.get();
+				pData->m_pData = pPlan.get();
 				chunk.m_InvokePlans.push_back( std::move( pPlan ) );
 			}
 			break;
@@ -855,11 +860,12 @@ private:
 				break;
 			pOp->m_nA = instruction.m_nVar;
 			pOp->m_nB = var.m_nStateOffset;
-			pOp->m_pType = &var.m_Type;
+			pData->m_pType = &var.m_Type;
 			if ( IsPlainBytes( var.m_Type ) && ( eCode == SET_VAR || eCode == GET_VAR ) )
 			{
 				pOp->m_nCode = int16_t( eCode == SET_VAR ? PULSE_OP_SET_VAR_BYTES : PULSE_OP_GET_VAR_BYTES );
-				pOp->m_nC = instruction.m_nVar;
+				pOp->m_nReg1 = uint16_t( instruction.m_nVar );
+				pData->m_nC = instruction.m_nVar;
 				pOp->m_nA = int32_t( PulseValue_GetSize( var.m_Type ) );
 			}
 			break;
@@ -878,7 +884,7 @@ private:
 				break;
 			pOp->m_nA = instruction.m_nVar;
 			pOp->m_nB = var.m_nStateOffset;
-			pOp->m_pType = &var.m_Type;
+			pData->m_pType = &var.m_Type;
 			break;
 		}
 		case GET_CONST:
@@ -889,7 +895,7 @@ private:
 			if ( !ExpectStorage( nChunk, nInstruction, "the register", r0, constant.m_Type, what ) )
 				break;
 			pOp->m_nA = instruction.m_nConstIdx;
-			pOp->m_pType = &constant.m_Type;
+			pData->m_pType = &constant.m_Type;
 			// Every constant with a size gets storage in the definition's buffer.
 			if ( PulseValue_GetSize( constant.m_Type ) > 0 )
 			{
@@ -908,7 +914,7 @@ private:
 			}
 			if ( ExpectType( nChunk, nInstruction, "the index", r2, PVAL_INT ) )
 				ExpectStorage( nChunk, nInstruction, "the result", r0, *RegType( nChunk, r1 ).GetElementType(), "the element type" );
-			pOp->m_pType = &RegType( nChunk, r1 );
+			pData->m_pType = &RegType( nChunk, r1 );
 			break;
 		}
 		case GET_DOMAIN_VALUE:
@@ -917,7 +923,7 @@ private:
 			if ( ExpectStorage( nChunk, nInstruction, "the register", r0, value.m_RequiredRuntimeType, "the domain value" ) )
 			{
 				pOp->m_nA = instruction.m_nDomainValueIdx;
-				pOp->m_pType = &value.m_RequiredRuntimeType;
+				pData->m_pType = &value.m_RequiredRuntimeType;
 			}
 			break;
 		}
@@ -925,7 +931,7 @@ private:
 		{
 			// Only a copy between registers of one type moves a value.
 			const CPulseValueFullType &to = RegType( nChunk, r0 ), &from = RegType( nChunk, r1 );
-			pOp->m_pType = &to;
+			pData->m_pType = &to;
 			if ( to != from )
 				pOp->m_nCode = PULSE_OP_COPY_MISMATCH;
 			else if ( IsPlainBytes( to ) )
@@ -951,7 +957,7 @@ private:
 				CUtlString fromText, toText;
 				InstructionError( nChunk, nInstruction, "no conversion from %s to %s", TypeText( from, &fromText ), TypeText( to, &toText ) );
 			}
-			pOp->m_pType = &to;
+			pData->m_pType = &to;
 			break;
 		}
 		case REINTERPRET_INSTANCE:
@@ -960,12 +966,12 @@ private:
 				CUtlString fromText, toText;
 				InstructionError( nChunk, nInstruction, "can't see %s as %s", TypeText( RegType( nChunk, r1 ), &fromText ), TypeText( RegType( nChunk, r0 ), &toText ) );
 			}
-			pOp->m_pType = &RegType( nChunk, r0 );
+			pData->m_pType = &RegType( nChunk, r0 );
 			break;
 		case GET_BLACKBOARD_REFERENCE:
 		case SET_BLACKBOARD_REFERENCE:
 			pOp->m_nA = instruction.m_nBlackboardReferenceIdx;
-			pOp->m_pType = &RegType( nChunk, r0 );
+			pData->m_pType = &RegType( nChunk, r0 );
 			break;
 		default: break;
 		}
@@ -1056,12 +1062,13 @@ private:
 		for ( const auto &[ nChunk, nInstruction ] : m_PendingConstantOps )
 		{
 			PulseOp_t &op = m_Def.m_Chunks[ size_t( nChunk ) ].m_Ops[ size_t( nInstruction ) ];
-			op.m_pData = m_Def.GetConstantStorage( op.m_nA );
+			PulseOpData_t &data = m_Def.m_Chunks[ size_t( nChunk ) ].m_OpData[ size_t( nInstruction ) ];
+			data.m_pData = m_Def.GetConstantStorage( op.m_nA );
 			op.m_nCode = int16_t( GET_CONST_INLINE_STORAGE );
-			if ( IsPlainBytes( *op.m_pType ) )
+			if ( IsPlainBytes( *data.m_pType ) )
 			{
 				op.m_nCode = PULSE_OP_LOAD_BYTES;
-				op.m_nA = int32_t( PulseValue_GetSize( *op.m_pType ) );
+				op.m_nA = int32_t( PulseValue_GetSize( *data.m_pType ) );
 			}
 		}
 	}

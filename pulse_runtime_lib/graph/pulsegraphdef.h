@@ -42,6 +42,7 @@ struct CPulse_Chunk
 	uint32_t m_nRegisterAlignment = 1;
 	std::vector<PulseInstructionCode_t> m_BoundCodes;
 	std::vector<PulseOp_t> m_Ops;
+	std::vector<PulseOpData_t> m_OpData;
 	std::vector<std::unique_ptr<PulseInvokePlan_t>> m_InvokePlans;
 	std::vector<std::unique_ptr<PulseCallPlan_t>> m_CallPlans;
 	// Every register at its default, as bytes: a new register file starts as a copy. No
