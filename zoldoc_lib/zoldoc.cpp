@@ -319,7 +319,7 @@ void CZolDoc::UpdateToCurrentVersion()
 	OpenUndoUnit( "Update to Current Version" );
 	SendEvent( ZolEvent_DocumentModified_t() );
 
-	UpdateRootVersion( m_pRoot );
+	UpdateRootVersion( m_pRoot, m_bKeepsUnknownFunctions );
 	RebuildAttributeLabels();
 	SendEvent( ZolEvent_DocumentReplaced_t() );
 	RebuildAttributeLabels();
