@@ -4,7 +4,9 @@
 // leaps, invokes, anything that runs other cursors) go through ExecuteSlow, after which
 // the loop takes up the frame afresh.
 
+#include <atomic>
 #include <cmath>
+#include <mutex>
 #include <cstring>
 
 #include "pulse_runtime_lib/cells/pulsecells.h"
@@ -77,231 +79,350 @@ bool HandlesEqual( const CPulseValueFullType &type, const void *pA, const void *
 
 template <bool bTrace> void CPulseExecCursor::Interpret( int *pCount )
 {
-	IPulseSystem *pSystem = m_pInstance->GetSystem();
-	for ( ;; )
+	// Threaded dispatch: each operation jumps straight to the next one's handler through
+	// this table; codes without a handler here go to ExecuteSlow.
+	static void *s_Dispatch[ PULSE_OP_COUNT ];
+	static std::atomic<bool> s_bDispatchReady { false };
+	if ( !s_bDispatchReady.load( std::memory_order_acquire ) )
 	{
-		const CPulse_Chunk *pChunk = m_Active.m_pChunk;
-		const PulseOp_t *pOps = pChunk->m_Ops.data();
-		const PulseOpData_t *pOpData = pChunk->m_OpData.data();
-		unsigned char *pRegs = m_Active.m_Registers.Data();
-		int nPos = m_Active.m_nInstruction;
-		int nCount = *pCount;
-		for ( ;; )
+		static std::mutex s_Mutex;
+		std::lock_guard<std::mutex> lock( s_Mutex );
+		for ( void *&pHandler : s_Dispatch )
+			pHandler = &&op_slow;
+#define PULSE_FAST_OP( name ) s_Dispatch[ int( name ) ] = &&op_##name;
+		PULSE_FAST_OP( INVALID )
+		PULSE_FAST_OP( NOP )
+		PULSE_FAST_OP( LAST_SERIALIZED_CODE )
+		PULSE_FAST_OP( JUMP )
+		PULSE_FAST_OP( JUMP_COND )
+		PULSE_FAST_OP( PULSE_OP_COPY_BYTES )
+		PULSE_FAST_OP( PULSE_OP_LOAD_BYTES )
+		PULSE_FAST_OP( PULSE_OP_GET_VAR_BYTES )
+		PULSE_FAST_OP( PULSE_OP_SET_VAR_BYTES )
+		PULSE_FAST_OP( COPY )
+		PULSE_FAST_OP( PULSE_OP_COPY_MISMATCH )
+		PULSE_FAST_OP( GET_CONST )
+		PULSE_FAST_OP( GET_CONST_INLINE_STORAGE )
+		PULSE_FAST_OP( NOT )
+		PULSE_FAST_OP( AND )
+		PULSE_FAST_OP( OR )
+		PULSE_FAST_OP( NEGATE_INT )
+		PULSE_FAST_OP( NEGATE_FLOAT )
+		PULSE_FAST_OP( NEGATE_VEC2 )
+		PULSE_FAST_OP( NEGATE_VEC3 )
+		PULSE_FAST_OP( NEGATE_VEC4 )
+		PULSE_FAST_OP( ADD_INT )
+		PULSE_FAST_OP( ADD_FLOAT )
+		PULSE_FAST_OP( ADD_GAMETIME_FLOAT )
+		PULSE_FAST_OP( ADD_FLOAT_GAMETIME )
+		PULSE_FAST_OP( ADD_STRING )
+		PULSE_FAST_OP( ADD_VEC2 )
+		PULSE_FAST_OP( ADD_VEC3 )
+		PULSE_FAST_OP( ADD_VEC3WS_VEC3 )
+		PULSE_FAST_OP( ADD_VEC3_VEC3WS )
+		PULSE_FAST_OP( ADD_VEC4 )
+		PULSE_FAST_OP( SUB_INT )
+		PULSE_FAST_OP( SUB_FLOAT )
+		PULSE_FAST_OP( SUB_GAMETIME_FLOAT )
+		PULSE_FAST_OP( SUB_GAMETIME )
+		PULSE_FAST_OP( SUB_VEC2 )
+		PULSE_FAST_OP( SUB_VEC3 )
+		PULSE_FAST_OP( SUB_VEC3WS_VEC3 )
+		PULSE_FAST_OP( SUB_VEC3WS_VEC3WS )
+		PULSE_FAST_OP( SUB_VEC4 )
+		PULSE_FAST_OP( MUL_INT )
+		PULSE_FAST_OP( MUL_FLOAT )
+		PULSE_FAST_OP( DIV_FLOAT )
+		PULSE_FAST_OP( MOD_INT )
+		PULSE_FAST_OP( MOD_FLOAT )
+		PULSE_FAST_OP( LT_INT )
+		PULSE_FAST_OP( LT_FLOAT )
+		PULSE_FAST_OP( LT_GAMETIME )
+		PULSE_FAST_OP( LTE_INT )
+		PULSE_FAST_OP( LTE_FLOAT )
+		PULSE_FAST_OP( LTE_GAMETIME )
+		PULSE_FAST_OP( EQ_BOOL )
+		PULSE_FAST_OP( NE_BOOL )
+		PULSE_FAST_OP( EQ_INT )
+		PULSE_FAST_OP( NE_INT )
+		PULSE_FAST_OP( EQ_COLOR_RGB )
+		PULSE_FAST_OP( NE_COLOR_RGB )
+		PULSE_FAST_OP( EQ_ENTITY_NAME )
+		PULSE_FAST_OP( NE_ENTITY_NAME )
+		PULSE_FAST_OP( EQ_EHANDLE )
+		PULSE_FAST_OP( EQ_OPAQUE_HANDLE )
+		PULSE_FAST_OP( EQ_TEST_HANDLE )
+		PULSE_FAST_OP( NE_EHANDLE )
+		PULSE_FAST_OP( NE_OPAQUE_HANDLE )
+		PULSE_FAST_OP( NE_TEST_HANDLE )
+		PULSE_FAST_OP( EQ_PANEL_HANDLE )
+		PULSE_FAST_OP( NE_PANEL_HANDLE )
+		PULSE_FAST_OP( EQ_FLOAT )
+		PULSE_FAST_OP( EQ_VEC2 )
+		PULSE_FAST_OP( EQ_VEC3 )
+		PULSE_FAST_OP( EQ_VEC3WS )
+		PULSE_FAST_OP( EQ_VEC4 )
+		PULSE_FAST_OP( EQ_STRING )
+		PULSE_FAST_OP( EQ_SCHEMA_ENUM )
+		PULSE_FAST_OP( EQ_ARRAY )
+		PULSE_FAST_OP( EQ_GAMETIME )
+		PULSE_FAST_OP( NE_FLOAT )
+		PULSE_FAST_OP( NE_VEC2 )
+		PULSE_FAST_OP( NE_VEC3 )
+		PULSE_FAST_OP( NE_VEC3WS )
+		PULSE_FAST_OP( NE_VEC4 )
+		PULSE_FAST_OP( NE_STRING )
+		PULSE_FAST_OP( NE_SCHEMA_ENUM )
+		PULSE_FAST_OP( NE_ARRAY )
+		PULSE_FAST_OP( NE_GAMETIME )
+		PULSE_FAST_OP( SCALE_VEC2 )
+		PULSE_FAST_OP( SCALE_VEC3 )
+		PULSE_FAST_OP( SCALE_VEC4 )
+		PULSE_FAST_OP( SCALE_INV_VEC2 )
+		PULSE_FAST_OP( SCALE_INV_VEC3 )
+		PULSE_FAST_OP( SCALE_INV_VEC4 )
+		PULSE_FAST_OP( ELEMENT_ACCESS_VEC2 )
+		PULSE_FAST_OP( ELEMENT_ACCESS_VEC3 )
+		PULSE_FAST_OP( ELEMENT_ACCESS_VEC3WS )
+		PULSE_FAST_OP( ELEMENT_ACCESS_VEC4 )
+		PULSE_FAST_OP( ELEMENT_ACCESS_COLOR_RGB )
+#undef PULSE_FAST_OP
+		s_bDispatchReady.store( true, std::memory_order_release );
+	}
+
+	IPulseSystem *pSystem = m_pInstance->GetSystem();
+	const CPulse_Chunk *pChunk;
+	const PulseOp_t *pOps;
+	const PulseOpData_t *pOpData;
+	unsigned char *pRegs;
+	const PulseOp_t *pOp;
+	int nPos;
+	int nCount = *pCount;
+
+#define PULSE_DISPATCH()                                                       \
+	do                                                                         \
+	{                                                                          \
+		if ( ++nCount > MAX_INSTRUCTIONS_PER_RUN )                             \
+			goto op_limit;                                                     \
+		pOp = pOps + nPos;                                                     \
+		if constexpr ( bTrace )                                                \
+			pSystem->TraceInstruction( this, pOp->m_nCode, pChunk->GetFlowNodeID( nPos ) ); \
+		goto *s_Dispatch[ pOp->m_nCode ];                                      \
+	} while ( 0 )
+#define PULSE_NEXT()    \
+	do                  \
+	{                   \
+		++nPos;         \
+		PULSE_DISPATCH(); \
+	} while ( 0 )
+
+op_reload:
+	// A new frame, or the same one moved: take it up afresh.
+	pChunk = m_Active.m_pChunk;
+	pOps = pChunk->m_Ops.data();
+	pOpData = pChunk->m_OpData.data();
+	pRegs = m_Active.m_Registers.Data();
+	nPos = m_Active.m_nInstruction;
+	PULSE_DISPATCH();
+
+	op_INVALID:
+	op_NOP:
+	op_LAST_SERIALIZED_CODE: PULSE_NEXT();
+	op_JUMP: nPos = pOp->m_nA; PULSE_DISPATCH();
+	op_JUMP_COND: nPos = Reg<bool>( pRegs, pOp->m_nReg0 ) ? pOp->m_nA : nPos + 1; PULSE_DISPATCH();
+
+	op_PULSE_OP_COPY_BYTES: memcpy( pRegs + pOp->m_nReg0, pRegs + pOp->m_nReg1, size_t( pOp->m_nA ) ); PULSE_NEXT();
+	op_PULSE_OP_LOAD_BYTES: memcpy( pRegs + pOp->m_nReg0, pOpData[ nPos ].m_pData, size_t( pOp->m_nA ) ); PULSE_NEXT();
+	op_PULSE_OP_GET_VAR_BYTES: memcpy( pRegs + pOp->m_nReg0, m_pInstance->GetStateBlock() + pOp->m_nB, size_t( pOp->m_nA ) ); PULSE_NEXT();
+	op_PULSE_OP_SET_VAR_BYTES:
+			memcpy( m_pInstance->GetStateBlock() + pOp->m_nB, pRegs + pOp->m_nReg0, size_t( pOp->m_nA ) );
+			m_pInstance->SetVariableDetached( pOp->m_nReg1, false );
+			PULSE_NEXT();
+	op_COPY: PulseValue_Copy( *pOpData[ nPos ].m_pType, pRegs + pOp->m_nReg0, pRegs + pOp->m_nReg1 ); PULSE_NEXT();
+	op_PULSE_OP_COPY_MISMATCH: m_Active.SetDetached( pOpData[ nPos ].m_nRegIndex0, false ); PULSE_NEXT();
+	op_GET_CONST:
+	op_GET_CONST_INLINE_STORAGE:
+			if ( pOpData[ nPos ].m_pData )
+				PulseValue_Copy( *pOpData[ nPos ].m_pType, pRegs + pOp->m_nReg0, pOpData[ nPos ].m_pData );
+			PULSE_NEXT();
+
+	op_NOT: Reg<bool>( pRegs, pOp->m_nReg0 ) = !Reg<bool>( pRegs, pOp->m_nReg1 ); PULSE_NEXT();
+	op_AND: Reg<bool>( pRegs, pOp->m_nReg0 ) = Reg<bool>( pRegs, pOp->m_nReg1 ) && Reg<bool>( pRegs, pOp->m_nReg2 ); PULSE_NEXT();
+	op_OR: Reg<bool>( pRegs, pOp->m_nReg0 ) = Reg<bool>( pRegs, pOp->m_nReg1 ) || Reg<bool>( pRegs, pOp->m_nReg2 ); PULSE_NEXT();
+
+	op_NEGATE_INT: Reg<int32_t>( pRegs, pOp->m_nReg0 ) = WrapSub( 0, Reg<int32_t>( pRegs, pOp->m_nReg1 ) ); PULSE_NEXT();
+	op_NEGATE_FLOAT: Reg<float>( pRegs, pOp->m_nReg0 ) = -Reg<float>( pRegs, pOp->m_nReg1 ); PULSE_NEXT();
+	op_NEGATE_VEC2: VecNegate<2>( Floats( pRegs, pOp->m_nReg0 ), Floats( pRegs, pOp->m_nReg1 ) ); PULSE_NEXT();
+	op_NEGATE_VEC3: VecNegate<3>( Floats( pRegs, pOp->m_nReg0 ), Floats( pRegs, pOp->m_nReg1 ) ); PULSE_NEXT();
+	op_NEGATE_VEC4: VecNegate<4>( Floats( pRegs, pOp->m_nReg0 ), Floats( pRegs, pOp->m_nReg1 ) ); PULSE_NEXT();
+
+	op_ADD_INT: Reg<int32_t>( pRegs, pOp->m_nReg0 ) = WrapAdd( Reg<int32_t>( pRegs, pOp->m_nReg1 ), Reg<int32_t>( pRegs, pOp->m_nReg2 ) ); PULSE_NEXT();
+	op_ADD_FLOAT:
+	op_ADD_GAMETIME_FLOAT:
+	op_ADD_FLOAT_GAMETIME: Reg<float>( pRegs, pOp->m_nReg0 ) = Reg<float>( pRegs, pOp->m_nReg1 ) + Reg<float>( pRegs, pOp->m_nReg2 ); PULSE_NEXT();
+	op_ADD_STRING:
 		{
-			if ( ++nCount > MAX_INSTRUCTIONS_PER_RUN )
+			const char *pLeft = PulseValue_GetString( pRegs + pOp->m_nReg1 ), *pRight = PulseValue_GetString( pRegs + pOp->m_nReg2 );
+			size_t nLength = strlen( pLeft ) + strlen( pRight );
+			// A loop that doubles a text would eat all memory long before the run limit.
+			if ( nLength > MAX_STRING_LENGTH )
 			{
 				m_Active.m_nInstruction = nPos;
-				*pCount = nCount;
-				m_pInstance->OnInfiniteLoop( nCount );
-				Terminate( PulseCursorExecResult_t::Failed );
-				return;
+				Warning( "Text of %zu characters is too long (at most %zu); the result is empty", nLength, MAX_STRING_LENGTH );
+				PulseValue_SetString( pRegs + pOp->m_nReg0, "" );
 			}
-			const PulseOp_t &op = pOps[ nPos ];
-			if constexpr ( bTrace )
-				pSystem->TraceInstruction( this, op.m_nCode, pChunk->GetFlowNodeID( nPos ) );
-			switch ( op.m_nCode )
+			else
 			{
-			case int( INVALID ):
-			case int( NOP ):
-			case int( LAST_SERIALIZED_CODE ): ++nPos; continue;
-			case int( JUMP ): nPos = op.m_nA; continue;
-			case int( JUMP_COND ): nPos = Reg<bool>( pRegs, op.m_nReg0 ) ? op.m_nA : nPos + 1; continue;
-
-			case PULSE_OP_COPY_BYTES: memcpy( pRegs + op.m_nReg0, pRegs + op.m_nReg1, size_t( op.m_nA ) ); ++nPos; continue;
-			case PULSE_OP_LOAD_BYTES: memcpy( pRegs + op.m_nReg0, pOpData[ nPos ].m_pData, size_t( op.m_nA ) ); ++nPos; continue;
-			case PULSE_OP_GET_VAR_BYTES: memcpy( pRegs + op.m_nReg0, m_pInstance->GetStateBlock() + op.m_nB, size_t( op.m_nA ) ); ++nPos; continue;
-			case PULSE_OP_SET_VAR_BYTES:
-				memcpy( m_pInstance->GetStateBlock() + op.m_nB, pRegs + op.m_nReg0, size_t( op.m_nA ) );
-				m_pInstance->SetVariableDetached( op.m_nReg1, false );
-				++nPos;
-				continue;
-			case int( COPY ): PulseValue_Copy( *pOpData[ nPos ].m_pType, pRegs + op.m_nReg0, pRegs + op.m_nReg1 ); ++nPos; continue;
-			case PULSE_OP_COPY_MISMATCH: m_Active.SetDetached( pOpData[ nPos ].m_nRegIndex0, false ); ++nPos; continue;
-			case int( GET_CONST ):
-			case int( GET_CONST_INLINE_STORAGE ):
-				if ( pOpData[ nPos ].m_pData )
-					PulseValue_Copy( *pOpData[ nPos ].m_pType, pRegs + op.m_nReg0, pOpData[ nPos ].m_pData );
-				++nPos;
-				continue;
-
-			case int( NOT ): Reg<bool>( pRegs, op.m_nReg0 ) = !Reg<bool>( pRegs, op.m_nReg1 ); ++nPos; continue;
-			case int( AND ): Reg<bool>( pRegs, op.m_nReg0 ) = Reg<bool>( pRegs, op.m_nReg1 ) && Reg<bool>( pRegs, op.m_nReg2 ); ++nPos; continue;
-			case int( OR ): Reg<bool>( pRegs, op.m_nReg0 ) = Reg<bool>( pRegs, op.m_nReg1 ) || Reg<bool>( pRegs, op.m_nReg2 ); ++nPos; continue;
-
-			case int( NEGATE_INT ): Reg<int32_t>( pRegs, op.m_nReg0 ) = WrapSub( 0, Reg<int32_t>( pRegs, op.m_nReg1 ) ); ++nPos; continue;
-			case int( NEGATE_FLOAT ): Reg<float>( pRegs, op.m_nReg0 ) = -Reg<float>( pRegs, op.m_nReg1 ); ++nPos; continue;
-			case int( NEGATE_VEC2 ): VecNegate<2>( Floats( pRegs, op.m_nReg0 ), Floats( pRegs, op.m_nReg1 ) ); ++nPos; continue;
-			case int( NEGATE_VEC3 ): VecNegate<3>( Floats( pRegs, op.m_nReg0 ), Floats( pRegs, op.m_nReg1 ) ); ++nPos; continue;
-			case int( NEGATE_VEC4 ): VecNegate<4>( Floats( pRegs, op.m_nReg0 ), Floats( pRegs, op.m_nReg1 ) ); ++nPos; continue;
-
-			case int( ADD_INT ): Reg<int32_t>( pRegs, op.m_nReg0 ) = WrapAdd( Reg<int32_t>( pRegs, op.m_nReg1 ), Reg<int32_t>( pRegs, op.m_nReg2 ) ); ++nPos; continue;
-			case int( ADD_FLOAT ):
-			case int( ADD_GAMETIME_FLOAT ):
-			case int( ADD_FLOAT_GAMETIME ): Reg<float>( pRegs, op.m_nReg0 ) = Reg<float>( pRegs, op.m_nReg1 ) + Reg<float>( pRegs, op.m_nReg2 ); ++nPos; continue;
-			case int( ADD_STRING ):
-			{
-				const char *pLeft = PulseValue_GetString( pRegs + op.m_nReg1 ), *pRight = PulseValue_GetString( pRegs + op.m_nReg2 );
-				size_t nLength = strlen( pLeft ) + strlen( pRight );
-				// A loop that doubles a text would eat all memory long before the run limit.
-				if ( nLength > MAX_STRING_LENGTH )
-				{
-					m_Active.m_nInstruction = nPos;
-					Warning( "Text of %zu characters is too long (at most %zu); the result is empty", nLength, MAX_STRING_LENGTH );
-					PulseValue_SetString( pRegs + op.m_nReg0, "" );
-				}
-				else
-				{
-					CUtlString text( pLeft );
-					text += pRight;
-					PulseValue_SetString( pRegs + op.m_nReg0, text.Get() );
-				}
-				++nPos;
-				continue;
+				CUtlString text( pLeft );
+				text += pRight;
+				PulseValue_SetString( pRegs + pOp->m_nReg0, text.Get() );
 			}
-			case int( ADD_VEC2 ): VecAdd<2>( Floats( pRegs, op.m_nReg0 ), Floats( pRegs, op.m_nReg1 ), Floats( pRegs, op.m_nReg2 ) ); ++nPos; continue;
-			case int( ADD_VEC3 ):
-			case int( ADD_VEC3WS_VEC3 ):
-			case int( ADD_VEC3_VEC3WS ): VecAdd<3>( Floats( pRegs, op.m_nReg0 ), Floats( pRegs, op.m_nReg1 ), Floats( pRegs, op.m_nReg2 ) ); ++nPos; continue;
-			case int( ADD_VEC4 ): VecAdd<4>( Floats( pRegs, op.m_nReg0 ), Floats( pRegs, op.m_nReg1 ), Floats( pRegs, op.m_nReg2 ) ); ++nPos; continue;
-
-			case int( SUB_INT ): Reg<int32_t>( pRegs, op.m_nReg0 ) = WrapSub( Reg<int32_t>( pRegs, op.m_nReg1 ), Reg<int32_t>( pRegs, op.m_nReg2 ) ); ++nPos; continue;
-			case int( SUB_FLOAT ):
-			case int( SUB_GAMETIME_FLOAT ):
-			case int( SUB_GAMETIME ): Reg<float>( pRegs, op.m_nReg0 ) = Reg<float>( pRegs, op.m_nReg1 ) - Reg<float>( pRegs, op.m_nReg2 ); ++nPos; continue;
-			case int( SUB_VEC2 ): VecSub<2>( Floats( pRegs, op.m_nReg0 ), Floats( pRegs, op.m_nReg1 ), Floats( pRegs, op.m_nReg2 ) ); ++nPos; continue;
-			case int( SUB_VEC3 ):
-			case int( SUB_VEC3WS_VEC3 ):
-			case int( SUB_VEC3WS_VEC3WS ): VecSub<3>( Floats( pRegs, op.m_nReg0 ), Floats( pRegs, op.m_nReg1 ), Floats( pRegs, op.m_nReg2 ) ); ++nPos; continue;
-			case int( SUB_VEC4 ): VecSub<4>( Floats( pRegs, op.m_nReg0 ), Floats( pRegs, op.m_nReg1 ), Floats( pRegs, op.m_nReg2 ) ); ++nPos; continue;
-
-			case int( MUL_INT ): Reg<int32_t>( pRegs, op.m_nReg0 ) = WrapMul( Reg<int32_t>( pRegs, op.m_nReg1 ), Reg<int32_t>( pRegs, op.m_nReg2 ) ); ++nPos; continue;
-			case int( MUL_FLOAT ): Reg<float>( pRegs, op.m_nReg0 ) = Reg<float>( pRegs, op.m_nReg1 ) * Reg<float>( pRegs, op.m_nReg2 ); ++nPos; continue;
-			case int( DIV_FLOAT ):
-			{
-				float flDivisor = Reg<float>( pRegs, op.m_nReg2 );
-				if ( flDivisor == 0.0f )
-				{
-					m_Active.m_nInstruction = nPos;
-					Warning( "Divide by zero!" );
-				}
-				Reg<float>( pRegs, op.m_nReg0 ) = Reg<float>( pRegs, op.m_nReg1 ) / flDivisor;
-				++nPos;
-				continue;
-			}
-			case int( MOD_INT ):
-			{
-				// A zero divisor, and the one quotient that doesn't fit, give 0.
-				int32_t a = Reg<int32_t>( pRegs, op.m_nReg1 ), b = Reg<int32_t>( pRegs, op.m_nReg2 );
-				if ( b == 0 )
-				{
-					m_Active.m_nInstruction = nPos;
-					Warning( "Divide by zero!" );
-					Reg<int32_t>( pRegs, op.m_nReg0 ) = 0;
-				}
-				else
-				{
-					Reg<int32_t>( pRegs, op.m_nReg0 ) = b == -1 ? 0 : a % b;
-				}
-				++nPos;
-				continue;
-			}
-			case int( MOD_FLOAT ):
-			{
-				float flDivisor = Reg<float>( pRegs, op.m_nReg2 );
-				if ( flDivisor == 0.0f )
-				{
-					m_Active.m_nInstruction = nPos;
-					Warning( "Divide by zero!" );
-				}
-				Reg<float>( pRegs, op.m_nReg0 ) = std::fmod( Reg<float>( pRegs, op.m_nReg1 ), flDivisor );
-				++nPos;
-				continue;
-			}
-
-			case int( LT_INT ): Reg<bool>( pRegs, op.m_nReg0 ) = Reg<int32_t>( pRegs, op.m_nReg1 ) < Reg<int32_t>( pRegs, op.m_nReg2 ); ++nPos; continue;
-			case int( LT_FLOAT ):
-			case int( LT_GAMETIME ): Reg<bool>( pRegs, op.m_nReg0 ) = Reg<float>( pRegs, op.m_nReg1 ) < Reg<float>( pRegs, op.m_nReg2 ); ++nPos; continue;
-			case int( LTE_INT ): Reg<bool>( pRegs, op.m_nReg0 ) = Reg<int32_t>( pRegs, op.m_nReg1 ) <= Reg<int32_t>( pRegs, op.m_nReg2 ); ++nPos; continue;
-			case int( LTE_FLOAT ):
-			case int( LTE_GAMETIME ): Reg<bool>( pRegs, op.m_nReg0 ) = Reg<float>( pRegs, op.m_nReg1 ) <= Reg<float>( pRegs, op.m_nReg2 ); ++nPos; continue;
-
-			case int( EQ_BOOL ): Reg<bool>( pRegs, op.m_nReg0 ) = Reg<bool>( pRegs, op.m_nReg1 ) == Reg<bool>( pRegs, op.m_nReg2 ); ++nPos; continue;
-			case int( NE_BOOL ): Reg<bool>( pRegs, op.m_nReg0 ) = Reg<bool>( pRegs, op.m_nReg1 ) != Reg<bool>( pRegs, op.m_nReg2 ); ++nPos; continue;
-			case int( EQ_INT ): Reg<bool>( pRegs, op.m_nReg0 ) = Reg<int32_t>( pRegs, op.m_nReg1 ) == Reg<int32_t>( pRegs, op.m_nReg2 ); ++nPos; continue;
-			case int( NE_INT ): Reg<bool>( pRegs, op.m_nReg0 ) = Reg<int32_t>( pRegs, op.m_nReg1 ) != Reg<int32_t>( pRegs, op.m_nReg2 ); ++nPos; continue;
-			// A colour is four bytes at any alignment: all four compare, alpha too.
-			case int( EQ_COLOR_RGB ): Reg<bool>( pRegs, op.m_nReg0 ) = memcmp( pRegs + op.m_nReg1, pRegs + op.m_nReg2, 4 ) == 0; ++nPos; continue;
-			case int( NE_COLOR_RGB ): Reg<bool>( pRegs, op.m_nReg0 ) = memcmp( pRegs + op.m_nReg1, pRegs + op.m_nReg2, 4 ) != 0; ++nPos; continue;
-			case int( EQ_ENTITY_NAME ): Reg<bool>( pRegs, op.m_nReg0 ) = Reg<CGlobalSymbol>( pRegs, op.m_nReg1 ) == Reg<CGlobalSymbol>( pRegs, op.m_nReg2 ); ++nPos; continue;
-			case int( NE_ENTITY_NAME ): Reg<bool>( pRegs, op.m_nReg0 ) = !( Reg<CGlobalSymbol>( pRegs, op.m_nReg1 ) == Reg<CGlobalSymbol>( pRegs, op.m_nReg2 ) ); ++nPos; continue;
-			case int( EQ_EHANDLE ):
-			case int( EQ_OPAQUE_HANDLE ):
-			case int( EQ_TEST_HANDLE ): Reg<bool>( pRegs, op.m_nReg0 ) = HandlesEqual( *pOpData[ nPos ].m_pType, pRegs + op.m_nReg1, pRegs + op.m_nReg2, 4 ); ++nPos; continue;
-			case int( NE_EHANDLE ):
-			case int( NE_OPAQUE_HANDLE ):
-			case int( NE_TEST_HANDLE ): Reg<bool>( pRegs, op.m_nReg0 ) = !HandlesEqual( *pOpData[ nPos ].m_pType, pRegs + op.m_nReg1, pRegs + op.m_nReg2, 4 ); ++nPos; continue;
-			case int( EQ_PANEL_HANDLE ): Reg<bool>( pRegs, op.m_nReg0 ) = HandlesEqual( *pOpData[ nPos ].m_pType, pRegs + op.m_nReg1, pRegs + op.m_nReg2, 8 ); ++nPos; continue;
-			case int( NE_PANEL_HANDLE ): Reg<bool>( pRegs, op.m_nReg0 ) = !HandlesEqual( *pOpData[ nPos ].m_pType, pRegs + op.m_nReg1, pRegs + op.m_nReg2, 8 ); ++nPos; continue;
-			case int( EQ_FLOAT ):
-			case int( EQ_VEC2 ):
-			case int( EQ_VEC3 ):
-			case int( EQ_VEC3WS ):
-			case int( EQ_VEC4 ):
-			case int( EQ_STRING ):
-			case int( EQ_SCHEMA_ENUM ):
-			case int( EQ_ARRAY ):
-			case int( EQ_GAMETIME ): Reg<bool>( pRegs, op.m_nReg0 ) = PulseValue_IsEqual( *pOpData[ nPos ].m_pType, pRegs + op.m_nReg1, pRegs + op.m_nReg2 ); ++nPos; continue;
-			case int( NE_FLOAT ):
-			case int( NE_VEC2 ):
-			case int( NE_VEC3 ):
-			case int( NE_VEC3WS ):
-			case int( NE_VEC4 ):
-			case int( NE_STRING ):
-			case int( NE_SCHEMA_ENUM ):
-			case int( NE_ARRAY ):
-			case int( NE_GAMETIME ): Reg<bool>( pRegs, op.m_nReg0 ) = !PulseValue_IsEqual( *pOpData[ nPos ].m_pType, pRegs + op.m_nReg1, pRegs + op.m_nReg2 ); ++nPos; continue;
-
-			case int( SCALE_VEC2 ): VecScale<2>( Floats( pRegs, op.m_nReg0 ), Floats( pRegs, op.m_nReg1 ), Reg<float>( pRegs, op.m_nReg2 ) ); ++nPos; continue;
-			case int( SCALE_VEC3 ): VecScale<3>( Floats( pRegs, op.m_nReg0 ), Floats( pRegs, op.m_nReg1 ), Reg<float>( pRegs, op.m_nReg2 ) ); ++nPos; continue;
-			case int( SCALE_VEC4 ): VecScale<4>( Floats( pRegs, op.m_nReg0 ), Floats( pRegs, op.m_nReg1 ), Reg<float>( pRegs, op.m_nReg2 ) ); ++nPos; continue;
-			case int( SCALE_INV_VEC2 ): VecScale<2>( Floats( pRegs, op.m_nReg0 ), Floats( pRegs, op.m_nReg1 ), 1.0f / Reg<float>( pRegs, op.m_nReg2 ) ); ++nPos; continue;
-			case int( SCALE_INV_VEC3 ): VecScale<3>( Floats( pRegs, op.m_nReg0 ), Floats( pRegs, op.m_nReg1 ), 1.0f / Reg<float>( pRegs, op.m_nReg2 ) ); ++nPos; continue;
-			case int( SCALE_INV_VEC4 ): VecScale<4>( Floats( pRegs, op.m_nReg0 ), Floats( pRegs, op.m_nReg1 ), 1.0f / Reg<float>( pRegs, op.m_nReg2 ) ); ++nPos; continue;
-
-			case int( ELEMENT_ACCESS_VEC2 ): Reg<float>( pRegs, op.m_nReg0 ) = VecElement<2>( Floats( pRegs, op.m_nReg1 ), Reg<int32_t>( pRegs, op.m_nReg2 ) ); ++nPos; continue;
-			case int( ELEMENT_ACCESS_VEC3 ):
-			case int( ELEMENT_ACCESS_VEC3WS ): Reg<float>( pRegs, op.m_nReg0 ) = VecElement<3>( Floats( pRegs, op.m_nReg1 ), Reg<int32_t>( pRegs, op.m_nReg2 ) ); ++nPos; continue;
-			case int( ELEMENT_ACCESS_VEC4 ): Reg<float>( pRegs, op.m_nReg0 ) = VecElement<4>( Floats( pRegs, op.m_nReg1 ), Reg<int32_t>( pRegs, op.m_nReg2 ) ); ++nPos; continue;
-			case int( ELEMENT_ACCESS_COLOR_RGB ):
-			{
-				int32_t nIndex = Reg<int32_t>( pRegs, op.m_nReg2 );
-				Reg<int32_t>( pRegs, op.m_nReg0 ) = Reg<Color>( pRegs, op.m_nReg1 )[ nIndex < 0 ? 0 : nIndex > 2 ? 2 : nIndex ];
-				++nPos;
-				continue;
-			}
-
-			default:
-				// Everything else may move the cursor or run other cursors.
-				break;
-			}
-
-			m_Active.m_nInstruction = nPos;
-			*pCount = nCount;
-			m_nFlags |= FLAG_STEP_ON;
-			ExecuteSlow( op, pOpData[ nPos ] );
-			if ( m_eState != STATE_IDLE )
-				return;
-			if ( m_nFlags & FLAG_STEP_ON )
-				++m_Active.m_nInstruction;
-			// Poison comes only from runs that started inside this operation.
-			if ( m_pInstance->IsPoisoned() )
-			{
-				Terminate( PulseCursorExecResult_t::Failed );
-				return;
-			}
-			break;
+			PULSE_NEXT();
 		}
+	op_ADD_VEC2: VecAdd<2>( Floats( pRegs, pOp->m_nReg0 ), Floats( pRegs, pOp->m_nReg1 ), Floats( pRegs, pOp->m_nReg2 ) ); PULSE_NEXT();
+	op_ADD_VEC3:
+	op_ADD_VEC3WS_VEC3:
+	op_ADD_VEC3_VEC3WS: VecAdd<3>( Floats( pRegs, pOp->m_nReg0 ), Floats( pRegs, pOp->m_nReg1 ), Floats( pRegs, pOp->m_nReg2 ) ); PULSE_NEXT();
+	op_ADD_VEC4: VecAdd<4>( Floats( pRegs, pOp->m_nReg0 ), Floats( pRegs, pOp->m_nReg1 ), Floats( pRegs, pOp->m_nReg2 ) ); PULSE_NEXT();
+
+	op_SUB_INT: Reg<int32_t>( pRegs, pOp->m_nReg0 ) = WrapSub( Reg<int32_t>( pRegs, pOp->m_nReg1 ), Reg<int32_t>( pRegs, pOp->m_nReg2 ) ); PULSE_NEXT();
+	op_SUB_FLOAT:
+	op_SUB_GAMETIME_FLOAT:
+	op_SUB_GAMETIME: Reg<float>( pRegs, pOp->m_nReg0 ) = Reg<float>( pRegs, pOp->m_nReg1 ) - Reg<float>( pRegs, pOp->m_nReg2 ); PULSE_NEXT();
+	op_SUB_VEC2: VecSub<2>( Floats( pRegs, pOp->m_nReg0 ), Floats( pRegs, pOp->m_nReg1 ), Floats( pRegs, pOp->m_nReg2 ) ); PULSE_NEXT();
+	op_SUB_VEC3:
+	op_SUB_VEC3WS_VEC3:
+	op_SUB_VEC3WS_VEC3WS: VecSub<3>( Floats( pRegs, pOp->m_nReg0 ), Floats( pRegs, pOp->m_nReg1 ), Floats( pRegs, pOp->m_nReg2 ) ); PULSE_NEXT();
+	op_SUB_VEC4: VecSub<4>( Floats( pRegs, pOp->m_nReg0 ), Floats( pRegs, pOp->m_nReg1 ), Floats( pRegs, pOp->m_nReg2 ) ); PULSE_NEXT();
+
+	op_MUL_INT: Reg<int32_t>( pRegs, pOp->m_nReg0 ) = WrapMul( Reg<int32_t>( pRegs, pOp->m_nReg1 ), Reg<int32_t>( pRegs, pOp->m_nReg2 ) ); PULSE_NEXT();
+	op_MUL_FLOAT: Reg<float>( pRegs, pOp->m_nReg0 ) = Reg<float>( pRegs, pOp->m_nReg1 ) * Reg<float>( pRegs, pOp->m_nReg2 ); PULSE_NEXT();
+	op_DIV_FLOAT:
+		{
+			float flDivisor = Reg<float>( pRegs, pOp->m_nReg2 );
+			if ( flDivisor == 0.0f )
+			{
+				m_Active.m_nInstruction = nPos;
+				Warning( "Divide by zero!" );
+			}
+			Reg<float>( pRegs, pOp->m_nReg0 ) = Reg<float>( pRegs, pOp->m_nReg1 ) / flDivisor;
+			PULSE_NEXT();
+		}
+	op_MOD_INT:
+		{
+			// A zero divisor, and the one quotient that doesn't fit, give 0.
+			int32_t a = Reg<int32_t>( pRegs, pOp->m_nReg1 ), b = Reg<int32_t>( pRegs, pOp->m_nReg2 );
+			if ( b == 0 )
+			{
+				m_Active.m_nInstruction = nPos;
+				Warning( "Divide by zero!" );
+				Reg<int32_t>( pRegs, pOp->m_nReg0 ) = 0;
+			}
+			else
+			{
+				Reg<int32_t>( pRegs, pOp->m_nReg0 ) = b == -1 ? 0 : a % b;
+			}
+			PULSE_NEXT();
+		}
+	op_MOD_FLOAT:
+		{
+			float flDivisor = Reg<float>( pRegs, pOp->m_nReg2 );
+			if ( flDivisor == 0.0f )
+			{
+				m_Active.m_nInstruction = nPos;
+				Warning( "Divide by zero!" );
+			}
+			Reg<float>( pRegs, pOp->m_nReg0 ) = std::fmod( Reg<float>( pRegs, pOp->m_nReg1 ), flDivisor );
+			PULSE_NEXT();
+		}
+
+	op_LT_INT: Reg<bool>( pRegs, pOp->m_nReg0 ) = Reg<int32_t>( pRegs, pOp->m_nReg1 ) < Reg<int32_t>( pRegs, pOp->m_nReg2 ); PULSE_NEXT();
+	op_LT_FLOAT:
+	op_LT_GAMETIME: Reg<bool>( pRegs, pOp->m_nReg0 ) = Reg<float>( pRegs, pOp->m_nReg1 ) < Reg<float>( pRegs, pOp->m_nReg2 ); PULSE_NEXT();
+	op_LTE_INT: Reg<bool>( pRegs, pOp->m_nReg0 ) = Reg<int32_t>( pRegs, pOp->m_nReg1 ) <= Reg<int32_t>( pRegs, pOp->m_nReg2 ); PULSE_NEXT();
+	op_LTE_FLOAT:
+	op_LTE_GAMETIME: Reg<bool>( pRegs, pOp->m_nReg0 ) = Reg<float>( pRegs, pOp->m_nReg1 ) <= Reg<float>( pRegs, pOp->m_nReg2 ); PULSE_NEXT();
+
+	op_EQ_BOOL: Reg<bool>( pRegs, pOp->m_nReg0 ) = Reg<bool>( pRegs, pOp->m_nReg1 ) == Reg<bool>( pRegs, pOp->m_nReg2 ); PULSE_NEXT();
+	op_NE_BOOL: Reg<bool>( pRegs, pOp->m_nReg0 ) = Reg<bool>( pRegs, pOp->m_nReg1 ) != Reg<bool>( pRegs, pOp->m_nReg2 ); PULSE_NEXT();
+	op_EQ_INT: Reg<bool>( pRegs, pOp->m_nReg0 ) = Reg<int32_t>( pRegs, pOp->m_nReg1 ) == Reg<int32_t>( pRegs, pOp->m_nReg2 ); PULSE_NEXT();
+	op_NE_INT: Reg<bool>( pRegs, pOp->m_nReg0 ) = Reg<int32_t>( pRegs, pOp->m_nReg1 ) != Reg<int32_t>( pRegs, pOp->m_nReg2 ); PULSE_NEXT();
+		// A colour is four bytes at any alignment: all four compare, alpha too.
+	op_EQ_COLOR_RGB: Reg<bool>( pRegs, pOp->m_nReg0 ) = memcmp( pRegs + pOp->m_nReg1, pRegs + pOp->m_nReg2, 4 ) == 0; PULSE_NEXT();
+	op_NE_COLOR_RGB: Reg<bool>( pRegs, pOp->m_nReg0 ) = memcmp( pRegs + pOp->m_nReg1, pRegs + pOp->m_nReg2, 4 ) != 0; PULSE_NEXT();
+	op_EQ_ENTITY_NAME: Reg<bool>( pRegs, pOp->m_nReg0 ) = Reg<CGlobalSymbol>( pRegs, pOp->m_nReg1 ) == Reg<CGlobalSymbol>( pRegs, pOp->m_nReg2 ); PULSE_NEXT();
+	op_NE_ENTITY_NAME: Reg<bool>( pRegs, pOp->m_nReg0 ) = !( Reg<CGlobalSymbol>( pRegs, pOp->m_nReg1 ) == Reg<CGlobalSymbol>( pRegs, pOp->m_nReg2 ) ); PULSE_NEXT();
+	op_EQ_EHANDLE:
+	op_EQ_OPAQUE_HANDLE:
+	op_EQ_TEST_HANDLE: Reg<bool>( pRegs, pOp->m_nReg0 ) = HandlesEqual( *pOpData[ nPos ].m_pType, pRegs + pOp->m_nReg1, pRegs + pOp->m_nReg2, 4 ); PULSE_NEXT();
+	op_NE_EHANDLE:
+	op_NE_OPAQUE_HANDLE:
+	op_NE_TEST_HANDLE: Reg<bool>( pRegs, pOp->m_nReg0 ) = !HandlesEqual( *pOpData[ nPos ].m_pType, pRegs + pOp->m_nReg1, pRegs + pOp->m_nReg2, 4 ); PULSE_NEXT();
+	op_EQ_PANEL_HANDLE: Reg<bool>( pRegs, pOp->m_nReg0 ) = HandlesEqual( *pOpData[ nPos ].m_pType, pRegs + pOp->m_nReg1, pRegs + pOp->m_nReg2, 8 ); PULSE_NEXT();
+	op_NE_PANEL_HANDLE: Reg<bool>( pRegs, pOp->m_nReg0 ) = !HandlesEqual( *pOpData[ nPos ].m_pType, pRegs + pOp->m_nReg1, pRegs + pOp->m_nReg2, 8 ); PULSE_NEXT();
+	op_EQ_FLOAT:
+	op_EQ_VEC2:
+	op_EQ_VEC3:
+	op_EQ_VEC3WS:
+	op_EQ_VEC4:
+	op_EQ_STRING:
+	op_EQ_SCHEMA_ENUM:
+	op_EQ_ARRAY:
+	op_EQ_GAMETIME: Reg<bool>( pRegs, pOp->m_nReg0 ) = PulseValue_IsEqual( *pOpData[ nPos ].m_pType, pRegs + pOp->m_nReg1, pRegs + pOp->m_nReg2 ); PULSE_NEXT();
+	op_NE_FLOAT:
+	op_NE_VEC2:
+	op_NE_VEC3:
+	op_NE_VEC3WS:
+	op_NE_VEC4:
+	op_NE_STRING:
+	op_NE_SCHEMA_ENUM:
+	op_NE_ARRAY:
+	op_NE_GAMETIME: Reg<bool>( pRegs, pOp->m_nReg0 ) = !PulseValue_IsEqual( *pOpData[ nPos ].m_pType, pRegs + pOp->m_nReg1, pRegs + pOp->m_nReg2 ); PULSE_NEXT();
+
+	op_SCALE_VEC2: VecScale<2>( Floats( pRegs, pOp->m_nReg0 ), Floats( pRegs, pOp->m_nReg1 ), Reg<float>( pRegs, pOp->m_nReg2 ) ); PULSE_NEXT();
+	op_SCALE_VEC3: VecScale<3>( Floats( pRegs, pOp->m_nReg0 ), Floats( pRegs, pOp->m_nReg1 ), Reg<float>( pRegs, pOp->m_nReg2 ) ); PULSE_NEXT();
+	op_SCALE_VEC4: VecScale<4>( Floats( pRegs, pOp->m_nReg0 ), Floats( pRegs, pOp->m_nReg1 ), Reg<float>( pRegs, pOp->m_nReg2 ) ); PULSE_NEXT();
+	op_SCALE_INV_VEC2: VecScale<2>( Floats( pRegs, pOp->m_nReg0 ), Floats( pRegs, pOp->m_nReg1 ), 1.0f / Reg<float>( pRegs, pOp->m_nReg2 ) ); PULSE_NEXT();
+	op_SCALE_INV_VEC3: VecScale<3>( Floats( pRegs, pOp->m_nReg0 ), Floats( pRegs, pOp->m_nReg1 ), 1.0f / Reg<float>( pRegs, pOp->m_nReg2 ) ); PULSE_NEXT();
+	op_SCALE_INV_VEC4: VecScale<4>( Floats( pRegs, pOp->m_nReg0 ), Floats( pRegs, pOp->m_nReg1 ), 1.0f / Reg<float>( pRegs, pOp->m_nReg2 ) ); PULSE_NEXT();
+
+	op_ELEMENT_ACCESS_VEC2: Reg<float>( pRegs, pOp->m_nReg0 ) = VecElement<2>( Floats( pRegs, pOp->m_nReg1 ), Reg<int32_t>( pRegs, pOp->m_nReg2 ) ); PULSE_NEXT();
+	op_ELEMENT_ACCESS_VEC3:
+	op_ELEMENT_ACCESS_VEC3WS: Reg<float>( pRegs, pOp->m_nReg0 ) = VecElement<3>( Floats( pRegs, pOp->m_nReg1 ), Reg<int32_t>( pRegs, pOp->m_nReg2 ) ); PULSE_NEXT();
+	op_ELEMENT_ACCESS_VEC4: Reg<float>( pRegs, pOp->m_nReg0 ) = VecElement<4>( Floats( pRegs, pOp->m_nReg1 ), Reg<int32_t>( pRegs, pOp->m_nReg2 ) ); PULSE_NEXT();
+	op_ELEMENT_ACCESS_COLOR_RGB:
+		{
+			int32_t nIndex = Reg<int32_t>( pRegs, pOp->m_nReg2 );
+			Reg<int32_t>( pRegs, pOp->m_nReg0 ) = Reg<Color>( pRegs, pOp->m_nReg1 )[ nIndex < 0 ? 0 : nIndex > 2 ? 2 : nIndex ];
+			PULSE_NEXT();
+		}
+
+
+op_slow:
+	// Everything else may move the cursor or run other cursors.
+	m_Active.m_nInstruction = nPos;
+	*pCount = nCount;
+	m_nFlags |= FLAG_STEP_ON;
+	ExecuteSlow( *pOp, pOpData[ nPos ] );
+	if ( m_eState != STATE_IDLE )
+		return;
+	if ( m_nFlags & FLAG_STEP_ON )
+		++m_Active.m_nInstruction;
+	// Poison comes only from runs that started inside this operation.
+	if ( m_pInstance->IsPoisoned() )
+	{
+		Terminate( PulseCursorExecResult_t::Failed );
+		return;
 	}
+	goto op_reload;
+
+op_limit:
+	m_Active.m_nInstruction = nPos;
+	*pCount = nCount;
+	m_pInstance->OnInfiniteLoop( nCount );
+	Terminate( PulseCursorExecResult_t::Failed );
+#undef PULSE_NEXT
+#undef PULSE_DISPATCH
 }
 
 template void CPulseExecCursor::Interpret<true>( int * );

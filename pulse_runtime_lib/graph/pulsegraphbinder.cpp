@@ -590,69 +590,44 @@ private:
 			InstructionError( nChunk, nInstruction, "%s::%s has more than %d parameters", function.m_pClassName, function.m_pMethodName, PulseArgPack::MAX_ARGS );
 			return false;
 		}
+		// Each parameter in signature order, with the register the map gives it; a
+		// parameter without one passes its default (inputs) or goes nowhere (outputs).
 		bool bOk = true;
-		for ( const PulseFunctionParam_t &param : function.m_Inputs )
-		{
-			PulseInvokeArg_t &arg = pPlan->m_In.emplace_back();
-			arg.m_Name = PulseSymbol_t( param.m_pName );
-			arg.m_pParamType = &param.m_Type;
-			for ( const PulseRegisterMapEntry_t &entry : binding.m_RegisterMap.m_BoundIn )
+		auto place = [ & ]( const PulseFunctionParam_t &param, const std::vector<PulseRegisterMapEntry_t> &entries, bool bInput, PulseInvokeArg_t *pArg ) {
+			pArg->m_Name = PulseSymbol_t( param.m_pName );
+			pArg->m_pParamType = &param.m_Type;
+			for ( const PulseRegisterMapEntry_t &entry : entries )
 			{
-				if ( entry.m_Name != arg.m_Name )
+				if ( entry.m_Name != pArg->m_Name )
 					continue;
 				if ( !CheckRegister( nChunk, nInstruction, entry.m_Name.String(), entry.m_nRegister ) )
 				{
 					bOk = false;
-					break;
+					return;
 				}
 				const CPulseValueFullType &regType = RegType( nChunk, entry.m_nRegister );
-				arg.m_nRegOffset = RegOffset( nChunk, entry.m_nRegister );
-				arg.m_pRegType = &regType;
-				if ( param.m_Type.GetBaseType() == PVAL_VARIANT )
-					arg.m_eMode = PulseInvokeArg_t::MODE_VARIANT;
+				pArg->m_nRegOffset = RegOffset( nChunk, entry.m_nRegister );
+				pArg->m_pRegType = &regType;
+				CUtlString from, to;
+				if ( bInput && param.m_Type.GetBaseType() == PVAL_VARIANT )
+					pArg->m_eMode = PulseInvokeArg_t::MODE_VARIANT;
 				else if ( SameStorage( regType, param.m_Type ) )
-					arg.m_eMode = PulseInvokeArg_t::MODE_REFERENCE;
-				else if ( PulseValue_CanConvert( regType, param.m_Type ) )
-					arg.m_eMode = PulseInvokeArg_t::MODE_CONVERT;
-				else
-				{
-					CUtlString from, to;
+					pArg->m_eMode = PulseInvokeArg_t::MODE_REFERENCE;
+				else if ( bInput ? PulseValue_CanConvert( regType, param.m_Type ) : PulseValue_CanConvert( param.m_Type, regType ) )
+					pArg->m_eMode = PulseInvokeArg_t::MODE_CONVERT;
+				else if ( bInput )
 					InstructionError( nChunk, nInstruction, "'%s' (R%d) holds %s, which can't be passed as %s", param.m_pName, entry.m_nRegister, TypeText( regType, &from ),
 									  TypeText( param.m_Type, &to ) );
-					bOk = false;
-				}
-			}
-		}
-		for ( const PulseFunctionParam_t &param : function.m_Outputs )
-		{
-			PulseInvokeArg_t &arg = pPlan->m_Out.emplace_back();
-			arg.m_Name = PulseSymbol_t( param.m_pName );
-			arg.m_pParamType = &param.m_Type;
-			for ( const PulseRegisterMapEntry_t &entry : binding.m_RegisterMap.m_BoundOut )
-			{
-				if ( entry.m_Name != arg.m_Name )
-					continue;
-				if ( !CheckRegister( nChunk, nInstruction, entry.m_Name.String(), entry.m_nRegister ) )
-				{
-					bOk = false;
-					break;
-				}
-				const CPulseValueFullType &regType = RegType( nChunk, entry.m_nRegister );
-				arg.m_nRegOffset = RegOffset( nChunk, entry.m_nRegister );
-				arg.m_pRegType = &regType;
-				if ( SameStorage( regType, param.m_Type ) )
-					arg.m_eMode = PulseInvokeArg_t::MODE_REFERENCE;
-				else if ( PulseValue_CanConvert( param.m_Type, regType ) )
-					arg.m_eMode = PulseInvokeArg_t::MODE_CONVERT;
 				else
-				{
-					CUtlString from, to;
 					InstructionError( nChunk, nInstruction, "the result '%s' is %s, which R%d (%s) can't take", param.m_pName, TypeText( param.m_Type, &from ), entry.m_nRegister,
 									  TypeText( regType, &to ) );
-					bOk = false;
-				}
+				bOk = bOk && pArg->m_eMode != PulseInvokeArg_t::MODE_DEFAULT;
 			}
-		}
+		};
+		for ( const PulseFunctionParam_t &param : function.m_Inputs )
+			place( param, binding.m_RegisterMap.m_BoundIn, true, &pPlan->m_In.emplace_back() );
+		for ( const PulseFunctionParam_t &param : function.m_Outputs )
+			place( param, binding.m_RegisterMap.m_BoundOut, false, &pPlan->m_Out.emplace_back() );
 		return bOk;
 	}
 
