@@ -208,7 +208,7 @@ private:
 	template <bool bTrace> void Interpret( int *pCount );
 	void ExecuteSlow( const PulseOp_t &op, const PulseOpData_t &data );
 	void Invoke( const PulseInvokePlan_t &plan );
-	void CallAsync( const PulseOp_t &op, const PulseOpData_t &data );
+	void CallAsync( const PulseOpData_t &data );
 	void CopyVarToRegister( const PulseOp_t &op, const PulseOpData_t &data, bool bDetach );
 	void SetVar( const PulseOp_t &op, const PulseOpData_t &data, bool bObservable );
 	void SetVarArrayElement( const PulseOp_t &op, const PulseOpData_t &data );

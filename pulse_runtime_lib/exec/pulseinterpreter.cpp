@@ -228,15 +228,15 @@ op_reload:
 	op_INVALID:
 	op_NOP:
 	op_LAST_SERIALIZED_CODE: PULSE_NEXT();
-	op_JUMP: nPos = pOp->m_nA; PULSE_DISPATCH();
-	op_JUMP_COND: nPos = Reg<bool>( pRegs, pOp->m_nReg0 ) ? pOp->m_nA : nPos + 1; PULSE_DISPATCH();
+	op_JUMP: nPos = pOp->m_nReg1; PULSE_DISPATCH();
+	op_JUMP_COND: nPos = Reg<bool>( pRegs, pOp->m_nReg0 ) ? int( pOp->m_nReg1 ) : nPos + 1; PULSE_DISPATCH();
 
-	op_PULSE_OP_COPY_BYTES: memcpy( pRegs + pOp->m_nReg0, pRegs + pOp->m_nReg1, size_t( pOp->m_nA ) ); PULSE_NEXT();
-	op_PULSE_OP_LOAD_BYTES: memcpy( pRegs + pOp->m_nReg0, pOpData[ nPos ].m_pData, size_t( pOp->m_nA ) ); PULSE_NEXT();
-	op_PULSE_OP_GET_VAR_BYTES: memcpy( pRegs + pOp->m_nReg0, m_pInstance->GetStateBlock() + pOp->m_nB, size_t( pOp->m_nA ) ); PULSE_NEXT();
+	op_PULSE_OP_COPY_BYTES: memcpy( pRegs + pOp->m_nReg0, pRegs + pOp->m_nReg1, pOp->m_nReg2 ); PULSE_NEXT();
+	op_PULSE_OP_LOAD_BYTES: memcpy( pRegs + pOp->m_nReg0, pOpData[ nPos ].m_pData, pOp->m_nReg1 ); PULSE_NEXT();
+	op_PULSE_OP_GET_VAR_BYTES: memcpy( pRegs + pOp->m_nReg0, m_pInstance->GetStateBlock() + pOp->m_nReg2, pOp->m_nReg1 ); PULSE_NEXT();
 	op_PULSE_OP_SET_VAR_BYTES:
-			memcpy( m_pInstance->GetStateBlock() + pOp->m_nB, pRegs + pOp->m_nReg0, size_t( pOp->m_nA ) );
-			m_pInstance->SetVariableDetached( pOp->m_nReg1, false );
+			memcpy( m_pInstance->GetStateBlock() + pOp->m_nReg2, pRegs + pOp->m_nReg0, pOp->m_nReg1 );
+			m_pInstance->SetVariableDetached( pOpData[ nPos ].m_nC, false );
 			PULSE_NEXT();
 	op_COPY: PulseValue_Copy( *pOpData[ nPos ].m_pType, pRegs + pOp->m_nReg0, pRegs + pOp->m_nReg1 ); PULSE_NEXT();
 	op_PULSE_OP_COPY_MISMATCH: m_Active.SetDetached( pOpData[ nPos ].m_nRegIndex0, false ); PULSE_NEXT();
@@ -442,13 +442,13 @@ void CPulseExecCursor::ExecuteSlow( const PulseOp_t &op, const PulseOpData_t &da
 		m_Active.m_ReturnSlot.SetValue( *data.m_pType, m_Active.m_Registers.Data() + op.m_nReg0 );
 		ReturnFromChunk();
 		return;
-	case int( CHUNK_LEAP ): JumpOrLeap( op.m_nA, 0, nullptr ); return;
+	case int( CHUNK_LEAP ): JumpOrLeap( data.m_nA, 0, nullptr ); return;
 	case int( CHUNK_LEAP_COND ):
 		if ( Reg<bool>( m_Active.m_Registers.Data(), op.m_nReg0 ) )
-			JumpOrLeap( op.m_nA, 0, nullptr );
+			JumpOrLeap( data.m_nA, 0, nullptr );
 		return;
-	case int( PULSE_CALL_SYNC ): JumpOrLeap( op.m_nA, op.m_nB, static_cast<const PulseCallPlan_t *>( data.m_pData ) ); return;
-	case int( PULSE_CALL_ASYNC_FIRE ): CallAsync( op, data ); return;
+	case int( PULSE_CALL_SYNC ): JumpOrLeap( data.m_nA, data.m_nB, static_cast<const PulseCallPlan_t *>( data.m_pData ) ); return;
+	case int( PULSE_CALL_ASYNC_FIRE ): CallAsync( data ); return;
 	case int( CELL_INVOKE ):
 	{
 		auto *pPlan = static_cast<const PulseInvokePlan_t *>( data.m_pData );
@@ -487,7 +487,7 @@ void CPulseExecCursor::ExecuteSlow( const PulseOp_t &op, const PulseOpData_t &da
 		return;
 	}
 	case int( GET_DOMAIN_VALUE ):
-		PulseValue_Copy( *data.m_pType, m_Active.m_Registers.Data() + op.m_nReg0, m_pInstance->GetDomainValue( op.m_nA ) );
+		PulseValue_Copy( *data.m_pType, m_Active.m_Registers.Data() + op.m_nReg0, m_pInstance->GetDomainValue( data.m_nA ) );
 		return;
 	case int( CONVERT_VALUE ):
 	case int( REINTERPRET_INSTANCE ):
@@ -579,7 +579,7 @@ void CPulseExecCursor::Invoke( const PulseInvokePlan_t &plan )
 	}
 }
 
-void CPulseExecCursor::CallAsync( const PulseOp_t &op, const PulseOpData_t &data )
+void CPulseExecCursor::CallAsync( const PulseOpData_t &data )
 {
 	auto *pPlan = static_cast<const PulseCallPlan_t *>( data.m_pData );
 	auto *pTarget = dynamic_cast<const CPulseCell_Inflow_BaseEntrypoint *>( pPlan->m_pTarget );
@@ -595,44 +595,44 @@ void CPulseExecCursor::CallAsync( const PulseOp_t &op, const PulseOpData_t &data
 	RunStart_t start;
 	start.m_pArgs = &args;
 	start.m_pRegisterMap = &pTarget->m_RegisterMap;
-	pChild->Run( op.m_nA, op.m_nB, &start );
+	pChild->Run( data.m_nA, data.m_nB, &start );
 	m_pInstance->EndCursorRun( pChild );
 }
 
 void CPulseExecCursor::CopyVarToRegister( const PulseOp_t &op, const PulseOpData_t &data, bool bDetach )
 {
-	void *pVar = m_pInstance->GetStateBlock() + op.m_nB;
+	void *pVar = m_pInstance->GetStateBlock() + data.m_nB;
 	PulseValue_Copy( *data.m_pType, m_Active.m_Registers.Data() + op.m_nReg0, pVar );
 	m_Active.SetDetached( data.m_nRegIndex0, false );
 	if ( bDetach )
 	{
 		PulseValue_Destruct( *data.m_pType, pVar );
 		PulseValue_Construct( *data.m_pType, pVar );
-		m_pInstance->SetVariableDetached( op.m_nA, true );
+		m_pInstance->SetVariableDetached( data.m_nA, true );
 	}
 }
 
 void CPulseExecCursor::SetVar( const PulseOp_t &op, const PulseOpData_t &data, bool bObservable )
 {
-	void *pVar = m_pInstance->GetStateBlock() + op.m_nB;
+	void *pVar = m_pInstance->GetStateBlock() + data.m_nB;
 	const void *pRegister = m_Active.m_Registers.Data() + op.m_nReg0;
 	if ( !bObservable )
 	{
 		PulseValue_Copy( *data.m_pType, pVar, pRegister );
-		m_pInstance->SetVariableDetached( op.m_nA, false );
+		m_pInstance->SetVariableDetached( data.m_nA, false );
 		return;
 	}
 	CPulseVariant oldValue( *data.m_pType, pVar );
 	PulseValue_Copy( *data.m_pType, pVar, pRegister );
-	m_pInstance->SetVariableDetached( op.m_nA, false );
+	m_pInstance->SetVariableDetached( data.m_nA, false );
 	CPulseVariant newValue( *data.m_pType, pVar );
-	m_pInstance->GetSystem()->OnObservableChanged( GetNow(), m_pInstance, op.m_nA, oldValue, newValue );
+	m_pInstance->GetSystem()->OnObservableChanged( GetNow(), m_pInstance, data.m_nA, oldValue, newValue );
 }
 
 void CPulseExecCursor::SetVarArrayElement( const PulseOp_t &op, const PulseOpData_t &data )
 {
 	unsigned char *pRegs = m_Active.m_Registers.Data();
-	auto **ppArray = reinterpret_cast<CPulseArrayData **>( m_pInstance->GetStateBlock() + op.m_nB );
+	auto **ppArray = reinterpret_cast<CPulseArrayData **>( m_pInstance->GetStateBlock() + data.m_nB );
 	int32_t nIndex = Reg<int32_t>( pRegs, op.m_nReg2 );
 	const CPulseValueFullType &elementType = *data.m_pType->GetElementType();
 	int nCount = CPulseArrayData::GetCount( *ppArray );
@@ -642,19 +642,19 @@ void CPulseExecCursor::SetVarArrayElement( const PulseOp_t &op, const PulseOpDat
 		return;
 	}
 	CPulseVariant oldValue;
-	bool bObservable = m_pInstance->GetDefinition()->IsVarObservable( op.m_nA );
+	bool bObservable = m_pInstance->GetDefinition()->IsVarObservable( data.m_nA );
 	if ( bObservable )
 		oldValue.SetValue( *data.m_pType, ppArray );
 	PulseValue_Copy( elementType, CPulseArrayData::GetElementForWrite( ppArray, elementType, nIndex ), pRegs + op.m_nReg0 );
-	m_pInstance->SetVariableDetached( op.m_nA, false );
+	m_pInstance->SetVariableDetached( data.m_nA, false );
 	if ( bObservable )
-		m_pInstance->GetSystem()->OnObservableChanged( GetNow(), m_pInstance, op.m_nA, oldValue, CPulseVariant( *data.m_pType, ppArray ) );
+		m_pInstance->GetSystem()->OnObservableChanged( GetNow(), m_pInstance, data.m_nA, oldValue, CPulseVariant( *data.m_pType, ppArray ) );
 }
 
 void CPulseExecCursor::RunBlackboardInstruction( const PulseOp_t &op, const PulseOpData_t &data, bool bWrite )
 {
 	const char *pWhere = bWrite ? "PInstruction_t<42>::Run" : "PInstruction_t<41>::Run";
-	const CPulse_BlackboardReference &reference = *m_pInstance->GetDefinition()->GetBlackboardReference( op.m_nA );
+	const CPulse_BlackboardReference &reference = *m_pInstance->GetDefinition()->GetBlackboardReference( data.m_nA );
 	CBasePulseGraphInstance *pTarget = m_pInstance->FindBlackboardInstance( reference.m_BlackboardResource.String() );
 	if ( !pTarget || !pTarget->GetDefinition() )
 	{

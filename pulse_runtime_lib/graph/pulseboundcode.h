@@ -20,30 +20,32 @@ struct PulseFunctionBinding_t;
 // plain bytes, chosen at binding so the common moves cost a memcpy.
 enum PulseInternalOp_t : int16_t
 {
-	PULSE_OP_COPY_BYTES = PULSE_INSTRUCTION_CODE_COUNT, // Reg0 := Reg1, m_nA bytes
-	PULSE_OP_LOAD_BYTES,                                 // Reg0 := m_pData, m_nA bytes (constants)
-	PULSE_OP_GET_VAR_BYTES,                              // Reg0 := variable at state offset m_nB, m_nA bytes
-	PULSE_OP_SET_VAR_BYTES,                              // variable m_nC at state offset m_nB := Reg0, m_nA bytes
+	PULSE_OP_COPY_BYTES = PULSE_INSTRUCTION_CODE_COUNT, // Reg0 := Reg1, m_nReg2 bytes
+	PULSE_OP_LOAD_BYTES,                                 // Reg0 := m_pData, m_nReg1 bytes (constants)
+	PULSE_OP_GET_VAR_BYTES,                              // Reg0 := variable at state offset m_nReg2, m_nReg1 bytes
+	PULSE_OP_SET_VAR_BYTES,                              // variable m_nC at state offset m_nReg2 := Reg0, m_nReg1 bytes
 	PULSE_OP_COPY_MISMATCH,                              // COPY between different types: nothing moves
 	PULSE_OP_END_OF_CHUNK,                               // after the last instruction: the flow ran off the end
 	PULSE_OP_COUNT,
 };
 
-// What the run loop reads for every instruction: 16 bytes, so code stays dense in the cache.
+// What the run loop reads for every instruction: 8 bytes, so code stays dense in the
+// cache. The operations that move bytes or jump keep their numbers in the register
+// fields (a jump's destination, a size, a state offset: all below 65536).
 struct PulseOp_t
 {
 	int16_t m_nCode;   // PulseInstructionCode_t or PulseInternalOp_t
-	uint16_t m_nReg0;  // byte offsets of the operand registers (a variable's index for SET_VAR_BYTES)
+	uint16_t m_nReg0;  // byte offsets of the operand registers
 	uint16_t m_nReg1;
 	uint16_t m_nReg2;
-	int32_t m_nA;      // destination instruction, chunk, variable, byte count
-	int32_t m_nB;      // destination instruction of a call, state or constant offset
 };
-static_assert( sizeof( PulseOp_t ) == 16 );
+static_assert( sizeof( PulseOp_t ) == 8 );
 
-// What the rarer operations need beside it, in a parallel array.
+// What the other operations need beside it, in a parallel array.
 struct PulseOpData_t
 {
+	int32_t m_nA = 0;                           // chunk, variable, constant, domain value or blackboard index
+	int32_t m_nB = 0;                           // destination instruction of a call, state offset
 	const void *m_pData = nullptr;              // constant storage, invoke plan, call plan
 	const CPulseValueFullType *m_pType = nullptr; // the type the operation moves, when it needs one
 	int32_t m_nC = 0;                           // variable index of a byte-wise variable write

@@ -441,6 +441,8 @@ private:
 			Error( "C%d: %zu registers, more than %d", nChunk, chunk.m_Registers.size(), MAX_REGISTERS );
 			return;
 		}
+		if ( chunk.m_Instructions.size() > MAX_OFFSET )
+			Error( "C%d: %zu instructions, more than %zu", nChunk, chunk.m_Instructions.size(), MAX_OFFSET );
 		if ( !chunk.m_InstructionDebugInfos.empty() && chunk.m_InstructionDebugInfos.size() != chunk.m_Instructions.size() )
 			Error( "C%d: %zu debug records for %zu instructions", nChunk, chunk.m_InstructionDebugInfos.size(), chunk.m_Instructions.size() );
 		size_t nOffset = 0, nAlignment = 16;
@@ -779,15 +781,15 @@ private:
 
 		switch ( eCode )
 		{
-		case JUMP: pOp->m_nA = instruction.m_nDestInstruction; break;
+		case JUMP: pOp->m_nReg1 = uint16_t( instruction.m_nDestInstruction ); break;
 		case JUMP_COND:
 			ExpectType( nChunk, nInstruction, "the condition", r0, PVAL_BOOL );
-			pOp->m_nA = instruction.m_nDestInstruction;
+			pOp->m_nReg1 = uint16_t( instruction.m_nDestInstruction );
 			break;
-		case CHUNK_LEAP: pOp->m_nA = instruction.m_nChunk; break;
+		case CHUNK_LEAP: pData->m_nA = instruction.m_nChunk; break;
 		case CHUNK_LEAP_COND:
 			ExpectType( nChunk, nInstruction, "the condition", r0, PVAL_BOOL );
-			pOp->m_nA = instruction.m_nChunk;
+			pData->m_nA = instruction.m_nChunk;
 			break;
 		case RETURN_VALUE: pData->m_pType = &RegType( nChunk, r0 ); break;
 		case DETACH_REGISTER: pData->m_pType = &RegType( nChunk, r0 ); break;
@@ -797,8 +799,8 @@ private:
 			auto pPlan = std::make_unique<PulseCallPlan_t>();
 			if ( CheckCall( nChunk, nInstruction, m_Def.m_CallInfos[ size_t( instruction.m_nCallInfoIndex ) ], instruction.m_nChunk, pPlan.get() ) )
 			{
-				pOp->m_nA = instruction.m_nChunk;
-				pOp->m_nB = instruction.m_nDestInstruction;
+				pData->m_nA = instruction.m_nChunk;
+				pData->m_nB = instruction.m_nDestInstruction;
 				pData->m_pData = pPlan.get();
 				chunk.m_CallPlans.push_back( std::move( pPlan ) );
 			}
@@ -833,15 +835,15 @@ private:
 			what.Format( "V%d '%s'", instruction.m_nVar, var.m_Name.String() );
 			if ( !ExpectStorage( nChunk, nInstruction, "the register", r0, var.m_Type, what ) )
 				break;
-			pOp->m_nA = instruction.m_nVar;
-			pOp->m_nB = var.m_nStateOffset;
+			pData->m_nA = instruction.m_nVar;
+			pData->m_nB = var.m_nStateOffset;
 			pData->m_pType = &var.m_Type;
 			if ( IsPlainBytes( var.m_Type ) && ( eCode == SET_VAR || eCode == GET_VAR ) )
 			{
 				pOp->m_nCode = int16_t( eCode == SET_VAR ? PULSE_OP_SET_VAR_BYTES : PULSE_OP_GET_VAR_BYTES );
-				pOp->m_nReg1 = uint16_t( instruction.m_nVar );
+				pOp->m_nReg1 = uint16_t( PulseValue_GetSize( var.m_Type ) );
+				pOp->m_nReg2 = var.m_nStateOffset;
 				pData->m_nC = instruction.m_nVar;
-				pOp->m_nA = int32_t( PulseValue_GetSize( var.m_Type ) );
 			}
 			break;
 		}
@@ -857,8 +859,8 @@ private:
 			if ( !ExpectType( nChunk, nInstruction, "the index", r2, PVAL_INT ) ||
 				 !ExpectStorage( nChunk, nInstruction, "the value", r0, *var.m_Type.GetElementType(), "the element type" ) )
 				break;
-			pOp->m_nA = instruction.m_nVar;
-			pOp->m_nB = var.m_nStateOffset;
+			pData->m_nA = instruction.m_nVar;
+			pData->m_nB = var.m_nStateOffset;
 			pData->m_pType = &var.m_Type;
 			break;
 		}
@@ -869,7 +871,7 @@ private:
 			what.Format( "constant %d", instruction.m_nConstIdx );
 			if ( !ExpectStorage( nChunk, nInstruction, "the register", r0, constant.m_Type, what ) )
 				break;
-			pOp->m_nA = instruction.m_nConstIdx;
+			pData->m_nA = instruction.m_nConstIdx;
 			pData->m_pType = &constant.m_Type;
 			// Every constant with a size gets storage in the definition's buffer.
 			if ( PulseValue_GetSize( constant.m_Type ) > 0 )
@@ -897,7 +899,7 @@ private:
 			const CPulse_DomainValue &value = m_Def.m_DomainValues[ size_t( instruction.m_nDomainValueIdx ) ];
 			if ( ExpectStorage( nChunk, nInstruction, "the register", r0, value.m_RequiredRuntimeType, "the domain value" ) )
 			{
-				pOp->m_nA = instruction.m_nDomainValueIdx;
+				pData->m_nA = instruction.m_nDomainValueIdx;
 				pData->m_pType = &value.m_RequiredRuntimeType;
 			}
 			break;
@@ -912,7 +914,7 @@ private:
 			else if ( IsPlainBytes( to ) )
 			{
 				pOp->m_nCode = PULSE_OP_COPY_BYTES;
-				pOp->m_nA = int32_t( PulseValue_GetSize( to ) );
+				pOp->m_nReg2 = uint16_t( PulseValue_GetSize( to ) );
 			}
 			break;
 		}
@@ -945,7 +947,7 @@ private:
 			break;
 		case GET_BLACKBOARD_REFERENCE:
 		case SET_BLACKBOARD_REFERENCE:
-			pOp->m_nA = instruction.m_nBlackboardReferenceIdx;
+			pData->m_nA = instruction.m_nBlackboardReferenceIdx;
 			pData->m_pType = &RegType( nChunk, r0 );
 			break;
 		default: break;
@@ -1038,12 +1040,12 @@ private:
 		{
 			PulseOp_t &op = m_Def.m_Chunks[ size_t( nChunk ) ].m_Ops[ size_t( nInstruction ) ];
 			PulseOpData_t &data = m_Def.m_Chunks[ size_t( nChunk ) ].m_OpData[ size_t( nInstruction ) ];
-			data.m_pData = m_Def.GetConstantStorage( op.m_nA );
+			data.m_pData = m_Def.GetConstantStorage( data.m_nA );
 			op.m_nCode = int16_t( GET_CONST_INLINE_STORAGE );
 			if ( IsPlainBytes( *data.m_pType ) )
 			{
 				op.m_nCode = PULSE_OP_LOAD_BYTES;
-				op.m_nA = int32_t( PulseValue_GetSize( *data.m_pType ) );
+				op.m_nReg1 = uint16_t( PulseValue_GetSize( *data.m_pType ) );
 			}
 		}
 	}

@@ -28,13 +28,13 @@ mapfile -t samples < <(find content/content/pulse/samples -name '*.tpulsec' | so
 for f in "${samples[@]}"; do
   "$zol" pulse check "$f" || fail "check refused $f"
   out=$("$zol" pulse disasm "$f") || fail "disasm refused $f"
-  echo "$out" | head -1 | grep -qx '== PulseGraphDef ==' || fail "disasm of $f has no header"
-  chunks=$(echo "$out" | grep -c '^\[ Chunk')
-  echo "$out" | grep -q "^$chunks Chunks:$" || fail "disasm of $f doesn't list its $chunks chunks"
+  [ "${out%%$'\n'*}" = '== PulseGraphDef ==' ] || fail "disasm of $f has no header"
+  chunks=$(grep -c '^\[ Chunk' <<< "$out")
+  grep -q "^$chunks Chunks:$" <<< "$out" || fail "disasm of $f doesn't list its $chunks chunks"
 done
 out=$("$zol" pulse disasm content/content/pulse/samples/arithmetic.tpulsec)
-echo "$out" | grep -q 'C0:I0  {F=10        ,V=-1        } GetInlineConst R0 <- C0 (PVAL_INT 7)' || fail "arithmetic dump: $out"
-echo "$out" | grep -q 'Mul R2 <- R0 \* R1' || fail "arithmetic dump has no Mul: $out"
+grep -q 'C0:I0  {F=10        ,V=-1        } GetInlineConst R0 <- C0 (PVAL_INT 7)' <<< "$out" || fail "arithmetic dump: $out"
+grep -q 'Mul R2 <- R0 \* R1' <<< "$out" || fail "arithmetic dump has no Mul: $out"
 
 for expected in "$expected_dir"/*.err; do
   f=$(head -1 "$expected" | sed 's/^# zol pulse check //')
@@ -51,17 +51,17 @@ done
 # Bad command lines: a clear message and status 1 (bad input) or 2 (bad options).
 hello=content/content/pulse/samples/hello.tpulsec
 out=$("$zol" pulse run "$hello" --method Nope 2>&1)
-[ $? -eq 1 ] && echo "$out" | grep -q "no method 'Nope' (methods: Main)" || fail "unknown method: $out"
+[ $? -eq 1 ] && grep -q "no method 'Nope' (methods: Main)" <<< "$out" || fail "unknown method: $out"
 out=$("$zol" pulse run "$hello" --event Boom 2>&1)
-[ $? -eq 1 ] && echo "$out" | grep -q "no event 'Boom' (events: none)" || fail "unknown event: $out"
+[ $? -eq 1 ] && grep -q "no event 'Boom' (events: none)" <<< "$out" || fail "unknown event: $out"
 out=$("$zol" pulse run content/content/pulse/samples/event.tpulsec --event OnDamage --arg amount=lots 2>&1)
-[ $? -eq 1 ] && echo "$out" | grep -q "'lots' is no PVAL_INT" || fail "bad argument: $out"
+[ $? -eq 1 ] && grep -q "'lots' is no PVAL_INT" <<< "$out" || fail "bad argument: $out"
 out=$("$zol" pulse run "$hello" --arg missing=1 2>&1)
-[ $? -eq 1 ] && echo "$out" | grep -q "has no argument 'missing'" || fail "unknown argument: $out"
+[ $? -eq 1 ] && grep -q "has no argument 'missing'" <<< "$out" || fail "unknown argument: $out"
 out=$("$zol" pulse run content/content/pulse/samples/wait.tpulsec --seconds 0.5 2>&1 >/dev/null)
-echo "$out" | grep -q "1 cursor(s) still waiting at 0.50 s" || fail "a cut-short run doesn't say what still waits: $out"
+grep -q "1 cursor(s) still waiting at 0.50 s" <<< "$out" || fail "a cut-short run doesn't say what still waits: $out"
 out=$("$zol" pulse run content/content/pulse/nothere.tpulsec 2>&1)
-[ $? -eq 1 ] && echo "$out" | grep -q "cannot read the file" || fail "missing file: $out"
+[ $? -eq 1 ] && grep -q "cannot read the file" <<< "$out" || fail "missing file: $out"
 "$zol" pulse run "$hello" --seconds -1 >/dev/null 2>&1
 [ $? -eq 2 ] || fail "--seconds -1 was not refused"
 "$zol" pulse run "$hello" --dt >/dev/null 2>&1
