@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <QApplication>
+
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -42,6 +44,17 @@ inline std::string ReadText( const std::filesystem::path &path )
 {
 	std::ifstream in( path );
 	return std::string( std::istreambuf_iterator<char>( in ), std::istreambuf_iterator<char>() );
+}
+
+// The one QApplication of the test binary, made by the first test that shows a window and
+// never destroyed.
+inline void EnsureTestQApplication()
+{
+	static int s_nArgc = 1;
+	static char s_szName[] = "zoltool_tests";
+	static char *s_pArgv[] = { s_szName, nullptr };
+	if ( !QApplication::instance() )
+		new QApplication( s_nArgc, s_pArgv );
 }
 
 class ZolAppTest : public ::testing::Test

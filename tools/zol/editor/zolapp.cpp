@@ -274,6 +274,8 @@ void CZolApp::OnSessionSaved( CZolSession *pSession, const char *pOldAssetName )
 	// The asset pane and the preview rebind through the session-activated path; what
 	// stays here is telling the panels that the session's asset changed.
 	(void)pOldAssetName;
+	if ( m_pMainWnd && pSession )
+		m_pMainWnd->OnSessionFileChanged( pSession );
 	if ( !pSession || !pSession->GetAsset() )
 		return;
 	if ( pSession == m_pPreviewSession )

@@ -7,6 +7,7 @@
 #include "tools/toolutils2/inputbind/bindtarget.h"
 #include "tools/toolutils2/widgets/baseeditorwnd/baseeditormdiwnd.h"
 
+class CQParticleFunctionList;
 class CQUndoHistoryWidget;
 class CZolSession;
 class QDockWidget;
@@ -26,8 +27,12 @@ public:
 	void SessionActivated( CZolSession *pOld, CZolSession *pNew );
 	// The session is going away: drop every pointer to it.
 	void ForgetSession( CZolSession *pSession );
+	// The session loaded or saved its file: the panels that show it read it again.
+	void OnSessionFileChanged( CZolSession *pSession );
 	void ResetLayout();
 
+	CQParticleFunctionList *GetFunctionList() const { return m_pFunctionList; }
+	QDockWidget *GetFunctionDock() const { return m_pFunctionDock; }
 	QDockWidget *GetUndoDock() const { return m_pUndoDock; }
 	CQUndoHistoryWidget *GetUndoHistoryWidget() const { return m_pUndoHistoryWidget; }
 	QMenu *GetEditMenu() const { return m_pEditMenu; }
@@ -67,6 +72,7 @@ private:
 	QDockWidget *m_pControlsDock = nullptr;
 	QDockWidget *m_pUndoDock = nullptr;
 	QStatusBar *m_pStatusBar = nullptr;
+	CQParticleFunctionList *m_pFunctionList = nullptr;
 	QDockWidget *m_pPropertyDock = nullptr;
 	QMenu *m_pViewMenu = nullptr;
 	QMenu *m_pEditMenu = nullptr;

@@ -20,6 +20,7 @@
 #include "tools/toolutils2/undo/undohistory.h"
 #include "tools/zol/editor/particleassetcompiler.h"
 #include "tools/zol/editor/zolapp.h"
+#include "tools/zol/editor/zolmainwnd.h"
 #include "zoldoc_lib/zolcontrolpointconfiguration.h"
 #include "zoldoc_lib/zoldoc.h"
 #include "zoldoc_lib/zolnode.h"
@@ -148,6 +149,8 @@ bool CZolSession::LoadSession( const char *pPath, CUtlString *pError )
 	}
 	// A file that can't be bound stays editable; it just doesn't compile.
 	BindAsset( pError );
+	if ( CQZolMainWnd *pWindow = GetZolApp() ? GetZolApp()->GetZolMainWindow() : nullptr )
+		pWindow->OnSessionFileChanged( this );
 	return true;
 }
 
