@@ -2,14 +2,13 @@
 
 #include <cstdarg>
 #include <cstring>
-#include <filesystem>
-#include <fstream>
-#include <sstream>
+#include <string>
 
 #include "core/kv3/keyvalues3.h"
 #include "core/kv3/kv3serialize.h"
 #include "core/kv3transfer/kv3transferobject.h"
 #include "core/kv3transfer/kv3transferresourceload.h"
+#include "core/platform/platformfile.h"
 #include "core/schema/schemaclassinfo.h"
 #include "core/schema/schemasystem.h"
 #include "pulse_runtime_lib/cells/pulsecells.h"
@@ -153,16 +152,13 @@ bool PulseGraphDef_SaveText( const CPulseGraphDef &def, CUtlString *pText, CUtlS
 
 CPulseGraphDefHandle PulseGraphDef_LoadFile( const char *pPath, const char *pResourceName, PulseGraphMessages_t *pMessages, bool bBind )
 {
-	std::ifstream file( pPath, std::ios::binary );
-	std::ostringstream text;
-	if ( file )
-		text << file.rdbuf();
-	if ( !file || file.bad() || std::filesystem::is_directory( pPath ) )
+	std::string content;
+	CUtlString reason;
+	if ( !Plat_ReadWholeFile( pPath, &content, &reason ) )
 	{
-		pMessages->m_Errors.emplace_back( "cannot read the file" );
+		pMessages->m_Errors.emplace_back( reason );
 		return {};
 	}
-	const std::string &content = text.str();
 	CPulseGraphDefHandle hDef = PulseGraphDef_LoadText( content.data(), content.size(), pResourceName ? pResourceName : pPath, pMessages );
 	if ( hDef && bBind && !PulseGraphDef_Bind( hDef.Get(), pMessages ) )
 		return {};

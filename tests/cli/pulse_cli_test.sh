@@ -61,7 +61,9 @@ out=$("$zol" pulse run "$hello" --arg missing=1 2>&1)
 out=$("$zol" pulse run content/content/pulse/samples/wait.tpulsec --seconds 0.5 2>&1 >/dev/null)
 grep -q "1 cursor(s) still waiting at 0.50 s" <<< "$out" || fail "a cut-short run doesn't say what still waits: $out"
 out=$("$zol" pulse run content/content/pulse/nothere.tpulsec 2>&1)
-[ $? -eq 1 ] && grep -q "cannot read the file" <<< "$out" || fail "missing file: $out"
+[ $? -eq 1 ] && grep -q "No such file or directory" <<< "$out" || fail "missing file: $out"
+out=$("$zol" pulse check /dev/zero 2>&1)
+[ $? -eq 1 ] && grep -q "not a regular file" <<< "$out" || fail "a device: $out"
 "$zol" pulse run "$hello" --seconds -1 >/dev/null 2>&1
 [ $? -eq 2 ] || fail "--seconds -1 was not refused"
 "$zol" pulse run "$hello" --dt >/dev/null 2>&1
