@@ -191,7 +191,7 @@ TEST( FgdReader, VariablesKeepTypesDefaultsAndBothMetadataForms )
 TEST( FgdReader, IncludeBesideTheIncludingFileIsFound )
 {
 	namespace fs = std::filesystem;
-	fs::path dir = fs::temp_directory_path() / "zol_fgd_include_test";
+	fs::path dir = fs::temp_directory_path() / ( "zol_fgd_include_test_" + std::to_string( getpid() ) );
 	fs::create_directories( dir / "sub" );
 	std::ofstream( dir / "sub" / "base.fgd" ) << "@BaseClass = SharedBase [ m_x(float) : \"X\" : \"1\" ]\n";
 	std::ofstream( dir / "sub" / "main.fgd" ) << "@include \"base.fgd\"\n@PointClass base(SharedBase) = User []\n";
