@@ -1,0 +1,80 @@
+#include "core/particles/particlesystemresource.h"
+
+#include "core/containers/utlbuffer.h"
+#include "core/host/iasset.h"
+#include "core/host/iassetsystem.h"
+#include "core/host/ifilesystem.h"
+#include "core/host/iresourcesystem.h"
+
+// Children come from their files through the host's file system, found on the content
+// search paths.
+static bool ReadContentFile( const char *pPath, CUtlBuffer *pBuffer, CUtlString *pError )
+{
+	IFileSystem *pFileSystem = GetFileSystem();
+	if ( !pFileSystem )
+	{
+		pError->Format( "Unable to read '%s': no file system", pPath );
+		return false;
+	}
+	return pFileSystem->ReadFile( pPath, PATH_ID_CONTENT, pBuffer, pError );
+}
+
+bool CParticleAssetCompiler::Compile( const CUtlBuffer &source, const char *pResourceName, std::unique_ptr<CResourceData> *pResult, CUtlString *pError )
+{
+	// The definition compiler reads from its own get position; the source stays untouched.
+	CUtlBuffer text;
+	text.Put( source.Base(), source.TellPut() );
+
+	CParticleDefinitionFileCompiler children( "", &ReadContentFile );
+	ParticleChildResolver_t fnResolveChild = [ &children ]( const char *pPath, CUtlString *pChildError ) { return children.Compile( pPath, pChildError ); };
+	CUtlString strError;
+	ParticleDefinitionPtr_t pDefinition = CompileParticleDefinition( &text, pResourceName, fnResolveChild, &strError );
+	if ( !pDefinition )
+	{
+		if ( pError )
+			*pError = strError;
+		return false;
+	}
+	*pResult = std::make_unique<CParticleSystemResourceData>( std::move( pDefinition ) );
+	return true;
+}
+
+ParticleDefinitionPtr_t FindParticleSystemDefinition( const char *pResourceName, CUtlString *pError )
+{
+	CUtlString error;
+	if ( !pError )
+		pError = &error;
+	if ( !pResourceName || !*pResourceName )
+	{
+		pError->Set( "no particle system named" );
+		return nullptr;
+	}
+	IResourceSystem *pResources = GetResourceSystem();
+	CResourceBinding *pBinding = pResources ? pResources->FindOrCreateBinding( pResourceName ) : nullptr;
+	if ( !pBinding )
+	{
+		pError->Format( "%s: no resource system to load particle systems from", pResourceName );
+		return nullptr;
+	}
+	if ( !pBinding->IsLoaded() )
+	{
+		IAssetSystem *pAssets = GetAssetSystem();
+		IAsset *pAsset = pAssets ? pAssets->FindAssetByResourceName( pResourceName ) : nullptr;
+		CUtlString loadError;
+		if ( !pAsset || !pAsset->Load( &loadError ) || !pBinding->IsLoaded() )
+		{
+			if ( !loadError.IsEmpty() )
+				*pError = loadError;
+			else
+				pError->Format( "%s: no such particle system", pResourceName );
+			return nullptr;
+		}
+	}
+	auto pData = pBinding->GetDataAs<CParticleSystemResourceData>();
+	if ( !pData || !pData->GetDefinition() )
+	{
+		pError->Format( "%s is not a compiled particle system", pResourceName );
+		return nullptr;
+	}
+	return pData->GetDefinition();
+}
