@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "core/host/scenesystem.h"
+#include "core/particles/sim/particlecamera.h"
 #include "particleslib/particlemgr.h"
 #include "tools/toolscene/toolscenephysicsworld.h"
 
@@ -55,6 +56,10 @@ public:
 	void SetMainModel( CToolSceneModel *pModel ) { m_pMainModel = pModel; }
 	CToolSceneModel *GetMainModel() const { return m_pMainModel; }
 
+	// The cameras of the view that shows the scene, for camera-driven particle inputs.
+	void SetParticleCameras( const std::vector<ParticleCamera_t> &cameras ) { m_ParticleCameras = cameras; }
+	const std::vector<ParticleCamera_t> &GetParticleCameras() const { return m_ParticleCameras; }
+
 	CParticleMgr &GetParticleMgr() { return m_ParticleMgr; }
 	CParticlesLibHost_ToolScene *GetParticleHost() const { return m_pParticleHost.get(); }
 	CParticleSystemQuery_ToolScene *GetParticleQuery() const { return m_pParticleQuery.get(); }
@@ -78,6 +83,7 @@ private:
 	std::vector<NodeEntry_t> m_Nodes;
 	std::vector<int> m_FreeNodeEntries;
 	CToolSceneModel *m_pMainModel = nullptr;
+	std::vector<ParticleCamera_t> m_ParticleCameras;
 	// Last, so that it goes first: its effects still ask the host on the way out.
 	CParticleMgr m_ParticleMgr;
 };

@@ -90,12 +90,8 @@ void CToolSceneParticleSystem::Restart()
 		if ( m_bApplyDefaultControlPoints )
 			ApplyDefaultControlPoints();
 		ApplyControlPointOverrides();
-		if ( pEffect->m_pParticles )
-		{
-			pEffect->SetMaxDetailLevel( m_nDetailLevel );
-			if ( !m_Cameras.empty() )
-				pEffect->m_pParticles->SetCameras( m_Cameras.data(), int( m_Cameras.size() ) );
-		}
+		pEffect->SetMaxDetailLevel( m_nDetailLevel );
+		ApplyCameras();
 	}
 	++m_nRestartCount;
 	if ( m_pListener )
@@ -147,9 +143,24 @@ void CToolSceneParticleSystem::Update( float )
 	if ( m_pEffect && m_pEffect->m_pParticles )
 	{
 		m_pEffect->SetMaxDetailLevel( m_nDetailLevel );
-		if ( !m_Cameras.empty() )
-			m_pEffect->m_pParticles->SetCameras( m_Cameras.data(), int( m_Cameras.size() ) );
+		ApplyCameras();
 	}
+}
+
+void CToolSceneParticleSystem::ApplyCameras()
+{
+	IParticleCollection *pCollection = GetCollection();
+	// The node's own cameras, else those of the view that shows the scene.
+	const std::vector<ParticleCamera_t> &cameras = !m_Cameras.empty() || !m_pScene ? m_Cameras : m_pScene->GetParticleCameras();
+	if ( !pCollection )
+		return;
+	if ( cameras.empty() )
+	{
+		if ( pCollection->GetCameraCount() > 0 )
+			pCollection->ClearCameras();
+	}
+	else
+		pCollection->SetCameras( cameras.data(), int( cameras.size() ) );
 }
 
 // ---------------------------------------------------------------------------------------
@@ -219,13 +230,7 @@ void CToolSceneParticleSystem::ApplyDefaultControlPoints()
 void CToolSceneParticleSystem::SetCameras( const std::vector<ParticleCamera_t> &cameras )
 {
 	m_Cameras = cameras;
-	if ( IParticleCollection *pCollection = GetCollection() )
-	{
-		if ( m_Cameras.empty() )
-			pCollection->ClearCameras();
-		else
-			pCollection->SetCameras( m_Cameras.data(), int( m_Cameras.size() ) );
-	}
+	ApplyCameras();
 }
 
 // ---------------------------------------------------------------------------------------

@@ -42,7 +42,7 @@ public:
 	void SetControlPoint( int nPoint, const Vector &vPosition );
 	void SetControlPointOrientation( int nPoint, const Vector &vForward, const Vector &vRight, const Vector &vUp );
 	void ClearControlPoints();
-	// The view's cameras, for camera-driven inputs.
+	// Cameras for camera-driven inputs; without any, the scene's view cameras count.
 	void SetCameras( const std::vector<ParticleCamera_t> &cameras );
 
 	void SetAutoRestart( bool bAutoRestart ) { m_bAutoRestart = bAutoRestart; }
@@ -83,6 +83,7 @@ private:
 		Vector m_vUp{ 0.0f, 0.0f, 1.0f };
 	};
 	void ApplyControlPointOverrides();
+	void ApplyCameras();
 	void ApplyDefaultControlPoints();
 	void TakeResourceDefinition();
 	void UpdateRunningBounds();
