@@ -57,16 +57,23 @@ void CToolSceneDrawList::AddControlPointMarker( const Vector &vOrigin, const Vec
 	AddAxes( vOrigin, vForward, vRight, vUp, flSize );
 }
 
+ParticleModelPtr_t CToolSceneDrawList::MakeBuiltInModel( const char *pBody, const char *pName )
+{
+	std::string text = "--- kv3 encoding=text:e21c7f3c-8a33-41c5-9977-a76d3a32aa0d format=generic:7412167c-06e9-4698-aff2-e63eb59037e7 ---\n";
+	text += pBody;
+	auto pModel = std::make_shared<CParticleModel>();
+	CUtlString strError;
+	if ( !pModel->LoadFromText( text.data(), text.size(), pName, &strError ) )
+		Log_Warning( LOG_GENERAL, "The built-in model %s doesn't load: %s\n", pName, strError.Get() );
+	return pModel;
+}
+
 ParticleModelPtr_t CToolSceneDrawList::GetStandInModel()
 {
-	static const ParticleModelPtr_t s_pCube = []() {
-		static const char s_Text[] = "{ m_Vertices = [ [ -4, -4, -4 ], [ 4, -4, -4 ], [ 4, 4, -4 ], [ -4, 4, -4 ], [ -4, -4, 4 ], [ 4, -4, 4 ], [ 4, 4, 4 ], [ -4, 4, 4 ] ]"
-									 " m_Triangles = [ 0, 2, 1, 0, 3, 2, 4, 5, 6, 4, 6, 7, 0, 1, 5, 0, 5, 4, 1, 2, 6, 1, 6, 5, 2, 3, 7, 2, 7, 6, 3, 0, 4, 3, 4, 7 ] }";
-		auto pModel = std::make_shared<CParticleModel>();
-		CUtlString strError;
-		pModel->LoadFromText( s_Text, sizeof( s_Text ) - 1, "stand-in", &strError );
-		return ParticleModelPtr_t( pModel );
-	}();
+	static const ParticleModelPtr_t s_pCube = MakeBuiltInModel(
+		"{ m_Vertices = [ [ -4, -4, -4 ], [ 4, -4, -4 ], [ 4, 4, -4 ], [ -4, 4, -4 ], [ -4, -4, 4 ], [ 4, -4, 4 ], [ 4, 4, 4 ], [ -4, 4, 4 ] ]"
+		" m_Triangles = [ 0, 2, 1, 0, 3, 2, 4, 5, 6, 4, 6, 7, 0, 1, 5, 0, 5, 4, 1, 2, 6, 1, 6, 5, 2, 3, 7, 2, 7, 6, 3, 0, 4, 3, 4, 7 ] }",
+		"stand-in cube" );
 	return s_pCube;
 }
 

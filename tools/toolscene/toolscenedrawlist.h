@@ -90,6 +90,8 @@ public:
 
 	// The model drawn where a particle model is missing: a small cube.
 	static ParticleModelPtr_t GetStandInModel();
+	// A built-in model from the body of its KV3 table ("{ m_Vertices = ... }").
+	static ParticleModelPtr_t MakeBuiltInModel( const char *pBody, const char *pName );
 
 private:
 	void AddCollection( const IParticleCollection &collection, const ToolSceneView_t &view );

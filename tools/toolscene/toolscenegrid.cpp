@@ -18,13 +18,8 @@ void CToolSceneGrid::AddToDrawList( CToolSceneDrawList &drawList, const ToolScen
 	{
 		// Two triangles, flat grey, a little below the grid's place so lines on it stay visible.
 		static const float s_Ground[ 4 ] = { 0.28f, 0.28f, 0.3f, 1.0f };
-		static const ParticleModelPtr_t s_pPlane = []() {
-			static const char s_Text[] = "{ m_Vertices = [ [ -1, -1, 0 ], [ 1, -1, 0 ], [ 1, 1, 0 ], [ -1, 1, 0 ] ] m_Triangles = [ 0, 1, 2, 0, 2, 3 ] }";
-			auto pModel = std::make_shared<CParticleModel>();
-			CUtlString strError;
-			pModel->LoadFromText( s_Text, sizeof( s_Text ) - 1, "ground plane", &strError );
-			return ParticleModelPtr_t( pModel );
-		}();
+		static const ParticleModelPtr_t s_pPlane =
+			CToolSceneDrawList::MakeBuiltInModel( "{ m_Vertices = [ [ -1, -1, 0 ], [ 1, -1, 0 ], [ 1, 1, 0 ], [ -1, 1, 0 ] ] m_Triangles = [ 0, 1, 2, 0, 2, 3 ] }", "ground plane" );
 		drawList.AddModel( s_pPlane, Vector( vOrigin.x, vOrigin.y, vOrigin.z - 0.05f ), Vector( 1, 0, 0 ), Vector( 0, -1, 0 ), Vector( 0, 0, 1 ), flExtent, s_Ground );
 		return;
 	}

@@ -24,8 +24,8 @@ CToolSceneParticleSystem::CToolSceneParticleSystem( CToolScene *pScene )
 
 CToolSceneParticleSystem::~CToolSceneParticleSystem()
 {
+	m_hEffect.Set( nullptr );
 	m_Property.StopAll();
-	m_pEffect = nullptr;
 }
 
 void CToolSceneParticleSystem::SetDefinition( const ParticleDefinitionPtr_t &pDefinition )
@@ -62,27 +62,34 @@ void CToolSceneParticleSystem::TakeResourceDefinition()
 
 IParticleCollection *CToolSceneParticleSystem::GetCollection() const
 {
-	return m_pEffect ? m_pEffect->m_pParticles : nullptr;
+	return m_hEffect ? m_hEffect->m_pParticles : nullptr;
 }
 
 bool CToolSceneParticleSystem::IsEnded() const
 {
-	return !m_pEffect || m_pEffect->IsFinished();
+	return !m_hEffect || m_hEffect->IsFinished();
 }
 
 void CToolSceneParticleSystem::Restart()
 {
-	if ( CNewParticleEffect *pOld = m_pEffect )
+	if ( CNewParticleEffect *pOld = m_hEffect.Get() )
 	{
-		m_pEffect = nullptr;
-		m_Property.StopParticlesImmediately( pOld );
+		m_hEffect.Set( nullptr );
+		if ( m_Property.FindEffect( pOld ) >= 0 )
+			m_Property.StopParticlesImmediately( pOld );
+		else
+		{
+			// Already let go by a stop: it goes with its particles all the same.
+			pOld->StopEmission( false, true, false, false );
+			pOld->m_bRemove = true;
+		}
 	}
 	m_flFinishTime = -1.0;
 	m_bForcedStopSent = false;
 	if ( !m_pDefinition )
 		return;
 	CNewParticleEffect *pEffect = m_Property.Create( m_pDefinition, PATTACH_ABSORIGIN_FOLLOW );
-	m_pEffect = pEffect;
+	m_hEffect.Set( pEffect );
 	if ( pEffect )
 	{
 		// The preview keeps a finished effect to look at; the restart rules replace it.
@@ -100,8 +107,8 @@ void CToolSceneParticleSystem::Restart()
 
 void CToolSceneParticleSystem::Stop( bool bPlayEndCap )
 {
-	if ( m_pEffect )
-		m_pEffect->StopEmission( false, false, false, bPlayEndCap );
+	if ( m_hEffect )
+		m_hEffect->StopEmission( false, false, false, bPlayEndCap );
 	m_bAutoRestart = false;
 }
 
@@ -118,17 +125,17 @@ void CToolSceneParticleSystem::Update( float )
 	}
 	UpdateRunningBounds();
 
-	if ( m_pEffect && m_pEffect->m_pParticles && m_flForcedRestartTime > 0.0f )
+	if ( m_hEffect && m_hEffect->m_pParticles && m_flForcedRestartTime > 0.0f )
 	{
 		// The collection's own age decides, whatever the scene's clock says.
-		if ( m_pEffect->m_pParticles->GetCurrentTime() > m_flForcedRestartTime )
+		if ( m_hEffect->m_pParticles->GetCurrentTime() > m_flForcedRestartTime )
 		{
 			if ( !m_bForcedStopSent )
 			{
 				m_Property.StopEmission( nullptr, true, false, !m_bForcedRestartEndcap, m_bForcedRestartEndcap );
 				m_bForcedStopSent = true;
 			}
-			if ( m_pEffect->IsFinished() )
+			if ( m_hEffect->IsFinished() )
 				Restart();
 			return;
 		}
@@ -140,9 +147,9 @@ void CToolSceneParticleSystem::Update( float )
 		if ( m_flAutoRestartTime <= 0.0f || Plat_FloatTime() > m_flFinishTime + m_flAutoRestartTime )
 			Restart();
 	}
-	if ( m_pEffect && m_pEffect->m_pParticles )
+	if ( m_hEffect && m_hEffect->m_pParticles )
 	{
-		m_pEffect->SetMaxDetailLevel( m_nDetailLevel );
+		m_hEffect->SetMaxDetailLevel( m_nDetailLevel );
 		ApplyCameras();
 	}
 }
@@ -195,7 +202,7 @@ void CToolSceneParticleSystem::ClearControlPoints()
 
 void CToolSceneParticleSystem::ApplyControlPointOverrides()
 {
-	if ( !m_pEffect )
+	if ( !m_hEffect )
 		return;
 	for ( int nPoint = 0; nPoint < MAX_PARTICLE_CONTROL_POINTS; ++nPoint )
 	{
@@ -203,17 +210,17 @@ void CToolSceneParticleSystem::ApplyControlPointOverrides()
 		if ( !point.m_bPosition && !point.m_bOrientation )
 			continue;
 		// A point placed here no longer follows the node.
-		m_Property.RemoveControlPoint( m_pEffect, nPoint );
+		m_Property.RemoveControlPoint( m_hEffect.Get(), nPoint );
 		if ( point.m_bOrientation )
-			m_pEffect->SetControlPointOrientation( nPoint, point.m_vForward, point.m_vRight, point.m_vUp );
+			m_hEffect->SetControlPointOrientation( nPoint, point.m_vForward, point.m_vRight, point.m_vUp );
 		if ( point.m_bPosition )
-			m_pEffect->SetControlPoint( nPoint, LocalToWorld( point.m_vPosition ) );
+			m_hEffect->SetControlPoint( nPoint, LocalToWorld( point.m_vPosition ) );
 	}
 }
 
 void CToolSceneParticleSystem::ApplyDefaultControlPoints()
 {
-	if ( !m_pEffect || !m_pDefinition )
+	if ( !m_hEffect || !m_pDefinition )
 		return;
 	const CParticleDefinitionUsage &usage = m_pDefinition->m_Usage;
 	CUtlVector<ParticleParamID_t> keys;
@@ -223,7 +230,7 @@ void CToolSceneParticleSystem::ApplyDefaultControlPoints()
 		Vector vOffset;
 		if ( key.IsNamed() || key.IsNone() || key.m_nNumber == 0 || usage.IsDriven( key ) || !usage.GetDefaultOffset( key, &vOffset ) )
 			continue;
-		m_pEffect->SetControlPoint( key.m_nNumber, LocalToWorld( vOffset ) );
+		m_hEffect->SetControlPoint( key.m_nNumber, LocalToWorld( vOffset ) );
 	}
 }
 
@@ -242,8 +249,8 @@ void CToolSceneParticleSystem::OnParticleEffectCreated( const char *, CNewPartic
 
 void CToolSceneParticleSystem::OnParticleEffectRemoved( CNewParticleEffect *pEffect, int )
 {
-	if ( pEffect == m_pEffect )
-		m_pEffect = nullptr;
+	if ( pEffect == m_hEffect.Get() )
+		m_hEffect.Set( nullptr );
 }
 
 // ---------------------------------------------------------------------------------------
@@ -282,7 +289,7 @@ bool CToolSceneParticleSystem::GetBounds( Vector *pMin, Vector *pMax ) const
 	// Nothing to run, nothing to frame.
 	if ( !m_pDefinition )
 		return false;
-	if ( !m_pEffect )
+	if ( !m_hEffect )
 	{
 		*pMin = Vector( -NO_EFFECT_BOUNDS, -NO_EFFECT_BOUNDS, -NO_EFFECT_BOUNDS );
 		*pMax = Vector( NO_EFFECT_BOUNDS, NO_EFFECT_BOUNDS, NO_EFFECT_BOUNDS );

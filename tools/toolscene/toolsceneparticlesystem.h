@@ -36,7 +36,7 @@ public:
 	// True with no effect or a finished one.
 	bool IsEnded() const;
 	IParticleCollection *GetCollection() const;
-	CNewParticleEffect *GetEffect() const { return m_pEffect; }
+	CNewParticleEffect *GetEffect() const { return m_hEffect.Get(); }
 
 	// Control points set here go to the running effect and to every later one.
 	void SetControlPoint( int nPoint, const Vector &vPosition );
@@ -95,7 +95,8 @@ private:
 	uint32_t m_nResourceVersion = 0;
 	bool m_bAutoRestart = true;
 	bool m_bApplyDefaultControlPoints = false;
-	CNewParticleEffect *m_pEffect = nullptr;
+	// Weak: a retired or stopped effect that the manager deletes clears it.
+	CParticleEffectHandle m_hEffect;
 	float m_flFirstBoundsTime = -1.0f;
 	Vector m_vBoundsMin, m_vBoundsMax;
 	bool m_bHaveRunningBounds = false;
