@@ -194,6 +194,19 @@ void CToolSceneParticleSystem::SetControlPointOrientation( int nPoint, const Vec
 	ApplyControlPointOverrides();
 }
 
+void CToolSceneParticleSystem::SetControlPointAttachment( int nPoint, IParticleEntity *pEntity, ParticleAttachment_t nAttachType, int nAttachment, const Vector &vOffset )
+{
+	if ( nPoint < 0 || nPoint >= MAX_PARTICLE_CONTROL_POINTS )
+		return;
+	ControlPointOverride_t &point = m_ControlPoints[ nPoint ];
+	point = ControlPointOverride_t();
+	point.m_pEntity = pEntity;
+	point.m_nAttachType = nAttachType;
+	point.m_nAttachment = nAttachment;
+	point.m_vOffset = vOffset;
+	ApplyControlPointOverrides();
+}
+
 void CToolSceneParticleSystem::ClearControlPoints()
 {
 	for ( ControlPointOverride_t &point : m_ControlPoints )
@@ -207,6 +220,11 @@ void CToolSceneParticleSystem::ApplyControlPointOverrides()
 	for ( int nPoint = 0; nPoint < MAX_PARTICLE_CONTROL_POINTS; ++nPoint )
 	{
 		const ControlPointOverride_t &point = m_ControlPoints[ nPoint ];
+		if ( point.m_pEntity )
+		{
+			m_Property.AddControlPoint( m_hEffect.Get(), nPoint, point.m_pEntity, point.m_nAttachType, false, point.m_nAttachment, point.m_vOffset );
+			continue;
+		}
 		if ( !point.m_bPosition && !point.m_bOrientation )
 			continue;
 		// A point placed here no longer follows the node.

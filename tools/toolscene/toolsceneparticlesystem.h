@@ -41,6 +41,9 @@ public:
 	// Control points set here go to the running effect and to every later one.
 	void SetControlPoint( int nPoint, const Vector &vPosition );
 	void SetControlPointOrientation( int nPoint, const Vector &vForward, const Vector &vRight, const Vector &vUp );
+	// A control point that follows an entity (the preview model, one of its attachments), on
+	// this effect and every later one.
+	void SetControlPointAttachment( int nPoint, IParticleEntity *pEntity, ParticleAttachment_t nAttachType, int nAttachment, const Vector &vOffset );
 	void ClearControlPoints();
 	// Cameras for camera-driven inputs; without any, the scene's view cameras count.
 	void SetCameras( const std::vector<ParticleCamera_t> &cameras );
@@ -77,6 +80,10 @@ private:
 	{
 		bool m_bPosition = false;
 		bool m_bOrientation = false;
+		IParticleEntity *m_pEntity = nullptr; // set: the point follows it
+		ParticleAttachment_t m_nAttachType = PATTACH_ABSORIGIN_FOLLOW;
+		int m_nAttachment = 0;
+		Vector m_vOffset;
 		Vector m_vPosition;
 		Vector m_vForward{ 1.0f, 0.0f, 0.0f };
 		Vector m_vRight{ 0.0f, -1.0f, 0.0f };

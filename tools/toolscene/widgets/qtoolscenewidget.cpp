@@ -71,6 +71,9 @@ CQToolSceneWidget::CQToolSceneWidget( CToolScene *pScene, QWidget *pParent ) : Q
 CQToolSceneWidget::~CQToolSceneWidget()
 {
 	OnAboutToDestroyContext();
+	// The base class destroys the context after this part of the object is gone.
+	if ( context() )
+		disconnect( context(), &QOpenGLContext::aboutToBeDestroyed, this, &CQToolSceneWidget::OnAboutToDestroyContext );
 	delete m_pCameraNode;
 }
 

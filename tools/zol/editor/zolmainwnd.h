@@ -7,6 +7,7 @@
 #include "tools/toolutils2/inputbind/bindtarget.h"
 #include "tools/toolutils2/widgets/baseeditorwnd/baseeditormdiwnd.h"
 
+class CQParticlePreview;
 class CQUndoHistoryWidget;
 class CZolSession;
 class QDockWidget;
@@ -28,6 +29,8 @@ public:
 	void ForgetSession( CZolSession *pSession );
 	void ResetLayout();
 
+	// The live preview in the middle.
+	CQParticlePreview *GetPreview() const { return m_pPreview; }
 	QDockWidget *GetUndoDock() const { return m_pUndoDock; }
 	CQUndoHistoryWidget *GetUndoHistoryWidget() const { return m_pUndoHistoryWidget; }
 	QMenu *GetEditMenu() const { return m_pEditMenu; }
@@ -73,7 +76,7 @@ private:
 	QAction *m_EditActions[ EDIT_ACTION_COUNT ] = {};
 	CBindTargetProxy m_SessionTarget;
 	CQUndoHistoryWidget *m_pUndoHistoryWidget = nullptr;
-	QLabel *m_pPreviewPlaceholder = nullptr;
+	CQParticlePreview *m_pPreview = nullptr;
 	QAction *m_pOpenDirectoryAction = nullptr;
 	QAction *m_pSaveAllAction = nullptr;
 	QAction *m_pCloseAllAction = nullptr;
