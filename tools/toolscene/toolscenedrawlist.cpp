@@ -15,6 +15,7 @@ using namespace ToolSceneMath;
 void CToolSceneDrawList::Clear()
 {
 	m_Lines.clear();
+	m_BackdropLines.clear();
 	m_Sprites.clear();
 	m_Trails.clear();
 	m_Models.clear();
@@ -23,18 +24,28 @@ void CToolSceneDrawList::Clear()
 	m_ModelBatches.clear();
 }
 
-void CToolSceneDrawList::AddLine( const Vector &a, const Vector &b, const float color[ 4 ] )
+static void PushLine( std::vector<ToolSceneLineVertex_t> &lines, const Vector &a, const Vector &b, const float color[ 4 ] )
 {
 	ToolSceneLineVertex_t v;
 	memcpy( v.m_Color, color, sizeof( v.m_Color ) );
 	v.m_Position[ 0 ] = a.x;
 	v.m_Position[ 1 ] = a.y;
 	v.m_Position[ 2 ] = a.z;
-	m_Lines.push_back( v );
+	lines.push_back( v );
 	v.m_Position[ 0 ] = b.x;
 	v.m_Position[ 1 ] = b.y;
 	v.m_Position[ 2 ] = b.z;
-	m_Lines.push_back( v );
+	lines.push_back( v );
+}
+
+void CToolSceneDrawList::AddLine( const Vector &a, const Vector &b, const float color[ 4 ] )
+{
+	PushLine( m_Lines, a, b, color );
+}
+
+void CToolSceneDrawList::AddBackdropLine( const Vector &a, const Vector &b, const float color[ 4 ] )
+{
+	PushLine( m_BackdropLines, a, b, color );
 }
 
 void CToolSceneDrawList::AddAxes( const Vector &vOrigin, const Vector &vForward, const Vector &vRight, const Vector &vUp, float flSize )
@@ -93,12 +104,13 @@ static void FillModelInstance( ToolSceneModelInstance_t *pInstance, const Vector
 }
 
 void CToolSceneDrawList::AddModel( const ParticleModelPtr_t &pModel, const Vector &vOrigin, const Vector &vForward, const Vector &vRight, const Vector &vUp,
-	float flScale, const float color[ 4 ] )
+	float flScale, const float color[ 4 ], bool bBackdrop )
 {
 	if ( !pModel || pModel->GetTriangleCount() == 0 )
 		return;
 	ToolSceneBatch_t &batch = m_ModelBatches.emplace_back();
 	batch.m_pModel = pModel;
+	batch.m_bBackdrop = bBackdrop;
 	batch.m_eBlend = color[ 3 ] < 1.0f ? TOOLSCENE_BLEND_ALPHA : TOOLSCENE_BLEND_OPAQUE;
 	batch.m_nFirst = int( m_Models.size() );
 	batch.m_nCount = 1;

@@ -60,6 +60,8 @@ struct ToolSceneBatch_t
 	ParticleModelPtr_t m_pModel; // model batches
 	ToolSceneBlend_t m_eBlend = TOOLSCENE_BLEND_ALPHA;
 	float m_flOverbright = 1.0f;
+	// The ground: drawn first, behind everything, and hiding nothing.
+	bool m_bBackdrop = false;
 	int m_nFirst = 0;
 	int m_nCount = 0;
 };
@@ -70,17 +72,20 @@ public:
 	void Clear();
 
 	void AddLine( const Vector &a, const Vector &b, const float color[ 4 ] );
+	// A line of the ground, under everything else.
+	void AddBackdropLine( const Vector &a, const Vector &b, const float color[ 4 ] );
 	// Three coloured axes of a frame: forward red, left green, up blue.
 	void AddAxes( const Vector &vOrigin, const Vector &vForward, const Vector &vRight, const Vector &vUp, float flSize );
 	// A small marker of a control point: a cross and its axes.
 	void AddControlPointMarker( const Vector &vOrigin, const Vector &vForward, const Vector &vRight, const Vector &vUp, float flSize );
 	// Triangles of a model placed by a frame and a uniform scale, shaded flat.
 	void AddModel( const ParticleModelPtr_t &pModel, const Vector &vOrigin, const Vector &vForward, const Vector &vRight, const Vector &vUp, float flScale,
-		const float color[ 4 ] );
+		const float color[ 4 ], bool bBackdrop = false );
 	// Every renderer of a collection tree. Alpha-blended sprites are sorted far to near.
 	void AddParticles( const IParticleCollection &collection, const ToolSceneView_t &view );
 
 	const std::vector<ToolSceneLineVertex_t> &GetLines() const { return m_Lines; }
+	const std::vector<ToolSceneLineVertex_t> &GetBackdropLines() const { return m_BackdropLines; }
 	const std::vector<ToolSceneSpriteInstance_t> &GetSprites() const { return m_Sprites; }
 	const std::vector<ToolSceneTrailInstance_t> &GetTrails() const { return m_Trails; }
 	const std::vector<ToolSceneModelInstance_t> &GetModels() const { return m_Models; }
@@ -101,6 +106,7 @@ private:
 	void SortBackToFront( int nFirst, int nCount, const ToolSceneView_t &view );
 
 	std::vector<ToolSceneLineVertex_t> m_Lines;
+	std::vector<ToolSceneLineVertex_t> m_BackdropLines;
 	std::vector<ToolSceneSpriteInstance_t> m_Sprites;
 	std::vector<ToolSceneTrailInstance_t> m_Trails;
 	std::vector<ToolSceneModelInstance_t> m_Models;

@@ -16,11 +16,11 @@ void CToolSceneGrid::AddToDrawList( CToolSceneDrawList &drawList, const ToolScen
 	const Vector vOrigin = GetOrigin();
 	if ( m_eType == TOOLSCENE_GROUND_PLANE )
 	{
-		// Two triangles, flat grey, a little below the grid's place so lines on it stay visible.
+		// Two triangles, flat grey: a backdrop, so particles that dip below it stay visible.
 		static const float s_Ground[ 4 ] = { 0.28f, 0.28f, 0.3f, 1.0f };
 		static const ParticleModelPtr_t s_pPlane =
 			CToolSceneDrawList::MakeBuiltInModel( "{ m_Vertices = [ [ -1, -1, 0 ], [ 1, -1, 0 ], [ 1, 1, 0 ], [ -1, 1, 0 ] ] m_Triangles = [ 0, 1, 2, 0, 2, 3 ] }", "ground plane" );
-		drawList.AddModel( s_pPlane, Vector( vOrigin.x, vOrigin.y, vOrigin.z - 0.05f ), Vector( 1, 0, 0 ), Vector( 0, -1, 0 ), Vector( 0, 0, 1 ), flExtent, s_Ground );
+		drawList.AddModel( s_pPlane, vOrigin, Vector( 1, 0, 0 ), Vector( 0, -1, 0 ), Vector( 0, 0, 1 ), flExtent, s_Ground, true );
 		return;
 	}
 	if ( m_eType != TOOLSCENE_GROUND_GRID )
@@ -35,7 +35,7 @@ void CToolSceneGrid::AddToDrawList( CToolSceneDrawList &drawList, const ToolScen
 		const float *pColorX = i == 0 ? s_XAxis : ( i % 4 == 0 ? s_Major : s_Minor );
 		const float *pColorY = i == 0 ? s_YAxis : ( i % 4 == 0 ? s_Major : s_Minor );
 		// Lines along x (at y = f) and along y (at x = f); the ones through the origin are the axes.
-		drawList.AddLine( Vector( vOrigin.x - flExtent, vOrigin.y + f, vOrigin.z ), Vector( vOrigin.x + flExtent, vOrigin.y + f, vOrigin.z ), pColorX );
-		drawList.AddLine( Vector( vOrigin.x + f, vOrigin.y - flExtent, vOrigin.z ), Vector( vOrigin.x + f, vOrigin.y + flExtent, vOrigin.z ), pColorY );
+		drawList.AddBackdropLine( Vector( vOrigin.x - flExtent, vOrigin.y + f, vOrigin.z ), Vector( vOrigin.x + flExtent, vOrigin.y + f, vOrigin.z ), pColorX );
+		drawList.AddBackdropLine( Vector( vOrigin.x + f, vOrigin.y - flExtent, vOrigin.z ), Vector( vOrigin.x + f, vOrigin.y + flExtent, vOrigin.z ), pColorY );
 	}
 }

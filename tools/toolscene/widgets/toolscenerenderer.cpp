@@ -390,13 +390,18 @@ void CToolSceneRenderer::Render( const CToolSceneDrawList &drawList, const ToolS
 	float viewProjection[ 16 ];
 	ToColumnMajor( view.m_ViewProjection, viewProjection );
 
-	// Solid things write depth; particles test against it but don't write, so they don't
-	// hide each other.
+	// The ground comes first and hides nothing. Solid things write depth; particles test
+	// against it but don't write, so they don't hide each other.
 	SetBlend( TOOLSCENE_BLEND_OPAQUE );
-	DrawMeshes( drawList, viewProjection, false );
-	DrawLines( drawList, viewProjection );
 	m_pGL->glDepthMask( GL_FALSE );
-	DrawMeshes( drawList, viewProjection, true );
+	DrawMeshes( drawList, viewProjection, MESH_PASS_BACKDROP );
+	DrawLines( drawList.GetBackdropLines(), viewProjection );
+	m_pGL->glDepthMask( GL_TRUE );
+	SetBlend( TOOLSCENE_BLEND_OPAQUE );
+	DrawMeshes( drawList, viewProjection, MESH_PASS_OPAQUE );
+	DrawLines( drawList.GetLines(), viewProjection );
+	m_pGL->glDepthMask( GL_FALSE );
+	DrawMeshes( drawList, viewProjection, MESH_PASS_TRANSLUCENT );
 	DrawTrails( drawList, view, viewProjection );
 	DrawSprites( drawList, view, viewProjection );
 	m_pGL->glDepthMask( GL_TRUE );
@@ -405,9 +410,8 @@ void CToolSceneRenderer::Render( const CToolSceneDrawList &drawList, const ToolS
 	m_pGL->glUseProgram( 0 );
 }
 
-void CToolSceneRenderer::DrawLines( const CToolSceneDrawList &drawList, const float *pViewProjection )
+void CToolSceneRenderer::DrawLines( const std::vector<ToolSceneLineVertex_t> &lines, const float *pViewProjection )
 {
-	const auto &lines = drawList.GetLines();
 	if ( lines.empty() )
 		return;
 	m_pGL->glUseProgram( m_nLineProgram );
@@ -423,8 +427,9 @@ void CToolSceneRenderer::DrawLines( const CToolSceneDrawList &drawList, const fl
 	m_pGL->glDisableVertexAttribArray( 1 );
 }
 
-void CToolSceneRenderer::DrawMeshes( const CToolSceneDrawList &drawList, const float *pViewProjection, bool bTranslucent )
+void CToolSceneRenderer::DrawMeshes( const CToolSceneDrawList &drawList, const float *pViewProjection, MeshPass_t ePass )
 {
+	const bool bTranslucent = ePass == MESH_PASS_TRANSLUCENT;
 	const auto &batches = drawList.GetModelBatches();
 	if ( batches.empty() )
 		return;
@@ -432,7 +437,7 @@ void CToolSceneRenderer::DrawMeshes( const CToolSceneDrawList &drawList, const f
 	m_pGL->glUniformMatrix4fv( m_pGL->glGetUniformLocation( m_nMeshProgram, "uViewProjection" ), 1, GL_FALSE, pViewProjection );
 	Vector vLight = ToolSceneMath::Normalized( Vector( -0.4f, 0.3f, 0.85f ) );
 	m_pGL->glUniform3f( m_pGL->glGetUniformLocation( m_nMeshProgram, "uLightDirection" ), vLight.x, vLight.y, vLight.z );
-	if ( !bTranslucent )
+	if ( ePass == MESH_PASS_BACKDROP )
 		StreamBuffer( m_nModelBuffer, drawList.GetModels() );
 	SetBlend( bTranslucent ? TOOLSCENE_BLEND_ALPHA : TOOLSCENE_BLEND_OPAQUE );
 	for ( int i = 0; i < 6; ++i )
@@ -442,7 +447,8 @@ void CToolSceneRenderer::DrawMeshes( const CToolSceneDrawList &drawList, const f
 	const GLsizei nStride = sizeof( ToolSceneModelInstance_t );
 	for ( const ToolSceneBatch_t &batch : batches )
 	{
-		if ( ( batch.m_eBlend != TOOLSCENE_BLEND_OPAQUE ) != bTranslucent || !batch.m_pModel || batch.m_nCount <= 0 )
+		MeshPass_t eBatchPass = batch.m_bBackdrop ? MESH_PASS_BACKDROP : batch.m_eBlend != TOOLSCENE_BLEND_OPAQUE ? MESH_PASS_TRANSLUCENT : MESH_PASS_OPAQUE;
+		if ( eBatchPass != ePass || !batch.m_pModel || batch.m_nCount <= 0 )
 			continue;
 		const Mesh_t *pMesh = FindMesh( batch.m_pModel );
 		if ( !pMesh || pMesh->m_nVertexCount == 0 )

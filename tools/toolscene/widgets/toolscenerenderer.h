@@ -58,8 +58,14 @@ private:
 	const Mesh_t *FindMesh( const ParticleModelPtr_t &pModel );
 	void SetBlend( ToolSceneBlend_t eBlend );
 	template <typename T> void StreamBuffer( unsigned int nBuffer, const std::vector<T> &data );
-	void DrawLines( const CToolSceneDrawList &drawList, const float *pViewProjection );
-	void DrawMeshes( const CToolSceneDrawList &drawList, const float *pViewProjection, bool bTranslucent );
+	enum MeshPass_t
+	{
+		MESH_PASS_BACKDROP,
+		MESH_PASS_OPAQUE,
+		MESH_PASS_TRANSLUCENT,
+	};
+	void DrawLines( const std::vector<ToolSceneLineVertex_t> &lines, const float *pViewProjection );
+	void DrawMeshes( const CToolSceneDrawList &drawList, const float *pViewProjection, MeshPass_t ePass );
 	void DrawSprites( const CToolSceneDrawList &drawList, const ToolSceneView_t &view, const float *pViewProjection );
 	void DrawTrails( const CToolSceneDrawList &drawList, const ToolSceneView_t &view, const float *pViewProjection );
 

@@ -14,7 +14,7 @@ public:
 	void SetUp() override
 	{
 		static int s_nArgc = 1;
-		static char s_szName[] = "toolscene_widgets_tests";
+		static char s_szName[] = "gl_tests";
 		static char *s_pArgv[] = { s_szName, nullptr };
 		if ( !QApplication::instance() )
 			new QApplication( s_nArgc, s_pArgv );
