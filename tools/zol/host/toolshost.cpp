@@ -131,8 +131,11 @@ int RunToolsHost( int argc, char **argv )
 	RegisterParticleInputDefaultTests( ToolAttrHost() );
 	services.SetParticleSystemMgr( HostParticleSystemMgr() );
 
+	// A screenshot run is a batch run: nobody is there to answer, so every question gets its
+	// default button and goes to the log instead of a dialog.
 	CQtPrompt prompt;
-	CScopedPrompt scopedPrompt( &prompt );
+	const bool bBatch = !options.m_ScreenshotPath.isEmpty();
+	CScopedPrompt scopedPrompt( bBatch ? nullptr : &prompt );
 
 	// The module lies beside the executable.
 	QString modulePath = QCoreApplication::applicationDirPath() + "/libzol_editor.so";
