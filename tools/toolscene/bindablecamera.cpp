@@ -5,6 +5,7 @@
 
 #include "tools/toolscene/toolscenecamera.h"
 #include "tools/toolscene/toolscenemath.h"
+#include "tools/toolscene/toolsceneview.h"
 
 using namespace ToolSceneMath;
 
@@ -35,6 +36,18 @@ void CBindableCamera::ApplyTo( CToolSceneCamera *pCamera ) const
 	pCamera->SetOrigin( GetEye() );
 	pCamera->SetAngles( QAngle( m_flPitch, m_flYaw, 0.0f ) );
 	pCamera->SetFov( m_flFovY );
+}
+
+ToolSceneView_t CBindableCamera::GetView( int nWidth, int nHeight ) const
+{
+	ToolSceneView_t view;
+	view.m_vEye = GetEye();
+	AngleVectors( QAngle( m_flPitch, m_flYaw, 0.0f ), &view.m_vForward, &view.m_vRight, &view.m_vUp );
+	view.m_flFovY = m_flFovY;
+	view.m_nWidth = std::max( nWidth, 1 );
+	view.m_nHeight = std::max( nHeight, 1 );
+	view.Compute();
+	return view;
 }
 
 void CBindableCamera::Orbit( float flDeltaX, float flDeltaY )

@@ -6,6 +6,7 @@
 #include "core/mathlib/vector.h"
 
 class CToolSceneCamera;
+struct ToolSceneView_t;
 
 class CBindableCamera
 {
@@ -14,6 +15,8 @@ public:
 
 	// Writes the camera's place into the scene's camera node.
 	void ApplyTo( CToolSceneCamera *pCamera ) const;
+	// The view of a picture of that many pixels from where the camera is.
+	ToolSceneView_t GetView( int nWidth, int nHeight ) const;
 	Vector GetEye() const;
 	const Vector &GetPivot() const { return m_vPivot; }
 	float GetDistance() const { return m_flDistance; }
