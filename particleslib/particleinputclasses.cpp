@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "core/kv3/keyvalues3.h"
+#include "core/kv3transfer/kv3transfercontext.h"
 #include "core/kv3transfer/kv3transferobject.h"
 #include "core/logging/logonce.h"
 #include "core/particles/particlefunctionclasses.h"
@@ -50,6 +51,18 @@ template <typename C> bool InputsEquivalent( const KeyValues3 *pValue, const Key
 	return C::IsEquivalent( loadedValue, loadedDefault );
 }
 
+// The input's saved form, members at their default left out; false when it doesn't load.
+template <typename C> bool SaveLoadedInput( const KeyValues3 *pValue, KeyValues3 *pOut )
+{
+	C input;
+	CUtlString error;
+	if ( !LoadKV3ObjectInPlace( &input, pValue, &error ) )
+		return false;
+	CKV3TransferSaveContext context;
+	context.SetSaveDeltaFromDefaults( true );
+	return SaveKV3Object( input, pOut, &error, &context );
+}
+
 template <typename C> bool DisplayInput( const KeyValues3 *pInput, const char *pszDomain, CBufferString *pOut, CUtlString *pError )
 {
 	C input;
@@ -75,6 +88,26 @@ bool CParticleTransformInputDefaultTestFunc( const KeyValues3 *pValue, const Key
 	return InputsEquivalent<CParticleTransformInput>( pValue, pDefault );
 }
 bool CParticleModelInputDefaultTestFunc( const KeyValues3 *pValue, const KeyValues3 *pDefault ) { return InputsEquivalent<CParticleModelInput>( pValue, pDefault ); }
+
+bool SaveParticleInputCanonically( const char *pszClassName, const KeyValues3 *pValue, KeyValues3 *pOut )
+{
+	RegisterParticleInputClasses();
+	KeyValues3 null;
+	pValue = pValue ? pValue : &null;
+	const CSchemaClassInfo *pClass = ParticleTypeScope()->FindDeclaredClass( pszClassName );
+	auto fnIsA = [ pClass ]( const char *pszBase ) { return pClass && pClass->IsA( ParticleTypeScope()->FindDeclaredClass( pszBase ) ); };
+	if ( fnIsA( "CParticleRemapFloatInput" ) )
+		return SaveLoadedInput<CParticleRemapFloatInput>( pValue, pOut );
+	if ( fnIsA( "CParticleFloatInput" ) )
+		return SaveLoadedInput<CParticleFloatInput>( pValue, pOut );
+	if ( fnIsA( "CParticleVecInput" ) )
+		return SaveLoadedInput<CParticleVecInput>( pValue, pOut );
+	if ( fnIsA( "CParticleTransformInput" ) )
+		return SaveLoadedInput<CParticleTransformInput>( pValue, pOut );
+	if ( fnIsA( "CParticleModelInput" ) )
+		return SaveLoadedInput<CParticleModelInput>( pValue, pOut );
+	return false;
+}
 
 bool RegisterParticleInputDefaultTests( CToolAttrHost *pHost )
 {

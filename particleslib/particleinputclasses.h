@@ -28,3 +28,8 @@ bool CParticleModelInputDefaultTestFunc( const KeyValues3 *pValue, const KeyValu
 // class). False, with *pError set, when the class is no displayable input or the value
 // doesn't load; *pOut then holds the text of what did load. pszDomain may be "".
 bool GetParticleInputDisplayString( const char *pszClassName, const KeyValues3 *pInput, const char *pszDomain, CBufferString *pOut, CUtlString *pError );
+
+// The input's value in the one form a save gives it, whatever form it was written in (a
+// bare number or its literal table, 30 or 30.0): loaded, then saved with the members at
+// their default left out. False for a class that is no input, or a value that doesn't load.
+bool SaveParticleInputCanonically( const char *pszClassName, const KeyValues3 *pValue, KeyValues3 *pOut );

@@ -187,10 +187,11 @@ void CZolDoc::AddChildren( int nCount, IAsset **ppAssets )
 {
 	if ( nCount <= 0 )
 		return;
+	// All children of one drop are one undo step.
 	OpenUndoUnit( "Add Children" );
 	SendEvent( ZolEvent_DocumentModified_t() );
 	for ( int i = 0; i < nCount; ++i )
-		AddChild( ppAssets[ i ] );
+		AddChildInUnit( ppAssets[ i ] );
 	RebuildAttributeLabels();
 	SendEvent( ZolEvent_FunctionListChanged_t() );
 }
@@ -319,7 +320,7 @@ void CZolDoc::UpdateToCurrentVersion()
 	OpenUndoUnit( "Update to Current Version" );
 	SendEvent( ZolEvent_DocumentModified_t() );
 
-	UpdateRootVersion( m_pRoot );
+	UpdateRootVersion( m_pRoot, m_bKeepsUnknownFunctions );
 	RebuildAttributeLabels();
 	SendEvent( ZolEvent_DocumentReplaced_t() );
 	RebuildAttributeLabels();

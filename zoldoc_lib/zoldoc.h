@@ -68,7 +68,12 @@ public:
 	// The definition file. A failed load leaves the document without a root and says why
 	// in pError; a load that succeeds may still have warnings (values read leniently).
 	bool LoadFromFile( const char *pPath, const char *pPathId, CUtlString *pError );
+	// As LoadFromFile, from the file's bytes; pSourceName names them in parser messages.
+	bool LoadFromBuffer( CUtlBuffer *pBuffer, const char *pSourceName, CUtlString *pError );
 	const CUtlString &GetLoadWarnings() const { return m_LoadWarnings; }
+	// A document loaded to compare or merge files keeps, through loads and upgrades, the
+	// functions whose class the catalogue doesn't know, so that nothing of a file is lost.
+	void SetKeepsUnknownFunctions( bool bKeep ) { m_bKeepsUnknownFunctions = bKeep; }
 	// The file's text: defaults removed, then fnPostProcess, then KV3 text "tfxs63".
 	bool SaveToBuffer( CUtlBuffer *pOut, CUtlString *pError, const SavePostProcess_t &fnPostProcess = {} ) const;
 	// As SaveToBuffer, into the file; nothing of a failed save reaches the file.
@@ -147,6 +152,8 @@ public:
 	void OnUndoEvent( UndoEvent_t eEvent ) override;
 
 private:
+	// A load starts by forgetting the definition; a failed one leaves none.
+	void DropRoot();
 	// Opens a unit and records the document in it; nothing for a snapshot.
 	void OpenUndoUnit( const char *pDescription, const UndoMergeInfo_t *pMerge = nullptr );
 	void WriteChildReference( CZolChildNode *pChild, IAsset *pAsset );
@@ -166,4 +173,5 @@ private:
 	CUtlVector<CUtlString> m_AttributeLabels;
 	std::unordered_set<CBaseZolNode *> m_ModifiedNodes;
 	CUtlString m_LoadWarnings;
+	bool m_bKeepsUnknownFunctions = false;
 };

@@ -169,24 +169,36 @@ void RemoveDefaults( KeyValues3 *pTable, const char *pClassName )
 }
 } // namespace
 
-bool CZolDoc::LoadFromFile( const char *pPath, const char *pPathId, CUtlString *pError )
+void CZolDoc::DropRoot()
 {
 	delete m_pRoot;
 	m_pRoot = nullptr;
 	m_Selection.RemoveAll();
 	m_LoadWarnings.Clear();
+}
+
+bool CZolDoc::LoadFromFile( const char *pPath, const char *pPathId, CUtlString *pError )
+{
+	CUtlBuffer buffer;
+	if ( !ZolReadWholeFile( pPath, pPathId, &buffer ) )
+	{
+		DropRoot();
+		if ( pError )
+			pError->Set( "Failed to read file" );
+		return false;
+	}
+	return LoadFromBuffer( &buffer, pPath, pError );
+}
+
+bool CZolDoc::LoadFromBuffer( CUtlBuffer *pBuffer, const char *pSourceName, CUtlString *pError )
+{
+	DropRoot();
 	CUtlString ignoredError;
 	if ( !pError )
 		pError = &ignoredError;
 
-	CUtlBuffer buffer;
-	if ( !ZolReadWholeFile( pPath, pPathId, &buffer ) )
-	{
-		pError->Set( "Failed to read file" );
-		return false;
-	}
 	KeyValues3 tree;
-	if ( !LoadKV3( &tree, pError, &buffer, KV3_FORMAT_TFXS, pPath ) )
+	if ( !LoadKV3( &tree, pError, pBuffer, KV3_FORMAT_TFXS, pSourceName ) )
 		return false;
 	const KeyValues3 *pClass = tree.IsTable() ? tree.FindMember( "_class" ) : nullptr;
 	if ( !pClass || !pClass->IsString() || V_strcmp( pClass->GetString(), ROOT_CLASS_NAME ) )
@@ -200,7 +212,7 @@ bool CZolDoc::LoadFromFile( const char *pPath, const char *pPathId, CUtlString *
 	m_pRoot = new CZolRootNode( this );
 	m_pRoot->TakeRootFromKV3( &tree );
 	// A file stays at its own version until the user upgrades it.
-	SanitiseForVersion( m_pRoot, GetBehaviorVersion() );
+	SanitiseForVersion( m_pRoot, GetBehaviorVersion(), m_bKeepsUnknownFunctions );
 	m_Selection.AddToTail( ZolElementRef_t::Root() );
 
 	RebuildAttributeLabels();
@@ -281,9 +293,10 @@ bool CZolDoc::SaveToFile( const char *pPath, CUtlString *pError, const SavePostP
 		pError->Format( "Serialization failed: %s (File: \"%s\")\n", serialiseError.Get(), pPath ? pPath : "" );
 		return false;
 	}
-	if ( !ZolWriteWholeFile( pPath, buffer ) )
+	CUtlString writeError;
+	if ( !ZolWriteWholeFile( pPath, buffer, &writeError ) )
 	{
-		pError->Set( "Could not write file.\n" );
+		pError->Format( "Could not write file.\n%s", writeError.Get() );
 		return false;
 	}
 	return true;

@@ -3,10 +3,10 @@
 #include <cstdio>
 #include <filesystem>
 #include <string>
-#include <system_error>
 
 #include "core/containers/utlbuffer.h"
 #include "core/host/ifilesystem.h"
+#include "core/host/safefilewrite.h"
 
 namespace
 {
@@ -54,29 +54,7 @@ bool ZolReadWholeFile( const char *pPath, const char *pPathId, CUtlBuffer *pBuff
 	return !bFailed;
 }
 
-bool ZolWriteWholeFile( const char *pPath, const CUtlBuffer &buffer )
+bool ZolWriteWholeFile( const char *pPath, const CUtlBuffer &buffer, CUtlString *pError )
 {
-	if ( !pPath || !*pPath )
-		return false;
-	std::filesystem::path target = ToFilePath( pPath );
-	std::error_code error;
-	if ( target.has_parent_path() )
-		std::filesystem::create_directories( target.parent_path(), error );
-
-	std::filesystem::path temporary = target;
-	temporary += ".tmp_save";
-	FILE *pFile = fopen( temporary.string().c_str(), "wb" );
-	if ( !pFile )
-		return false;
-	bool bWritten = fwrite( buffer.Base(), 1, buffer.Size(), pFile ) == buffer.Size();
-	bWritten = fflush( pFile ) == 0 && bWritten;
-	bWritten = fclose( pFile ) == 0 && bWritten;
-	if ( bWritten )
-	{
-		std::filesystem::rename( temporary, target, error );
-		bWritten = !error;
-	}
-	if ( !bWritten )
-		std::filesystem::remove( temporary, error );
-	return bWritten;
+	return SafeWriteFile( pPath, buffer, pError );
 }

@@ -4,10 +4,12 @@
 // as given.
 
 class CUtlBuffer;
+class CUtlString;
 
 // Appends the file's bytes to the buffer; false when it can't be opened or read.
 bool ZolReadWholeFile( const char *pPath, const char *pPathId, CUtlBuffer *pBuffer );
 
-// Makes the directory chain of the path, writes the buffer to a temporary file beside it
-// and renames that over the path, so a failed write leaves the old file as it was.
-bool ZolWriteWholeFile( const char *pPath, const CUtlBuffer &buffer );
+// Writes the buffer through the safe write layer (core/host/safefilewrite.h): the
+// directory chain is made, a crash never leaves half a file, read-only files are refused
+// and links written through. False with the reason in pError (which may be null).
+bool ZolWriteWholeFile( const char *pPath, const CUtlBuffer &buffer, CUtlString *pError = nullptr );

@@ -237,7 +237,7 @@ void SanitiseFunctionFields( CZolFunctionNode *pNode, int nVersion )
 		RemoveFieldsOutsideVersion( pNode->GetWriteKV3(), SchemaClassOfNode( pNode ), nVersion );
 }
 
-void SanitiseForVersion( CZolRootNode *pRoot, int nVersion )
+void SanitiseForVersion( CZolRootNode *pRoot, int nVersion, bool bKeepUnknownClasses )
 {
 	RemoveFieldsOutsideVersion( pRoot->GetWriteKV3(), ROOT_CLASS_NAME, nVersion );
 	for ( int nType = 0; nType < PARTICLE_FUNCTION_CLASS_LIST_COUNT; ++nType )
@@ -251,6 +251,10 @@ void SanitiseForVersion( CZolRootNode *pRoot, int nVersion )
 			{
 				pNode->GetWriteKV3()->SetMemberString( "_class", pReplacement );
 			}
+			else if ( bKeepUnknownClasses && FindParticleFunctionClass( eType, pNode->GetClassName() ) < 0 )
+			{
+				continue;
+			}
 			else if ( !IsFunctionValidForVersion( eType, pNode->GetClassName(), nVersion ) )
 			{
 				pRoot->RemoveFunctionNode( eType, pNode );
@@ -261,13 +265,18 @@ void SanitiseForVersion( CZolRootNode *pRoot, int nVersion )
 	}
 }
 
-void UpdateRootVersion( CZolRootNode *pRoot )
+void BringRootToVersion( CZolRootNode *pRoot, int nVersion, bool bKeepUnknownClasses )
+{
+	SanitiseForVersion( pRoot, nVersion, bKeepUnknownClasses );
+	pRoot->GetWriteKV3()->SetMemberInt( "m_nBehaviorVersion", nVersion );
+}
+
+void UpdateRootVersion( CZolRootNode *pRoot, bool bKeepUnknownClasses )
 {
 	const IParticleSystemMgr *pMgr = GetParticleSystemMgr();
 	int nCurrent = pMgr ? pMgr->GetCurrentBehaviorVersion() : 0;
-	KeyValues3 *pTable = pRoot->GetWriteKV3();
+	const KeyValues3 *pTable = pRoot->GetReadKV3();
 	if ( pTable->HasMember( "m_nBehaviorVersion" ) && pTable->GetMemberInt( "m_nBehaviorVersion" ) == nCurrent )
 		return;
-	SanitiseForVersion( pRoot, nCurrent );
-	pTable->SetMemberInt( "m_nBehaviorVersion", nCurrent );
+	BringRootToVersion( pRoot, nCurrent, bKeepUnknownClasses );
 }

@@ -40,6 +40,10 @@ void ApplyDefaultArrayRule( CZolRootNode *pRoot, ParticleFunctionType_t eType, C
 // Drops the members of one function that the version doesn't have.
 void SanitiseFunctionFields( CZolFunctionNode *pNode, int nVersion );
 // Root members, then functions of lists 0 .. 6: replaced, removed, or trimmed to the version.
-void SanitiseForVersion( CZolRootNode *pRoot, int nVersion );
+// With bKeepUnknownClasses a function whose class the list doesn't know stays as written
+// instead of going: comparing and merging files must not lose what a newer editor wrote.
+void SanitiseForVersion( CZolRootNode *pRoot, int nVersion, bool bKeepUnknownClasses = false );
+// Sanitises the root for the version and records it there, whatever version it stood at.
+void BringRootToVersion( CZolRootNode *pRoot, int nVersion, bool bKeepUnknownClasses = false );
 // Brings the root to the manager's behaviour version when it stands at another one.
-void UpdateRootVersion( CZolRootNode *pRoot );
+void UpdateRootVersion( CZolRootNode *pRoot, bool bKeepUnknownClasses = false );

@@ -3,20 +3,19 @@
 #include <sys/stat.h>
 
 #include <algorithm>
-#include <atomic>
 #include <cerrno>
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
 #include <mutex>
-#include <set>
+#include <map>
 #include <string>
 #include <system_error>
-#include <unistd.h>
 
 #include "core/containers/utlbuffer.h"
 #include "core/host/hostpaths.h"
+#include "core/host/safefilewrite.h"
 #include "core/logging/logging.h"
 #include "core/text/strtools.h"
 
@@ -135,19 +134,24 @@ void CFileSystem::SetDirectoryUnmodifiable( const char *pPath, bool bUnmodifiabl
 		m_UnmodifiableDirectories.AddToTail( path );
 }
 
+bool CFileSystem::IsInUnmodifiableDirectory( const char *pFullPath ) const
+{
+	std::shared_lock lock( m_Mutex );
+	for ( const CUtlString &directory : m_UnmodifiableDirectories )
+	{
+		if ( V_PathsMatch( pFullPath, directory.Get() ) || Host_PathInside( pFullPath, directory.Get() ) )
+			return true;
+	}
+	return false;
+}
+
 bool CFileSystem::IsPathUnmodifiable( const char *pPath, const char *pPathID ) const
 {
 	CUtlString fullPath;
 	if ( !MakeWritePath( pPath, pPathID, &fullPath ) )
 		return false;
-	{
-		std::shared_lock lock( m_Mutex );
-		for ( const CUtlString &directory : m_UnmodifiableDirectories )
-		{
-			if ( V_PathsMatch( fullPath.Get(), directory.Get() ) || Host_PathInside( fullPath.Get(), directory.Get() ) )
-				return true;
-		}
-	}
+	if ( IsInUnmodifiableDirectory( fullPath.Get() ) )
+		return true;
 	// The nearest directory that exists decides.
 	std::error_code error;
 	fs::path disk( Host_DiskPathForWrite( fullPath.Get() ).Get() );
@@ -228,68 +232,21 @@ bool CFileSystem::WriteFile( const char *pFileName, const char *pPathID, const C
 	CUtlString fullPath;
 	if ( !MakeWritePath( pFileName, pPathID, &fullPath ) )
 	{
-		SetError( pError, "Unable to write '%s': the path id '%s' has no directory", pFileName ? pFileName : "", pPathID ? pPathID : "" );
+		SetError( pError, "Cannot write '%s': the path id '%s' has no directory", pFileName ? pFileName : "", pPathID ? pPathID : "" );
 		return false;
 	}
 	if ( !IsPathValid( fullPath.Get() ) )
 	{
-		SetError( pError, "Unable to write '%s': not a valid path", fullPath.Get() );
+		SetError( pError, "Cannot write '%s': not a valid path", fullPath.Get() );
 		return false;
 	}
-	CUtlString diskPath = Host_DiskPathForWrite( fullPath.Get() );
-	fs::path target( diskPath.Get() );
-	std::error_code error;
-	if ( fs::is_directory( target, error ) )
+	if ( IsInUnmodifiableDirectory( fullPath.Get() ) )
 	{
-		SetError( pError, "Unable to write '%s': a directory of that name exists", fullPath.Get() );
+		SetError( pError, "Cannot write '%s': it lies in a directory marked as not to be modified", fullPath.Get() );
 		return false;
 	}
-	if ( fs::exists( target, error ) && !IsFileWritable( fullPath.Get() ) )
-	{
-		SetError( pError, "Unable to write '%s': the file is read only", fullPath.Get() );
-		return false;
-	}
-	fs::create_directories( target.parent_path(), error );
-	if ( error )
-	{
-		SetError( pError, "Unable to make the directory of '%s': %s", fullPath.Get(), error.message().c_str() );
-		return false;
-	}
-
-	// The temporary file lives next to the target so that the rename stays on one device.
-	static std::atomic<unsigned> s_nTempCounter{ 0 };
-	char tempSuffix[ 64 ];
-	V_snprintf( tempSuffix, sizeof( tempSuffix ), ".%d.%u.tmp", int( getpid() ), s_nTempCounter.fetch_add( 1 ) );
-	std::string tempPath = target.string() + tempSuffix;
-
-	FILE *pFile = fopen( tempPath.c_str(), "wb" );
-	if ( !pFile )
-	{
-		SetError( pError, "Unable to open '%s' for writing: %s", tempPath.c_str(), strerror( errno ) );
-		return false;
-	}
-	size_t nSize = buffer.TellPut();
-	bool bWritten = nSize == 0 || fwrite( buffer.Base(), 1, nSize, pFile ) == nSize;
-	bWritten = ( fflush( pFile ) == 0 ) && bWritten;
-	bWritten = ( fclose( pFile ) == 0 ) && bWritten;
-	if ( !bWritten )
-	{
-		fs::remove( tempPath, error );
-		SetError( pError, "Unable to write '%s': %s", fullPath.Get(), strerror( errno ) );
-		return false;
-	}
-	// Keep the permissions of the file being replaced.
-	if ( fs::exists( target, error ) )
-		fs::permissions( tempPath, fs::status( target, error ).permissions(), error );
-	fs::rename( tempPath, target, error );
-	if ( error )
-	{
-		std::error_code ignored;
-		fs::remove( tempPath, ignored );
-		SetError( pError, "Unable to replace '%s': %s", fullPath.Get(), error.message().c_str() );
-		return false;
-	}
-	return true;
+	// An existing file is found whatever the case of its name, as a read finds it.
+	return SafeWriteFile( Host_DiskPathForWrite( fullPath.Get() ).Get(), buffer, pError );
 }
 
 bool CFileSystem::CreateDirHierarchy( const char *pPath, const char *pPathID )
@@ -379,9 +336,12 @@ int CFileSystem::FindFiles( const char *pPattern, const char *pPathID, unsigned 
 		CUtlString m_Path;
 	};
 	std::vector<Found_t> found;
-	std::set<std::string> seen;
-	for ( const CUtlString &baseDirectory : baseDirectories )
+	// A relative name met again along a later search path is hidden by the first; two
+	// names of one directory that differ only in case are two files, and both count.
+	std::map<std::string, int> seen;
+	for ( int nBase = 0; nBase < baseDirectories.Count(); ++nBase )
 	{
+		const CUtlString &baseDirectory = baseDirectories[ nBase ];
 		CUtlString diskBase;
 		std::error_code error;
 		if ( !Host_FindOnDisk( baseDirectory.Get(), &diskBase ) || !fs::is_directory( diskBase.Get(), error ) )
@@ -396,7 +356,8 @@ int CFileSystem::FindFiles( const char *pPattern, const char *pPathID, unsigned 
 			std::string relative = entry.path().lexically_relative( diskBase.Get() ).generic_string();
 			std::string key = relative;
 			V_strlower_fast( key.data() );
-			if ( !seen.insert( key ).second )
+			auto [ itSeen, bNew ] = seen.emplace( key, nBase );
+			if ( !bNew && itSeen->second != nBase )
 				return;
 			found.push_back( { key, Host_NormalizePath( entry.path().string().c_str() ) } );
 		};

@@ -50,6 +50,8 @@ private:
 	CUtlVector<CUtlString> SearchPathsOf( const char *pPathID ) const;
 	// The disk path of an existing file or directory; false when none has it.
 	bool Locate( const char *pFileName, const char *pPathID, CUtlString *pDiskPath ) const;
+	// Inside (or one of) the directories marked unmodifiable.
+	bool IsInUnmodifiableDirectory( const char *pFullPath ) const;
 
 	mutable std::shared_mutex m_Mutex;
 	CUtlVector<SearchPath_t> m_SearchPaths;

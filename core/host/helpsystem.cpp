@@ -1,7 +1,12 @@
 #include "core/host/helpsystem.h"
 
 #include <atomic>
+#include <cstring>
 
+#include "core/containers/utlbuffer.h"
+#include "core/host/ifilesystem.h"
+#include "core/kv3/keyvalues3.h"
+#include "core/kv3/kv3serialize.h"
 #include "core/text/strtools.h"
 
 namespace
@@ -59,11 +64,29 @@ const char *CHelpSystem::GetTitle( const char *pScope, const char *pKey ) const
 	return pEntry ? pEntry->m_strTitle.Get() : "";
 }
 
+const CUtlString *CHelpSystem::FindFileText( const char *pScope, const char *pKey ) const
+{
+	const std::string key = LowerKey( pKey );
+	for ( const auto &scope : m_FileTexts )
+	{
+		if ( pScope && scope.first != LowerKey( pScope ) )
+			continue;
+		auto text = scope.second.find( key );
+		if ( text != scope.second.end() )
+			return &text->second;
+	}
+	return nullptr;
+}
+
 const char *CHelpSystem::GetText( const char *pScope, const char *pKey ) const
 {
 	std::lock_guard lock( m_Mutex );
 	const Entry_t *pEntry = FindEntry( pScope, pKey );
-	return pEntry ? pEntry->m_strText.Get() : "";
+	if ( pEntry && !pEntry->m_strText.IsEmpty() )
+		return pEntry->m_strText.Get();
+	// Texts are never removed, so they outlive the lock.
+	const CUtlString *pFileText = pEntry ? FindFileText( pScope, pKey ) : nullptr;
+	return pFileText ? pFileText->Get() : "";
 }
 
 bool CHelpSystem::KeyTextContainsWord( const char *pScope, const char *pKey, const char *pWord ) const
@@ -77,7 +100,8 @@ bool CHelpSystem::KeyTextContainsWord( const char *pScope, const char *pKey, con
 		if ( V_stristr_fast( pText->Get(), pWord ) )
 			return true;
 	}
-	return false;
+	const CUtlString *pFileText = pEntry->m_strText.IsEmpty() ? FindFileText( pScope, pKey ) : nullptr;
+	return pFileText && V_stristr_fast( pFileText->Get(), pWord );
 }
 
 bool CHelpSystem::HasScope( const char *pScope ) const
@@ -98,6 +122,53 @@ int CHelpSystem::GetEntryCount( const char *pScope ) const
 	std::lock_guard lock( m_Mutex );
 	auto scope = m_Scopes.find( LowerKey( pScope ) );
 	return scope != m_Scopes.end() ? int( scope->second.m_Entries.size() ) : 0;
+}
+
+int CHelpSystem::LoadTextsFromKV3Text( const char *pText, const char *pSourceName, CUtlString *pError )
+{
+	KeyValues3 file;
+	CUtlString strError;
+	if ( !LoadKV3FromText( &file, &strError, pText ? pText : "", pText ? strlen( pText ) : 0, KV3_FORMAT_GENERIC ) )
+	{
+		if ( pError )
+			pError->Format( "%s: %s", pSourceName ? pSourceName : "", strError.Get() );
+		return 0;
+	}
+	const KeyValues3 *pEntries = file.FindMember( "m_Entries" );
+	const std::string scope = LowerKey( file.GetMemberString( "m_Scope" ) );
+	int nRead = 0;
+	std::lock_guard lock( m_Mutex );
+	for ( int i = 0; pEntries && i < pEntries->GetArrayElementCount(); ++i )
+	{
+		const KeyValues3 *pEntry = pEntries->GetArrayElement( i );
+		const char *pKey = pEntry ? pEntry->GetMemberString( "m_Key" ) : "";
+		if ( !*pKey )
+			continue;
+		m_FileTexts[ scope ][ LowerKey( pKey ) ].Set( pEntry->GetMemberString( "m_Text" ) );
+		++nRead;
+	}
+	return nRead;
+}
+
+int CHelpSystem::LoadTextFiles( IFileSystem *pFileSystem, CUtlString *pErrors )
+{
+	if ( !pFileSystem )
+		return 0;
+	CUtlVector<CUtlString> files;
+	pFileSystem->FindFiles( "tools/help/*.txt", PATH_ID_GAME, FILE_FIND_FILES, &files );
+	int nRead = 0;
+	for ( const CUtlString &file : files )
+	{
+		CUtlBuffer buffer;
+		CUtlString strError;
+		if ( !pFileSystem->ReadFile( file, nullptr, &buffer, &strError ) )
+			strError.Format( "%s: %s", file.Get(), CUtlString( strError ).Get() );
+		else
+			nRead += LoadTextsFromKV3Text( buffer.String(), file, &strError );
+		if ( !strError.IsEmpty() && pErrors )
+			pErrors->AppendFormat( "%s\n", strError.Get() );
+	}
+	return nRead;
 }
 
 namespace

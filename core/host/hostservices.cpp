@@ -10,6 +10,7 @@
 #include "core/host/resourcesystem.h"
 #include "core/host/scenesystem.h"
 #include "core/host/toolscenenodefactory.h"
+#include "core/logging/logging.h"
 #include "core/particles/iparticlesystemmgr.h"
 
 CHostServices::CHostServices() = default;
@@ -44,6 +45,11 @@ bool CHostServices::Init( const char *pGameRoot, const char *pContentRoot, CUtlS
 	m_pFileSystem->SetupFromRoots( pGameRoot, pContentRoot );
 	m_pAssetSystem = std::make_unique<CAssetSystem>( m_pFileSystem.get(), m_pResourceSystem.get() );
 	m_pGameInfo->Load( m_pFileSystem.get(), pError );
+	// What the tools' help entries say; a broken help file costs only its texts.
+	CUtlString strHelpErrors;
+	m_pHelpSystem->LoadTextFiles( m_pFileSystem.get(), &strHelpErrors );
+	if ( !strHelpErrors.IsEmpty() )
+		Log_Warning( LOG_GENERAL, "Help files: %s", strHelpErrors.Get() );
 	Install();
 	return true;
 }

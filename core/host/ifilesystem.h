@@ -48,9 +48,9 @@ public:
 	// Reads the whole file; the buffer is replaced. False with a reason when it can't.
 	virtual bool ReadFile( const char *pFileName, const char *pPathID, CUtlBuffer *pBuffer, CUtlString *pError = nullptr ) = 0;
 	// Writes the buffer's contents (from 0 to its put position) to the file; a relative
-	// name goes under the id's first search path. The data goes to a temporary file that
-	// then replaces the old one, so a failed write leaves the old file as it was. Missing
-	// directories are made.
+	// name goes under the id's first search path. Written as SafeWriteFile writes
+	// (core/host/safefilewrite.h): never half a file, read-only files and links respected;
+	// a file in a directory marked unmodifiable is refused too. Missing directories are made.
 	virtual bool WriteFile( const char *pFileName, const char *pPathID, const CUtlBuffer &buffer, CUtlString *pError = nullptr ) = 0;
 	// Makes the directory and every missing one above it; true when it exists after.
 	virtual bool CreateDirHierarchy( const char *pPath, const char *pPathID = nullptr ) = 0;

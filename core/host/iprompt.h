@@ -46,6 +46,7 @@ enum PromptKind_t
 	PROMPT_KIND_OPEN_FILES,  // pick any number of existing files
 	PROMPT_KIND_SAVE_FILE,   // name a file to write
 	PROMPT_KIND_DIRECTORY,   // pick an existing directory
+	PROMPT_KIND_PICK_ITEM,   // pick one row of a list
 };
 
 const char *PromptKindName( PromptKind_t eKind );
@@ -90,6 +91,19 @@ struct PromptFileRequest_t
 	void *m_pParentWindow = nullptr;
 };
 
+// One modal list to pick a row from, each row a name with a description.
+struct PromptPickRequest_t
+{
+	struct Item_t
+	{
+		CUtlString m_strName;
+		CUtlString m_strDescription;
+	};
+	CUtlString m_strTitle;
+	CUtlVector<Item_t> m_Items;
+	void *m_pParentWindow = nullptr;
+};
+
 class IPrompt
 {
 public:
@@ -100,6 +114,11 @@ public:
 	// A file or directory dialog. Fills pChosen with the chosen paths as the dialog gives
 	// them (callers normalise) and answers true; false, with pChosen empty, on cancel.
 	virtual bool RunFileDialog( const PromptFileRequest_t &request, CUtlVector<CUtlString> *pChosen ) = 0;
+	// A list to pick one row from: true with the row's index, false when cancelled. The
+	// base answers as a batch run does: cancelled, and logged.
+	virtual bool PickItem( const PromptPickRequest_t &request, int *pChosen );
+	// The short sound of a refused command; the base (a batch run) makes none.
+	virtual void Beep() {}
 
 	// Shorthands over the three operations above.
 	void ShowMessage( PromptIcon_t eIcon, const char *pTitle, const char *pText, void *pParentWindow = nullptr );

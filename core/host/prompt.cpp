@@ -35,6 +35,7 @@ const char *PromptKindName( PromptKind_t eKind )
 	case PROMPT_KIND_OPEN_FILES: return "open files dialog";
 	case PROMPT_KIND_SAVE_FILE: return "save file dialog";
 	case PROMPT_KIND_DIRECTORY: return "directory dialog";
+	case PROMPT_KIND_PICK_ITEM: return "item picker";
 	}
 	return "prompt";
 }
@@ -84,6 +85,14 @@ PromptButton_t IPrompt::Ask( PromptIcon_t eIcon, const char *pTitle, const char 
 	question.m_eDefaultButton = eDefault;
 	question.m_pParentWindow = pParentWindow;
 	return Ask( question );
+}
+
+bool IPrompt::PickItem( const PromptPickRequest_t &request, int *pChosen )
+{
+	Log_Msg( LOG_GENERAL, "%s \"%s\" cancelled without a user interface\n", PromptKindName( PROMPT_KIND_PICK_ITEM ), request.m_strTitle.Get() );
+	if ( pChosen )
+		*pChosen = -1;
+	return false;
 }
 
 namespace

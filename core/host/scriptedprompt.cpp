@@ -76,6 +76,43 @@ void CScriptedPrompt::ExpectCancelledDialog( PromptKind_t eKind, const char *pTi
 	Queue( std::move( expectation ) );
 }
 
+void CScriptedPrompt::ExpectPickItem( int nIndex, const char *pTitle )
+{
+	Expectation_t expectation;
+	expectation.m_eKind = PROMPT_KIND_PICK_ITEM;
+	expectation.m_strTitle.Set( pTitle );
+	expectation.m_nPickIndex = nIndex;
+	expectation.m_bCancel = nIndex < 0;
+	Queue( std::move( expectation ) );
+}
+
+bool CScriptedPrompt::PickItem( const PromptPickRequest_t &request, int *pChosen )
+{
+	Record_t record;
+	record.m_eKind = PROMPT_KIND_PICK_ITEM;
+	record.m_strTitle = request.m_strTitle;
+	for ( const PromptPickRequest_t::Item_t &item : request.m_Items )
+		record.m_Items.AddToTail( item.m_strName );
+	Expectation_t expectation;
+	if ( TakeExpectation( PROMPT_KIND_PICK_ITEM, request.m_strTitle.Get(), &expectation ) )
+	{
+		if ( expectation.m_nPickIndex >= request.m_Items.Count() )
+		{
+			Fail( "Item picker \"%s\" was answered with row %d of %d", request.m_strTitle.Get(), expectation.m_nPickIndex, request.m_Items.Count() );
+			record.m_bExpected = false;
+		}
+		else
+			record.m_nPicked = expectation.m_nPickIndex;
+	}
+	else
+		record.m_bExpected = false;
+	if ( pChosen )
+		*pChosen = record.m_nPicked;
+	bool bPicked = record.m_nPicked >= 0;
+	m_Records.AddToTail( std::move( record ) );
+	return bPicked;
+}
+
 void CScriptedPrompt::Fail( const char *pFormat, ... )
 {
 	CUtlString text;
@@ -227,6 +264,7 @@ const CScriptedPrompt::Record_t *CScriptedPrompt::FindRecord( const char *pTitle
 
 void CScriptedPrompt::Reset()
 {
+	m_nBeeps = 0;
 	m_Pending.RemoveAll();
 	m_Records.RemoveAll();
 	m_Failures.RemoveAll();

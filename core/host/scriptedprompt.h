@@ -29,6 +29,8 @@ public:
 		CUtlString m_strFilter;    // file dialogs
 		PromptButton_t m_eAnswer = PROMPT_BUTTON_NONE; // questions and messages
 		CUtlVector<CUtlString> m_Chosen;               // dialogs; empty when cancelled
+		CUtlVector<CUtlString> m_Items;                // item pickers: the names offered
+		int m_nPicked = -1;                            // item pickers: the row chosen, -1 cancelled
 		bool m_bExpected = true; // false when no queued answer was meant for it
 	};
 
@@ -47,11 +49,15 @@ public:
 	void ExpectDirectory( const char *pPath, const char *pTitle = nullptr );
 	// A dialog of that kind that the user cancels.
 	void ExpectCancelledDialog( PromptKind_t eKind, const char *pTitle = nullptr );
+	// An item picker answered with the row at nIndex (-1: cancelled).
+	void ExpectPickItem( int nIndex, const char *pTitle = nullptr );
 
 	// IPrompt
 	void ShowMessage( const PromptQuestion_t &message ) override;
 	PromptButton_t Ask( const PromptQuestion_t &question ) override;
 	bool RunFileDialog( const PromptFileRequest_t &request, CUtlVector<CUtlString> *pChosen ) override;
+	bool PickItem( const PromptPickRequest_t &request, int *pChosen ) override;
+	void Beep() override { ++m_nBeeps; }
 	using IPrompt::Ask;
 	using IPrompt::ShowMessage;
 
@@ -63,6 +69,8 @@ public:
 	int GetPendingCount() const { return m_Pending.Count(); }
 	// Texts of everything that went wrong: unexpected prompts, mismatched titles or
 	// kinds, answers that were not among the buttons offered.
+	// Beeps so far; they need no answer.
+	int GetBeepCount() const { return m_nBeeps; }
 	const CUtlVector<CUtlString> &GetFailures() const { return m_Failures; }
 	bool HasFailures() const { return !m_Failures.IsEmpty(); }
 	// Forgets records, failures and queued answers.
@@ -79,6 +87,7 @@ private:
 		PromptButton_t m_eAnswer = PROMPT_BUTTON_NONE;
 		CUtlVector<CUtlString> m_Chosen;
 		bool m_bCancel = false;
+		int m_nPickIndex = -1;
 	};
 
 	void Queue( Expectation_t &&expectation );
@@ -89,5 +98,6 @@ private:
 	CUtlVector<Expectation_t> m_Pending;
 	CUtlVector<Record_t> m_Records;
 	CUtlVector<CUtlString> m_Failures;
+	int m_nBeeps = 0;
 	FailureHandlerFn_t m_fnFailureHandler;
 };

@@ -37,6 +37,7 @@ public:
 
 	// Writes this key, its subkeys and its peers as text that LoadFromBuffer reads back.
 	void SaveToBuffer( CUtlBuffer *pBuffer ) const;
+	// Written through the safe write layer: never half a file, read-only files refused.
 	bool SaveToFile( const char *pPath, CUtlString *pError = nullptr ) const;
 	CUtlString ToText() const;
 

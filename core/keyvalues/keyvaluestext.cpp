@@ -3,6 +3,7 @@
 #include "core/keyvalues/keyvalues.h"
 
 #include "core/containers/utlbuffer.h"
+#include "core/host/safefilewrite.h"
 
 #include <cstdio>
 #include <cstring>
@@ -416,21 +417,5 @@ void KeyValues::SaveToBuffer( CUtlBuffer *pBuffer ) const
 bool KeyValues::SaveToFile( const char *pPath, CUtlString *pError ) const
 {
 	CUtlString text = ToText();
-	std::string path = NativePath( pPath );
-	// Written aside and renamed over the target, so a failed write never leaves half a file.
-	std::string tempPath = path + ".tmp";
-	FILE *pFile = fopen( tempPath.c_str(), "wb" );
-	bool bOk = pFile && fwrite( text.Get(), 1, text.Length(), pFile ) == text.Length();
-	if ( pFile && fclose( pFile ) != 0 )
-		bOk = false;
-	if ( bOk && rename( tempPath.c_str(), path.c_str() ) != 0 )
-		bOk = false;
-	if ( !bOk )
-	{
-		if ( pFile )
-			remove( tempPath.c_str() );
-		if ( pError )
-			pError->Format( "%s: cannot write the file", pPath ? pPath : "" );
-	}
-	return bOk;
+	return SafeWriteFile( pPath, text.Get(), text.Length(), pError );
 }

@@ -236,6 +236,15 @@ concept KV3PostLoadHook = requires( C &object, const KeyValues3 *pTable, CKV3Tra
 	{ C::KV3PostLoad( object, pTable, pContext ) };
 };
 
+// A class stored in another form than a table of its members (a boxed integer written as
+// the plain number) defines
+//	static bool KV3PreSave( const C &object, KeyValues3 *pValue, CKV3TransferSaveContext *pContext );
+// and answers true when it wrote the value itself.
+template <typename C>
+concept KV3PreSaveHook = requires( const C &object, KeyValues3 *pValue, CKV3TransferSaveContext *pContext ) {
+	{ C::KV3PreSave( object, pValue, pContext ) } -> std::same_as<bool>;
+};
+
 template <SchemaDeclaredClass C> struct KV3Transfer_t<C>
 {
 	static void Load( C &object, const KeyValues3 *pValue, CKV3TransferLoadContext *pContext )
@@ -269,6 +278,11 @@ template <SchemaDeclaredClass C> struct KV3Transfer_t<C>
 
 	static void Save( const C &object, KeyValues3 *pValue, CKV3TransferSaveContext *pContext )
 	{
+		if constexpr ( KV3PreSaveHook<C> )
+		{
+			if ( C::KV3PreSave( object, pValue, pContext ) )
+				return;
+		}
 		if ( pContext->BeginClass( pValue, CKV3TransferSaveContext::CLASS_MODE_PLAIN, "" ) )
 			SaveMembers( object, pValue, pContext );
 	}

@@ -8,121 +8,12 @@
 #include <unistd.h>
 #include <cstring>
 
-#include "core/host/filesystem.h"
-#include "core/host/scriptedprompt.h"
 #include "core/host/toolsettingsstore.h"
-#include "core/platform/platformmode.h"
 #include "core/text/pathtools.h"
-#include "tools/toolutils2/baseeditorapp/baseeditorapp.h"
-#include "tools/toolutils2/baseeditorapp/baseeditorsession.h"
+#include "tests/baseeditorapp/baseeditortestapp.h"
 
-namespace
-{
 namespace fs = std::filesystem;
 
-class CTestApp;
-
-// A session whose file is plain text; Open answers what the test asks for.
-class CTestSession final : public CSimpleBaseEditorSession
-{
-public:
-	explicit CTestSession( CBaseEditorApp *pApp ) : CSimpleBaseEditorSession( pApp ) {}
-
-	bool New( const char *pName ) override
-	{
-		CUtlString strName;
-		strName.Format( "%s.txt", pName );
-		StoreFileName( strName );
-		return true;
-	}
-	int Open( const char *pPath, CUtlString *pError ) override;
-	bool Reload() override { return true; }
-	bool SaveToFile( const char *, const char *pTargetPath, bool ) override
-	{
-		CUtlString strDisk( pTargetPath );
-		strDisk.FixSlashes( '/' );
-		std::ofstream out( strDisk.Get() );
-		out << "saved";
-		return bool( out );
-	}
-	IBaseEditorWindow *GetWindow() const override { return nullptr; }
-};
-
-class CTestApp final : public CBaseEditorApp
-{
-public:
-	CBaseEditorSession *CreateSession() override { return new CTestSession( this ); }
-	void DestroySession( CBaseEditorSession *pSession ) override
-	{
-		++m_nDestroyed;
-		delete pSession;
-	}
-	IBaseEditorWindow *GetMainWindow() override { return nullptr; }
-	void UseDefaultDirectory( const char *pDirectory ) { SetDefaultDirectory( pDirectory ); }
-	void UseToolName( const char *pName ) { SetToolName( pName ); }
-
-	int m_nOpenResult = EDITOR_OPEN_LOADED;
-	int m_nDestroyed = 0;
-	// A file that, while it opens, asks to open another one.
-	CUtlString m_strNestedOpen;
-	CBaseEditorSession *m_pNestedResult = reinterpret_cast<CBaseEditorSession *>( 1 );
-};
-
-int CTestSession::Open( const char *, CUtlString *pError )
-{
-	CTestApp *pApp = static_cast<CTestApp *>( m_pApp );
-	if ( !pApp->m_strNestedOpen.IsEmpty() )
-		pApp->m_pNestedResult = pApp->OpenFile( pApp->m_strNestedOpen, true );
-	if ( pApp->m_nOpenResult == EDITOR_OPEN_FAILED )
-		*pError = "bad data on line 3";
-	return pApp->m_nOpenResult;
-}
-
-class BaseEditorAppTest : public ::testing::Test
-{
-protected:
-	void SetUp() override
-	{
-		Plat_SetTestMode( true );
-		m_Root = fs::temp_directory_path() / ( "zol_baseeditorapp_" + std::to_string( ::getpid() ) + "_" + ::testing::UnitTest::GetInstance()->current_test_info()->name() );
-		fs::remove_all( m_Root );
-		fs::create_directories( m_Root / "game" );
-		fs::create_directories( m_Root / "content" / "particles" );
-		m_FileSystem.SetupFromRoots( ( m_Root / "game" ).c_str(), ( m_Root / "content" ).c_str() );
-		SetFileSystem( &m_FileSystem );
-		m_App.UseDefaultDirectory( Native( m_Root / "content" / "particles" ) );
-	}
-
-	void TearDown() override
-	{
-		m_App.CloseAllSessions();
-		SetFileSystem( nullptr );
-		fs::remove_all( m_Root );
-		EXPECT_FALSE( m_Prompt.HasFailures() );
-	}
-
-	static CUtlString Native( const fs::path &path )
-	{
-		CUtlString str( path.string().c_str() );
-		str.FixSlashes( '\\' );
-		return str;
-	}
-
-	CUtlString MakeFile( const char *pRelative )
-	{
-		fs::path path = m_Root / "content" / pRelative;
-		fs::create_directories( path.parent_path() );
-		std::ofstream( path ) << "data";
-		return Native( path );
-	}
-
-	fs::path m_Root;
-	CFileSystem m_FileSystem;
-	CScriptedPrompt m_Prompt;
-	CScopedPrompt m_ScopedPrompt{ &m_Prompt };
-	CTestApp m_App;
-};
-} // namespace
 
 TEST_F( BaseEditorAppTest, OpeningAnOpenFileActivatesItsSessionAndCreatesNothing )
 {

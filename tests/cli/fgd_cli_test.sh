@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # zol fgd on the shipped class descriptions and on broken ones.
 # usage: fgd_cli_test.sh ZOL SOURCE_DIR
-set -uo pipefail
+# No pipefail: `echo "$out" | grep -q` would fail whenever grep stops reading early.
+set -u
 zol=$1
 src=$2
 failures=0

@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # zol kv3 on the shipped content and on broken input, as an artist would run it.
 # usage: kv3_cli_test.sh ZOL SOURCE_DIR
-set -uo pipefail
+# No pipefail: `echo "$out" | grep -q` would fail whenever grep stops reading early.
+set -u
 zol=$1
 src=$2
 work=$(mktemp -d)

@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # zol sim on every shipped sample and on broken input.
 # usage: sim_cli_test.sh ZOL SOURCE_DIR
-set -uo pipefail
+# No pipefail: `echo "$out" | grep -q` would fail whenever grep stops reading early.
+set -u
 zol=$1
 src=$2
 failures=0

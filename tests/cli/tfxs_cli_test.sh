@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # zol tfxs and zol catalogue on the shipped definitions and on broken ones.
 # usage: tfxs_cli_test.sh ZOL SOURCE_DIR
-set -uo pipefail
+# No pipefail: `echo "$out" | grep -q` would fail whenever grep stops reading early.
+set -u
 zol=$1
 src=$2
 failures=0

@@ -197,3 +197,42 @@ TEST( ParticleInputDisplayFromKV3, ByClassName )
 	EXPECT_FALSE( GetParticleInputDisplayString( "CParticleVecInput", &badVec, "", &text, &error ) );
 	EXPECT_STREQ( text.Get(), "(0,0,0)" );
 }
+
+TEST( ParticleInputCanonicalForm, OneInputWrittenAnyWaySavesAlike )
+{
+	auto fnCanonical = []( const char *pszClass, const KeyValues3 &value ) {
+		KeyValues3 saved;
+		EXPECT_TRUE( SaveParticleInputCanonically( pszClass, &value, &saved ) ) << pszClass;
+		return saved;
+	};
+	KeyValues3 bare, literal, random, randomInts, otherRandom;
+	bare.SetDouble( 40.0 );
+	literal.SetMemberString( "m_nType", "PF_TYPE_LITERAL" );
+	literal.SetMemberDouble( "m_flLiteralValue", 40.0 );
+	random.SetMemberString( "m_nType", "PF_TYPE_RANDOM_UNIFORM" );
+	random.SetMemberDouble( "m_flRandomMin", 30.0 );
+	random.SetMemberDouble( "m_flRandomMax", 50.0 );
+	randomInts.SetMemberInt( "m_nType", 2 );
+	randomInts.SetMemberInt( "m_flRandomMin", 30 );
+	randomInts.SetMemberInt( "m_flRandomMax", 50 );
+	otherRandom.CopyFrom( random );
+	otherRandom.SetMemberInt( "m_nRandomSeed", 7 );
+	for ( const char *pszClass : { "CParticleCollectionFloatInput", "CPerParticleFloatInput" } )
+	{
+		EXPECT_TRUE( fnCanonical( pszClass, bare ).IsEqual( fnCanonical( pszClass, literal ) ) );
+		EXPECT_TRUE( fnCanonical( pszClass, random ).IsEqual( fnCanonical( pszClass, randomInts ) ) );
+		EXPECT_FALSE( fnCanonical( pszClass, random ).IsEqual( fnCanonical( pszClass, otherRandom ) ) );
+		EXPECT_FALSE( fnCanonical( pszClass, bare ).IsEqual( fnCanonical( pszClass, random ) ) );
+	}
+
+	KeyValues3 transform, transformNumbered;
+	transform.SetMemberString( "m_nType", "PT_TYPE_CONTROL_POINT" );
+	transform.SetMemberInt( "m_nControlPoint", 1 );
+	transformNumbered.CopyFrom( transform );
+	transformNumbered.SetMemberDouble( "m_nControlPoint", 1.0 );
+	EXPECT_TRUE( fnCanonical( "CParticleTransformInput", transform ).IsEqual( fnCanonical( "CParticleTransformInput", transformNumbered ) ) );
+
+	KeyValues3 saved;
+	EXPECT_FALSE( SaveParticleInputCanonically( "CParticleSystemDefinition", &bare, &saved ) );
+	EXPECT_FALSE( SaveParticleInputCanonically( "NoSuchClass", &bare, &saved ) );
+}

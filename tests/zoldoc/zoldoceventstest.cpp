@@ -43,7 +43,7 @@ const EventCase_t s_EventCases[] = {
 	{ "AddFunctionNamed", Nothing, []( ZolDocFixture &f ) { f.m_Doc.AddFunction( "Fade Out", "C_OP_Decay", PARTICLE_FUNCTION_OPERATOR ); }, "Selection List", 1, "Add Operator 'Fade Out'" },
 	{ "AddFunctionUnknownClass", Nothing, []( ZolDocFixture &f ) { f.m_Doc.AddFunction( "", "C_OP_NoSuchThing", PARTICLE_FUNCTION_OPERATOR ); }, "Selection List", 1, "Add Operator 'C_OP_NoSuchThing'" },
 	{ "AddChild", Nothing, []( ZolDocFixture &f ) { f.m_Doc.AddChild( &g_ChildAssetA ); }, "List", 1, "Add Child" },
-	{ "AddChildren", Nothing, []( ZolDocFixture &f ) { IAsset *assets[] = { &g_ChildAssetA, &g_ChildAssetB }; f.m_Doc.AddChildren( 2, assets ); }, "Modified List List List", 3, "Add Child" },
+	{ "AddChildren", Nothing, []( ZolDocFixture &f ) { IAsset *assets[] = { &g_ChildAssetA, &g_ChildAssetB }; f.m_Doc.AddChildren( 2, assets ); }, "Modified List List List", 1, "Add Children" },
 	{ "AddNoChildren", Nothing, []( ZolDocFixture &f ) { f.m_Doc.AddChildren( 0, nullptr ); }, "", 0, nullptr },
 	{ "SetChild", []( ZolDocFixture &f ) { f.m_Doc.AddChild( nullptr ); },
 	  []( ZolDocFixture &f ) { f.m_Doc.SetChild( f.m_Doc.GetRoot()->GetNode( PARTICLE_FUNCTION_CHILDREN, 0 )->AsChildNode(), &g_ChildAssetB ); }, "List", 1, "Set Child" },

@@ -38,31 +38,11 @@
 #include "zoldoc_lib/zolcontrolpointconfiguration.h"
 #include "zoldoc_lib/zoldoc.h"
 #include "zoldoc_lib/zolrootnode.h"
+#include "tests/zoltool/zolapptestsupport.h"
 
 namespace
 {
 namespace fs = std::filesystem;
-
-// Paths in memory use backslashes, also on this platform.
-CUtlString MemoryPath( const fs::path &path )
-{
-	CUtlString strPath( path.c_str() );
-	strPath.FixSlashes( '\\' );
-	return strPath;
-}
-
-void WriteText( const fs::path &path, const std::string &text )
-{
-	fs::create_directories( path.parent_path() );
-	std::ofstream out( path );
-	out << text;
-}
-
-std::string ReadText( const fs::path &path )
-{
-	std::ifstream in( path );
-	return std::string( std::istreambuf_iterator<char>( in ), std::istreambuf_iterator<char>() );
-}
 
 // The control point numbers of the drivers of a definition's first configuration.
 std::vector<int> DriverPoints( const KeyValues3 &definition )
@@ -85,82 +65,6 @@ struct CEventCounter
 	CZolSession *m_pLastSelectionSession = nullptr;
 };
 
-class ZolAppTest : public ::testing::Test
-{
-protected:
-	void SetUp() override
-	{
-		Plat_SetTestMode( true );
-		m_Root = fs::temp_directory_path() / ( "zol_app_" + std::to_string( getpid() ) );
-		fs::remove_all( m_Root );
-		fs::create_directories( m_Root );
-		fs::copy( fs::path( ZOL_SOURCE_DIR ) / "content" / "game", m_Root / "game", fs::copy_options::recursive );
-		fs::create_directories( m_Root / "content/particles" );
-		fs::copy( fs::path( ZOL_SOURCE_DIR ) / "content/content/particles/samples", m_Root / "content/particles/samples", fs::copy_options::recursive );
-		// Another directory: one system that holds fire as a child, one that holds nothing.
-		std::string campfire = ReadText( m_Root / "content/particles/samples/campfire.tfxs" );
-		ASSERT_NE( campfire.find( "particles/samples/fire.tfxs" ), std::string::npos );
-		WriteText( m_Root / "content/particles/other/holder.tfxs", campfire );
-		fs::copy_file( m_Root / "content/particles/samples/fire.tfxs", m_Root / "content/particles/other/lonely.tfxs" );
-		fs::create_directories( m_Root / "settings" );
-		GetToolSettingsStore().SetDirectory( ( m_Root / "settings" ).c_str() );
-
-		CUtlString strError;
-		ASSERT_TRUE( m_Services.Init( ( m_Root / "game" ).c_str(), ( m_Root / "content" ).c_str(), &strError ) ) << strError.Get();
-		RegisterParticleInputClasses();
-		m_Services.SetParticleSystemMgr( HostParticleSystemMgr() );
-
-		int nCode = -1;
-		m_pApp = static_cast<CZolApp *>( static_cast<CBaseToolSystem2 *>( CreateInterface( "ToolSystem2_001", &nCode ) ) );
-		ASSERT_NE( m_pApp, nullptr );
-		m_pApp->SetCreatesMainWindow( false );
-	}
-
-	void Start()
-	{
-		ASSERT_TRUE( m_pApp->Connect( &Host_CreateInterface ) );
-		ASSERT_TRUE( m_pApp->StartTool( 0 ) );
-		m_bStarted = true;
-	}
-
-	void TearDown() override
-	{
-		if ( !m_pApp )
-		{
-			fs::remove_all( m_Root );
-			return;
-		}
-		// Hooks of a test body must not outlive it.
-		m_pApp->SetAssetPreviewUpdater( nullptr );
-		if ( m_bStarted )
-		{
-			for ( CBaseEditorSession *pSession : m_pApp->GetSessions() )
-				pSession->SetModified( false );
-			EXPECT_TRUE( m_pApp->CloseAllSessions() );
-			m_pApp->ShutdownTool();
-			m_pApp->Disconnect();
-		}
-		m_pApp->SetCreatesMainWindow( false );
-		m_pApp->SetPreviewSessionLocked( false );
-		m_Services.SetParticleSystemMgr( nullptr );
-		GetToolSettingsStore().SetDirectory( "" );
-		fs::remove_all( m_Root );
-	}
-
-	CZolSession *Open( const char *pContentPath )
-	{
-		return static_cast<CZolSession *>( m_pApp->OpenFile( MemoryPath( m_Root / "content" / pContentPath ), true ) );
-	}
-
-	IAsset *Asset( const char *pContentPath ) { return m_Services.GetAssetSystem()->FindAssetByContentPath( pContentPath ); }
-
-	fs::path m_Root;
-	CHostServices m_Services;
-	CScriptedPrompt m_Prompt;
-	CScopedPrompt m_ScopedPrompt{ &m_Prompt };
-	CZolApp *m_pApp = nullptr;
-	bool m_bStarted = false;
-};
 } // namespace
 
 // ---------------------------------------------------------------------------------------
@@ -375,13 +279,13 @@ TEST_F( ZolAppTest, AutosaveInTheAutosaveTreeNamesItsSourceInTheContentTree )
 {
 	Start();
 	CUtlString strRoot;
-	m_pApp->GetAutosaveRoot( &strRoot );
+	m_pApp->GetAutosaveManager().GetAutosaveRoot( &strRoot );
 	EXPECT_EQ( strRoot.Get()[ 0 ], '\\' ) << strRoot.Get();
 	EXPECT_STREQ( strRoot.Get() + strRoot.Length() - strlen( "_toolsautosave\\particles\\" ), "_toolsautosave\\particles\\" ) << strRoot.Get();
 	CUtlString strAutosave;
 	strAutosave.Format( "%sparticles\\samples\\fire004.tfxs_autosave", strRoot.Get() );
 	CUtlString strSource;
-	m_pApp->GetAutosaveSourceName( strAutosave, &strSource );
+	m_pApp->GetAutosaveManager().GetOriginalFileName( strAutosave, &strSource );
 	EXPECT_STREQ( strSource, MemoryPath( m_Root / "content/particles/samples/fire.tfxs" ) );
 }
 
@@ -570,7 +474,7 @@ TEST_F( ZolAppTest, AutosaveOpensAsItsSourceAndSavingAnAutosaveChangesNothing )
 {
 	Start();
 	CUtlString strRoot;
-	m_pApp->GetAutosaveRoot( &strRoot );
+	m_pApp->GetAutosaveManager().GetAutosaveRoot( &strRoot );
 	CUtlString strAutosave;
 	strAutosave.Format( "%sparticles\\samples\\fire004.tfxs_autosave", strRoot.Get() );
 	CUtlString strDiskAutosave( strAutosave );
@@ -764,7 +668,8 @@ TEST_F( ZolAppTest, ShippedBindingsNameOnlyCommandsThatExist )
 	for ( const InputBinding_t &binding : engine.GetBindingList().GetBindings() )
 	{
 		// Bindings of test targets loaded by other tests of this process don't count.
-		if ( binding.m_strContext != "ZolApp" && binding.m_strContext != "ZolSession" && binding.m_strContext != "SessionCycleWidget" && binding.m_strContext != "GlobalHotkeys" )
+		if ( binding.m_strContext != "ZolApp" && binding.m_strContext != "ZolSession" && binding.m_strContext != "SessionCycleWidget" && binding.m_strContext != "GlobalHotkeys" &&
+			 binding.m_strContext != "RichItemListPicker" )
 			continue;
 		const CBindTargetDescriptorBase *pDescriptor = CBindTargetDescriptorBase::FindKnownDescriptor( binding.m_nContextToken );
 		ASSERT_NE( pDescriptor, nullptr ) << binding.m_strContext.Get();

@@ -10,6 +10,7 @@
 #include "core/platform/platformtime.h"
 #include "core/text/pathtools.h"
 #include "core/text/strtools.h"
+#include "tools/toolutils2/baseeditorapp/autosavenames.h"
 #include "tools/toolutils2/baseeditorapp/baseeditorsession.h"
 #include "tools/toolutils2/baseeditorapp/editorfilequeries.h"
 #include "tools/toolutils2/baseeditorapp/editorwaitcursor.h"
@@ -23,6 +24,7 @@ static constexpr double SETTINGS_SAVE_INTERVAL = 0.5;
 
 CBaseEditorApp::CBaseEditorApp()
 {
+	m_AutosaveManager.SetApp( this );
 	m_AutosaveManager.SetFileExists( []( const char *pPath ) { return EditorFiles::Exists( pPath ); } );
 }
 
@@ -63,9 +65,19 @@ bool CBaseEditorApp::StartTool( int nToolId )
 	if ( IBaseEditorWindow *pWindow = GetMainWindow() )
 		pWindow->RestoreLayout( &settings );
 	RestoreToolSettings( &settings );
+	m_AutosaveManager.CheckForRecovery();
+	// Stored at once: a crash from here on must find the flag down. The window isn't up
+	// yet, so the layout stays as it was read.
 	m_EditorSettings.m_bClosedCorrectly = false;
-	MarkSettingsDirty();
+	SaveSettings( nullptr );
+	m_AutosaveManager.StartTimer();
 	return true;
+}
+
+void CBaseEditorApp::ChangeEditorSettings( const CEditorSettings &settings )
+{
+	m_EditorSettings = settings;
+	StoreSettingsNow();
 }
 
 void CBaseEditorApp::Frame()
@@ -82,9 +94,10 @@ void CBaseEditorApp::ShutdownTool()
 	CloseAllSessions();
 	m_bShutdown = true;
 	Shutdown();
-	m_EditorSettings.m_bClosedCorrectly = true;
-	if ( Plat_FloatTime() - m_flLastSettingsSave >= SETTINGS_SAVE_INTERVAL || m_bSettingsDirty )
-		SaveSettings( GetMainWindow() );
+	// A headless run that left files to recover leaves the crash record for the next start.
+	m_EditorSettings.m_bClosedCorrectly = !m_AutosaveManager.IsKeepingRecovery();
+	// Always stored: a quick start and quit must not read as a crash next time.
+	StoreSettingsNow();
 	ShutdownDone();
 }
 
@@ -235,12 +248,23 @@ CBaseEditorSession *CBaseEditorApp::FindSessionByFile( const char *pPath ) const
 {
 	if ( !pPath || !*pPath )
 		return nullptr;
+	CUtlString strPath( pPath );
+	NormalisePath( &strPath );
+	// Names compare ignoring case, but two files may differ only in case: the exact
+	// spelling wins, and a twin on disk is never taken for the file.
+	CBaseEditorSession *pFolded = nullptr;
 	for ( CBaseEditorSession *pSession : m_Sessions )
 	{
-		if ( pSession->HasFile( pPath ) )
+		if ( !pSession->HasFile( strPath ) )
+			continue;
+		if ( !V_strcmp( pSession->GetFileName(), strPath ) )
 			return pSession;
+		if ( !pFolded )
+			pFolded = pSession;
 	}
-	return nullptr;
+	if ( pFolded && EditorFiles::AreCaseTwins( pFolded->GetFileName(), strPath ) )
+		return nullptr;
+	return pFolded;
 }
 
 // ---------------------------------------------------------------------------------------
@@ -294,6 +318,8 @@ CBaseEditorSession *CBaseEditorApp::NewSession()
 	m_Sessions.push_back( pSession );
 	pSession->OnAdded();
 	pSession->SetNewFile( true );
+	// No file yet: nothing locks it, so it is autosaved like any other.
+	pSession->UpdateFileStatus();
 	m_AutosaveManager.NoteNewFile( pSession->GetFileName() );
 	if ( IBaseEditorWindow *pWindow = GetWindowOf( pSession ) )
 		pWindow->OnSessionAdded( pSession );
@@ -337,14 +363,19 @@ bool CBaseEditorApp::ResolveOpenPath( const char *pPath, CUtlString *pFullPath )
 
 bool CBaseEditorApp::ConfirmOutsideContent( const char *pPath )
 {
-	if ( m_bSkipContentCheck || IsInContent( pPath ) || Plat_IsInTestMode() )
+	// An autosave lies outside the content tree by design: its original's place counts.
+	bool bAutosave = IsAutosaveFileName( pPath );
+	CUtlString strChecked( pPath );
+	if ( bAutosave )
+		m_AutosaveManager.GetOriginalFileName( pPath, &strChecked );
+	if ( m_bSkipContentCheck || IsInContent( strChecked ) || Plat_IsInTestMode() )
 		return true;
 	CUtlString strContentRoot;
 	EditorFiles::GetRoot( "CONTENTROOT", &strContentRoot );
 	PromptQuestion_t question;
 	question.m_eIcon = PROMPT_ICON_QUESTION;
 	question.m_strTitle = "Open File";
-	question.m_strText.Format( "<br>%s<pre>\"%s\"</pre>is outside of the directory required for game content:<pre>\"%s\"\t</pre>", "The file:", pPath, strContentRoot.Get() );
+	question.m_strText.Format( "<br>%s<pre>\"%s\"</pre>is outside of the directory required for game content:<pre>\"%s\"\t</pre>", bAutosave ? "This autosave file's original file location:" : "The file:", strChecked.Get(), strContentRoot.Get() );
 	question.m_strInformativeText = "The file must be saved in the game content directory before it can used in game.\nOpen anyway?";
 	question.m_nButtons = PROMPT_BUTTON_YES | PROMPT_BUTTON_NO;
 	question.m_eDefaultButton = PROMPT_BUTTON_YES;
@@ -370,6 +401,19 @@ CBaseEditorSession *CBaseEditorApp::OpenFile( const char *pPath, bool bTrackRece
 	return pSession;
 }
 
+bool CBaseEditorApp::RefuseAutosaveOfOpenFile( const char *pPath )
+{
+	if ( !IsAutosaveFileName( pPath ) )
+		return false;
+	// Two sessions of one file would overwrite each other's work.
+	CUtlString strOriginal;
+	m_AutosaveManager.GetOriginalFileName( pPath, &strOriginal );
+	if ( !FindSessionByFile( strOriginal ) )
+		return false;
+	GetPrompt()->Warning( "Unable to open", "The source file of this autosave is already open. Close it first to open this file." );
+	return true;
+}
+
 CBaseEditorSession *CBaseEditorApp::OpenFileSteps( const char *pPath, bool bTrackRecent )
 {
 	CEditorWaitCursor waitCursor;
@@ -381,6 +425,8 @@ CBaseEditorSession *CBaseEditorApp::OpenFileSteps( const char *pPath, bool bTrac
 	if ( !ConfirmOutsideContent( strPath ) )
 		return nullptr;
 	if ( !OfferSync( strPath ) || !CheckOtherUsers( strPath ) )
+		return nullptr;
+	if ( RefuseAutosaveOfOpenFile( strPath ) )
 		return nullptr;
 
 	if ( CBaseEditorSession *pOpen = FindSessionByFile( strPath ) )
@@ -445,8 +491,9 @@ CBaseEditorSession *CBaseEditorApp::OpenFileSteps( const char *pPath, bool bTrac
 	if ( nResult != EDITOR_OPEN_CONTENT_COPY )
 	{
 		pSession->UpdateFileStatus();
+		// An autosave opens as its original, and the original is what was worked on.
 		if ( bTrackRecent )
-			m_AutosaveManager.NoteFileOpened( strPath, true );
+			m_AutosaveManager.NoteFileOpened( *pSession->GetFileName() ? pSession->GetFileName() : strPath.Get(), true );
 	}
 	pSession->SetNewFile( false );
 	if ( IBaseEditorWindow *pWindow = bAdded ? GetWindowOf( pSession ) : nullptr )
@@ -487,6 +534,14 @@ void CBaseEditorApp::ShowOpenDialog()
 	NormalisePath( &strDirectory );
 	m_strLastLoadDirectory = strDirectory.DirName();
 	MarkSettingsDirty();
+	// One autosave whose original is open stops the whole choice, before anything opens.
+	for ( int i = 0; i < chosen.Count(); ++i )
+	{
+		CUtlString strName( chosen[ i ].Get() );
+		NormalisePath( &strName );
+		if ( RefuseAutosaveOfOpenFile( strName ) )
+			return;
+	}
 	for ( int i = 0; i < chosen.Count(); ++i )
 	{
 		CUtlString strName( chosen[ i ].Get() );

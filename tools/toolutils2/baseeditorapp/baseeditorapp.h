@@ -36,6 +36,8 @@ public:
 	virtual CBaseEditorSession *OpenFile( const char *pPath, bool bTrackRecent, const void *pExtra = nullptr );
 	virtual IBaseEditorWindow *GetActiveWidget() { return GetMainWindow(); }
 	virtual const char *GetToolTitle() const { return m_strToolName.Get(); }
+	// The name the user knows the program by, in questions such as the recovery's.
+	virtual const char *GetApplicationName() const { return GetToolTitle(); }
 	virtual const char *GetCommandContextName() const { return m_strToolName.Get(); }
 
 	// Hooks of the tool.
@@ -50,6 +52,9 @@ public:
 	virtual void OnFileStatesRefreshed() {}
 	virtual bool SupportsVersionControl() const { return true; }
 	virtual bool SupportsAutosave() const { return true; }
+	// The autosave timer's permission: false puts the autosave off by a second. By default
+	// not while a file is being opened.
+	virtual bool CanAutosaveNow() { return !m_bOpening; }
 	virtual bool SessionWantsFile( CBaseEditorSession *, const char * ) { return false; }
 	virtual bool CanOpenFile( const char * ) { return true; }
 	virtual void ReadToolSettingsEarly( const KeyValues3 * ) {}
@@ -100,7 +105,17 @@ public:
 	const std::vector<CBaseEditorSession *> &GetSessions() const { return m_Sessions; }
 	const CEditorSessionHistory &GetSessionHistory() const { return m_SessionHistory; }
 	CAutosaveManager &GetAutosaveManager() { return m_AutosaveManager; }
-	CEditorSettings &GetEditorSettings() { return m_EditorSettings; }
+	const CEditorSettings &GetEditorSettings() const { return m_EditorSettings; }
+	// Every change of the editor settings comes here, and the settings are stored at once.
+	void ChangeEditorSettings( const CEditorSettings &settings );
+	// Writes the settings now, not at the next frame: for what must survive a crash.
+	void StoreSettingsNow() { SaveSettings( GetMainWindow() ); }
+
+	// A step of a scripted run (the tools host's --do option: crash tests, demonstrations):
+	// "new" makes a new document, "autosave" does what the autosave timer does when its
+	// time comes, "report" lists the sessions with their marks. A tool adds steps of its
+	// own. Answers what to tell the user, or false with the reason in pOutput.
+	virtual bool RunScriptStep( const char *pStep, CUtlString *pOutput );
 
 	// Untitled names: "<default directory>\<prefix><n>", n one counter per process.
 	void MakeUntitledName( CUtlString *pName );
@@ -162,6 +177,8 @@ private:
 	CBaseEditorSession *OpenFileSteps( const char *pPath, bool bTrackRecent );
 	bool ResolveOpenPath( const char *pPath, CUtlString *pFullPath ) const;
 	bool ConfirmOutsideContent( const char *pPath );
+	// Tells the user and answers true for an autosave whose original is open.
+	bool RefuseAutosaveOfOpenFile( const char *pPath );
 	void RemoveSessionFromList( CBaseEditorSession *pSession );
 	bool ChooseSaveAsPath( CBaseEditorSession *pSession, CUtlString *pChosen );
 	bool IsUntitledNameTaken( const char *pBaseName ) const;

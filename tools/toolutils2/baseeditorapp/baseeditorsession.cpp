@@ -5,6 +5,7 @@
 #include "core/host/iprompt.h"
 #include "core/text/pathtools.h"
 #include "core/text/strtools.h"
+#include "tools/toolutils2/baseeditorapp/autosavenames.h"
 #include "tools/toolutils2/baseeditorapp/baseeditorapp.h"
 #include "tools/toolutils2/baseeditorapp/editorfilequeries.h"
 #include "tools/toolutils2/baseeditorapp/ibaseeditorwindow.h"
@@ -76,12 +77,6 @@ bool CBaseEditorSession::HasFile( const char *pPath ) const
 {
 	const char *pFileName = GetFileName();
 	return *pFileName && pPath && V_PathsMatch( pFileName, pPath );
-}
-
-static bool IsAutosaveFileName( const char *pPath )
-{
-	const char *pExtension = V_GetFileExtension( pPath );
-	return pExtension && V_StringHasSuffix_fast( pExtension, "_autosave" );
 }
 
 bool CBaseEditorSession::UpdateFileStatus()
@@ -213,12 +208,10 @@ void CBaseEditorSession::ConfirmReload()
 
 void CSimpleBaseEditorSession::SetModified( bool bModified )
 {
-	if ( m_bModified != bModified )
-	{
-		m_bModified = bModified;
-		if ( bModified )
-			SetNeedsAutosave( true );
-	}
+	m_bModified = bModified;
+	// Every edit, not only the first, makes the next autosave take the session.
+	if ( bModified )
+		SetNeedsAutosave( true );
 	NotifyListeners( 0 );
 }
 

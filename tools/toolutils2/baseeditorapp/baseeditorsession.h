@@ -96,11 +96,13 @@ public:
 	void SetNewFile( bool bNewFile ) { m_bNewFile = bNewFile; }
 	int GetFileNameChangeCount() const { return m_nFileNameChanges; }
 
+	// A locked file is never autosaved: the autosave manager skips it and SetNeedsAutosave
+	// keeps false.
+	bool CanEverAutosave() const { return !m_bLocked; }
+
 protected:
 	// Stores the name without side effects; SetFileName adds the status and the listeners.
 	virtual void StoreFileName( const char *pPath ) = 0;
-	// For derived SetNeedsAutosave: a locked file never needs one.
-	bool CanEverAutosave() const { return !m_bLocked; }
 
 	CBaseEditorApp *m_pApp;
 	bool m_bReadOnly = true;

@@ -2,6 +2,8 @@
 
 #include <unistd.h>
 
+#include <cstring>
+
 #include "core/host/hostpaths.h"
 #include "core/host/ifilesystem.h"
 #include "core/text/pathtools.h"
@@ -12,6 +14,14 @@ bool Exists( const char *pPath )
 {
 	IFileSystem *pFileSystem = GetFileSystem();
 	return pFileSystem && pPath && *pPath && pFileSystem->FileExists( pPath );
+}
+
+bool AreCaseTwins( const char *pPathA, const char *pPathB )
+{
+	// Spelt exactly, without the file system's folding of case.
+	CUtlString strA = Host_DiskPath( pPathA );
+	CUtlString strB = Host_DiskPath( pPathB );
+	return strcmp( strA, strB ) != 0 && access( strA, F_OK ) == 0 && access( strB, F_OK ) == 0;
 }
 
 bool IsDirectory( const char *pPath )
@@ -98,6 +108,23 @@ void ListDirectory( const char *pDirectory, std::vector<CUtlString> *pNames )
 	pFileSystem->FindFiles( Host_JoinPath( pDirectory, "*" ), nullptr, FILE_FIND_FILES | FILE_FIND_DIRECTORIES, &results );
 	for ( int i = 0; i < results.Count(); ++i )
 		pNames->emplace_back( V_UnqualifiedFileName( results[ i ].Get() ) );
+}
+
+void FindFiles( const char *pPattern, std::vector<CUtlString> *pPaths )
+{
+	pPaths->clear();
+	IFileSystem *pFileSystem = GetFileSystem();
+	CUtlVector<CUtlString> results;
+	if ( pFileSystem && pPattern && *pPattern )
+		pFileSystem->FindFiles( pPattern, nullptr, FILE_FIND_FILES, &results );
+	for ( int i = 0; i < results.Count(); ++i )
+		pPaths->push_back( results[ i ] );
+}
+
+int64_t GetModificationTime( const char *pPath )
+{
+	IFileSystem *pFileSystem = GetFileSystem();
+	return pFileSystem && pPath && *pPath ? pFileSystem->GetFileTime( pPath ) : 0;
 }
 
 bool CreateDirectoryChain( const char *pDirectory )

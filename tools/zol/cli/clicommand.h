@@ -19,3 +19,11 @@ struct CZolCliCommandRegistrar
 {
 	explicit CZolCliCommandRegistrar( const ZolCliCommand_t &command ) { ZolCliCommands().push_back( command ); }
 };
+
+// A command of two words ("tfxs diff"). Each word registers itself, in its own file, under
+// its group; the group's entries all run one dispatcher, which main finds by the first word
+// and which runs the word given second. argv[0] is the group, argv[1] the word.
+struct CZolCliSubcommandRegistrar
+{
+	CZolCliSubcommandRegistrar( const char *pGroup, const char *pWord, const char *pUsage, const char *pHelp, int ( *pfnRun )( int argc, char **argv ) );
+};

@@ -3,55 +3,11 @@
 
 #include <cstdio>
 #include <cstring>
-#include <filesystem>
-#include <string>
 
 #include "core/containers/utlbuffer.h"
-#include "core/particles/iparticlesystemmgr.h"
-#include "core/particles/hostparticlesystemmgr.h"
 #include "tools/zol/cli/clicommand.h"
-#include "zoldoc_lib/particlegamedata.h"
+#include "tools/zol/cli/clitfxs.h"
 #include "zoldoc_lib/zoldoc.h"
-
-// The game root of a definition: the nearest ancestor folder with "game/gameinfo.gi"
-// (content/content/... files sit beside content/game), else none.
-static std::string FindDefinitionGameRoot( const char *pPath )
-{
-	std::error_code error;
-	std::filesystem::path directory = std::filesystem::absolute( pPath, error ).parent_path();
-	for ( ; !directory.empty(); directory = directory.parent_path() )
-	{
-		for ( const char *pCandidate : { "game", "content/game" } )
-		{
-			std::filesystem::path root = directory / pCandidate;
-			if ( std::filesystem::exists( root / "gameinfo.gi", error ) )
-				return root.string();
-		}
-		if ( directory == directory.root_path() )
-			break;
-	}
-	return std::string();
-}
-
-// Each line of a text, as "FILE: line".
-static void PrintLines( FILE *pOut, const char *pFile, const char *pText )
-{
-	const char *pLine = pText;
-	while ( pLine && *pLine )
-	{
-		const char *pEnd = strchr( pLine, '\n' );
-		size_t nLength = pEnd ? size_t( pEnd - pLine ) : strlen( pLine );
-		if ( nLength )
-			fprintf( pOut, "%s: %.*s\n", pFile, int( nLength ), pLine );
-		pLine = pEnd ? pEnd + 1 : nullptr;
-	}
-}
-
-static void ConnectParticleHost( const char *pFirstFile )
-{
-	SetParticleSystemMgr( HostParticleSystemMgr() );
-	SetParticleGameRoot( FindDefinitionGameRoot( pFirstFile ).c_str() );
-}
 
 static int RunTfxs( int argc, char **argv )
 {
@@ -63,7 +19,7 @@ static int RunTfxs( int argc, char **argv )
 		fprintf( stderr, "%s", pUsage );
 		return 2;
 	}
-	ConnectParticleHost( argv[ 2 ] );
+	ConnectParticleHostForDefinition( argv[ 2 ] );
 
 	int nStatus = 0;
 	for ( int i = 2; i < argc; ++i )
@@ -72,17 +28,17 @@ static int RunTfxs( int argc, char **argv )
 		CUtlString error;
 		if ( !doc.LoadFromFile( argv[ i ], "", &error ) )
 		{
-			PrintLines( bFormat ? stderr : stdout, argv[ i ], error.Get() );
+			PrintFileLines( bFormat ? stderr : stdout, argv[ i ], error.Get() );
 			nStatus = 1;
 			continue;
 		}
-		PrintLines( bFormat ? stderr : stdout, argv[ i ], doc.GetLoadWarnings().Get() );
+		PrintFileLines( bFormat ? stderr : stdout, argv[ i ], doc.GetLoadWarnings().Get() );
 		if ( !bFormat )
 			continue;
 		CUtlBuffer buffer;
 		if ( !doc.SaveToBuffer( &buffer, &error ) )
 		{
-			PrintLines( stderr, argv[ i ], error.Get() );
+			PrintFileLines( stderr, argv[ i ], error.Get() );
 			nStatus = 1;
 			continue;
 		}
@@ -91,5 +47,6 @@ static int RunTfxs( int argc, char **argv )
 	return nStatus;
 }
 
-static CZolCliCommandRegistrar s_TfxsCommand( { "tfxs", "tfxs check|fmt FILE...",
-	"reports why particle system definitions are refused or read leniently (check), or prints one as a save writes it (fmt)", RunTfxs } );
+static CZolCliSubcommandRegistrar s_TfxsCheck( "tfxs", "check", "tfxs check FILE...",
+	"reports why particle system definitions are refused or read leniently", RunTfxs );
+static CZolCliSubcommandRegistrar s_TfxsFormat( "tfxs", "fmt", "tfxs fmt FILE", "prints a definition as a save writes it", RunTfxs );

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include <QApplication>
 #include <QStatusBar>
 
 #include "core/host/gameinfo.h"
@@ -18,6 +19,7 @@
 #include "core/particles/iparticlesystemmgr.h"
 #include "core/text/pathtools.h"
 #include "core/text/strtools.h"
+#include "tools/toolutils2/baseeditorapp/autosavenames.h"
 #include "tools/toolutils2/baseeditorapp/editorfilequeries.h"
 #include "tools/toolutils2/widgets/inputbind/inputbindmanager.h"
 #include "tools/toolutils2/baseeditorapp/sessionversioncontrol.h"
@@ -26,7 +28,6 @@
 #include "tools/zol/editor/zolmainwnd.h"
 #include "tools/zol/editor/zolsession.h"
 #include "zoldoc_lib/particlegamedata.h"
-#include "zoldoc_lib/zolautosavename.h"
 #include "zoldoc_lib/zolchoiceproviders.h"
 #include "zoldoc_lib/zolevents.h"
 
@@ -216,6 +217,11 @@ CZolSession *CZolApp::GetActiveZolSession() const
 	return static_cast<CZolSession *>( GetActiveSession() );
 }
 
+bool CZolApp::CanAutosaveNow()
+{
+	return CSimpleEditorSharedWindowApp<CZolSession, CQZolMainWnd>::CanAutosaveNow() && !QApplication::activeModalWidget();
+}
+
 CBaseEditorSession *CZolApp::GetOtherSession( CBaseEditorSession *pSession )
 {
 	if ( m_Sessions.size() < 2 )
@@ -268,6 +274,8 @@ void CZolApp::OnSessionSaved( CZolSession *pSession, const char *pOldAssetName )
 	// The asset pane and the preview rebind through the session-activated path; what
 	// stays here is telling the panels that the session's asset changed.
 	(void)pOldAssetName;
+	if ( m_pMainWnd && pSession )
+		m_pMainWnd->OnSessionFileChanged( pSession );
 	if ( !pSession || !pSession->GetAsset() )
 		return;
 	if ( pSession == m_pPreviewSession )
@@ -279,33 +287,6 @@ void CZolApp::OnSessionSaved( CZolSession *pSession, const char *pOldAssetName )
 			pHub->Dispatch( event );
 		}
 	}
-}
-
-void CZolApp::GetAutosaveRoot( CUtlString *pRoot ) const
-{
-	CUtlString strContentRoot;
-	EditorFiles::GetRoot( "CONTENTROOT", &strContentRoot );
-	strContentRoot.FixSlashes( '\\' );
-	while ( strContentRoot.Length() > 1 && strContentRoot.Get()[ strContentRoot.Length() - 1 ] == '\\' )
-		strContentRoot.Set( strContentRoot.Get(), strContentRoot.Length() - 1 );
-	pRoot->Format( "%s_toolsautosave\\%s\\", strContentRoot.Get(), GetToolName() );
-}
-
-void CZolApp::GetAutosaveSourceName( const char *pAutosavePath, CUtlString *pSource ) const
-{
-	CUtlString strRoot;
-	GetAutosaveRoot( &strRoot );
-	CUtlString strContentRoot;
-	EditorFiles::GetRoot( "CONTENTROOT", &strContentRoot );
-	// An autosave outside the autosave tree comes back beside itself.
-	CUtlString strAutosave( pAutosavePath );
-	strAutosave.FixSlashes( '\\' );
-	if ( strAutosave.Length() < strRoot.Length() || V_strnicmp_fast( strAutosave, strRoot, strRoot.Length() ) )
-	{
-		strRoot = strAutosave.DirName();
-		strContentRoot = strRoot;
-	}
-	GetZolAutosaveSourceName( pAutosavePath, strRoot, strContentRoot, pSource );
 }
 
 // ---------------------------------------------------------------------------------------
@@ -327,7 +308,7 @@ void CZolApp::OpenDirectory( const char *pDirectory )
 	for ( const CUtlString &strName : names )
 	{
 		const char *pExtension = V_GetFileExtension( strName );
-		if ( pExtension && V_strnicmp_fast( pExtension, "tfxs", 4 ) == 0 && ( !pExtension[ 4 ] || IsZolAutosaveFile( strName ) ) )
+		if ( pExtension && V_strnicmp_fast( pExtension, "tfxs", 4 ) == 0 && ( !pExtension[ 4 ] || IsAutosaveFileName( strName ) ) )
 		{
 			CUtlString strFile;
 			strFile.Format( "%s\\%s", strDirectory.Get(), strName.Get() );
@@ -338,10 +319,10 @@ void CZolApp::OpenDirectory( const char *pDirectory )
 	// whole directory rather than open half of it.
 	for ( const CUtlString &strFile : files )
 	{
-		if ( !IsZolAutosaveFile( strFile ) )
+		if ( !IsAutosaveFileName( strFile ) )
 			continue;
 		CUtlString strSource;
-		GetAutosaveSourceName( strFile, &strSource );
+		GetAutosaveManager().GetOriginalFileName( strFile, &strSource );
 		if ( FindSessionByFile( strSource ) )
 		{
 			CUtlString strText;

@@ -44,11 +44,17 @@ public:
 	const char *const *GetNeededInterfaces() const override;
 	void OnOpenRequest( const ToolOpenRequest_t &request ) override;
 	const char *GetCommandContextName() const override { return "ZolCommands"; }
+	const char *GetApplicationName() const override { return "Zol"; }
 	bool Init() override;
 	void RunFrame() override;
 	void Shutdown() override;
 	void DestroySession( CBaseEditorSession *pSession ) override;
 	void SessionActivated( CBaseEditorSession *pOld, CBaseEditorSession *pNew ) override;
+	// The framework's steps, and "set KEY VALUE" (an edit of a member of the active
+	// definition's root, as the property panel makes it) and "get KEY" (zolappscript.cpp).
+	bool RunScriptStep( const char *pStep, CUtlString *pOutput ) override;
+	// Not while a dialog is up: a question may stand in the middle of an operation.
+	bool CanAutosaveNow() override;
 	bool OfferSync( const char * ) override { return true; }
 	bool CheckOtherUsers( const char * ) override { return true; }
 	void OnFileOpened( CBaseEditorSession *pSession, const char *pPath ) override;
@@ -81,11 +87,6 @@ public:
 	bool IsScreenSpaceOverlayAllowed() const { return m_bAllowScreenSpaceOverlay; }
 	bool IsScreenSpaceOverlayShown() const { return m_bShowScreenSpaceOverlay; }
 	void SetScreenSpaceOverlayShown( bool bShow ) { m_bShowScreenSpaceOverlay = bShow; }
-
-	// The source file of an autosave: the autosave tree mirrors the content tree under
-	// "<content root>_toolsautosave\<tool>\".
-	void GetAutosaveRoot( CUtlString *pRoot ) const;
-	void GetAutosaveSourceName( const char *pAutosavePath, CUtlString *pSource ) const;
 
 	CZolEventHub *GetEventHub() const { return m_pEventHub.get(); }
 	IAssetCompiler *GetParticleCompiler() { return &m_ParticleCompiler; }

@@ -6,6 +6,7 @@
 #include <QLabel>
 #include <QMenu>
 #include <QMenuBar>
+#include <QSignalBlocker>
 #include <QStatusBar>
 
 #include "core/host/hostpaths.h"
@@ -13,6 +14,9 @@
 #include "tools/toolutils2/widgets/inputbind/bindablecommandaction.h"
 #include "tools/toolutils2/widgets/inputbind/inputbindmanager.h"
 #include "tools/toolutils2/widgets/undo/undohistorywidget.h"
+#include "tools/widgets/assetthumbnail.h"
+#include "tools/zol/editor/functionlist/particlefunctionlist.h"
+#include "tools/zol/editor/functionlist/particlesystemthumbnail.h"
 #include "tools/zol/editor/particlepreview.h"
 #include "tools/zol/editor/zolapp.h"
 #include "tools/zol/editor/zolsession.h"
@@ -57,7 +61,10 @@ void CQZolMainWnd::CreateChildren()
 	m_pUndoHistoryWidget = new CQUndoHistoryWidget();
 	m_pPropertyDock = MakeDock( "Properties", "ZOL2_PropertyDock", MakePanelPlaceholder( "Properties" ), 300, 500 );
 	m_pAssetPaneDock = MakeDock( "Current assets", "ZOL2_AssetPaneDock", MakePanelPlaceholder( "Current assets" ), 500, 500 );
-	m_pFunctionDock = MakeDock( "Functions", "ZOL2_FunctionDock", MakePanelPlaceholder( "Functions" ), 300, 500 );
+	// The function list gets the named value context with the property panel.
+	m_pFunctionList = new CQParticleFunctionList( nullptr );
+	m_pFunctionDock = MakeDock( "Functions", "ZOL2_FunctionDock", m_pFunctionList, 300, 500 );
+	RegisterParticleSystemThumbnails();
 	m_pControlsDock = MakeDock( "Controls", "ZOL2_PreviewControlsDock", MakePanelPlaceholder( "Controls" ), 500, 500 );
 	m_pUndoDock = MakeDock( "Undo", "ZOL2_UndoDock", m_pUndoHistoryWidget, 300, 500 );
 	ResetLayout();
@@ -95,6 +102,8 @@ void CQZolMainWnd::CreateChildren()
 
 	if ( CZolApp *pApp = ZolApp() )
 	{
+		// Thumbnails of a particle system draw again when it compiles.
+		pApp->SetAssetPreviewUpdater( []( IAsset *pAsset ) { CQAssetThumbnail::NotifyAssetChanged( pAsset ); } );
 		pApp->SetClipboardHooks( []( const char *pText ) { QApplication::clipboard()->setText( QString::fromUtf8( pText ) ); },
 			[]() { return CUtlString( QApplication::clipboard()->text().toUtf8().constData() ); } );
 	}
@@ -154,6 +163,8 @@ void CQZolMainWnd::ResetLayout()
 	splitDockWidget( m_pFunctionDock, m_pPropertyDock, Qt::Horizontal );
 	addDockWidget( Qt::RightDockWidgetArea, m_pControlsDock );
 	splitDockWidget( m_pControlsDock, m_pUndoDock, Qt::Vertical );
+	// The rows need the width of a function's name and what it writes.
+	resizeDocks( { m_pFunctionDock }, { 300 }, Qt::Horizontal );
 }
 
 void CQZolMainWnd::OnToggleWindwLock( bool bLocked )
@@ -208,6 +219,10 @@ void CQZolMainWnd::RunFrame()
 
 void CQZolMainWnd::SessionActivated( CZolSession *, CZolSession *pNew )
 {
+	{
+		const QSignalBlocker blocker( m_pFunctionList );
+		m_pFunctionList->SetSession( pNew );
+	}
 	m_SessionTarget.SetTarget( pNew );
 	CQInputBindManager::Get()->GetEngine().MarkDirty();
 	// The keys shown next to the Edit entries come from the shown session's commands.
@@ -232,8 +247,18 @@ void CQZolMainWnd::SessionActivated( CZolSession *, CZolSession *pNew )
 	}
 }
 
+void CQZolMainWnd::OnSessionFileChanged( CZolSession *pSession )
+{
+	if ( pSession && m_pFunctionList->GetSession() == pSession )
+	{
+		const QSignalBlocker blocker( m_pFunctionList );
+		m_pFunctionList->SetSession( pSession );
+	}
+}
+
 void CQZolMainWnd::ForgetSession( CZolSession *pSession )
 {
+	m_pFunctionList->ForgetSession( pSession );
 	if ( pSession && m_SessionTarget.GetTarget() == pSession )
 	{
 		m_SessionTarget.SetTarget( nullptr );

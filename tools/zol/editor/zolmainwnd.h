@@ -7,6 +7,7 @@
 #include "tools/toolutils2/inputbind/bindtarget.h"
 #include "tools/toolutils2/widgets/baseeditorwnd/baseeditormdiwnd.h"
 
+class CQParticleFunctionList;
 class CQParticlePreview;
 class CQUndoHistoryWidget;
 class CZolSession;
@@ -27,10 +28,14 @@ public:
 	void SessionActivated( CZolSession *pOld, CZolSession *pNew );
 	// The session is going away: drop every pointer to it.
 	void ForgetSession( CZolSession *pSession );
+	// The session loaded or saved its file: the panels that show it read it again.
+	void OnSessionFileChanged( CZolSession *pSession );
 	void ResetLayout();
 
 	// The live preview in the middle.
 	CQParticlePreview *GetPreview() const { return m_pPreview; }
+	CQParticleFunctionList *GetFunctionList() const { return m_pFunctionList; }
+	QDockWidget *GetFunctionDock() const { return m_pFunctionDock; }
 	QDockWidget *GetUndoDock() const { return m_pUndoDock; }
 	CQUndoHistoryWidget *GetUndoHistoryWidget() const { return m_pUndoHistoryWidget; }
 	QMenu *GetEditMenu() const { return m_pEditMenu; }
@@ -70,6 +75,7 @@ private:
 	QDockWidget *m_pControlsDock = nullptr;
 	QDockWidget *m_pUndoDock = nullptr;
 	QStatusBar *m_pStatusBar = nullptr;
+	CQParticleFunctionList *m_pFunctionList = nullptr;
 	QDockWidget *m_pPropertyDock = nullptr;
 	QMenu *m_pViewMenu = nullptr;
 	QMenu *m_pEditMenu = nullptr;

@@ -14,12 +14,13 @@
 #include "core/logging/logonce.h"
 #include "core/text/pathtools.h"
 #include "core/text/strtools.h"
+#include "tools/toolutils2/baseeditorapp/autosavenames.h"
 #include "tools/toolutils2/baseeditorapp/editorfilequeries.h"
 #include "tools/toolutils2/baseeditorapp/ibaseeditorwindow.h"
 #include "tools/toolutils2/undo/undohistory.h"
 #include "tools/zol/editor/particleassetcompiler.h"
 #include "tools/zol/editor/zolapp.h"
-#include "zoldoc_lib/zolautosavename.h"
+#include "tools/zol/editor/zolmainwnd.h"
 #include "zoldoc_lib/zolcontrolpointconfiguration.h"
 #include "zoldoc_lib/zoldoc.h"
 #include "zoldoc_lib/zolnode.h"
@@ -140,14 +141,16 @@ bool CZolSession::LoadSession( const char *pPath, CUtlString *pError )
 	if ( !m_pDoc->LoadFromFile( pPath, nullptr, pError ) )
 		return false;
 	// An autosave is edited as its source: a later save replaces the source.
-	if ( IsZolAutosaveFile( pPath ) )
+	if ( IsAutosaveFileName( pPath ) )
 	{
 		CUtlString strSource;
-		GetZolApp()->GetAutosaveSourceName( pPath, &strSource );
+		m_pApp->GetAutosaveManager().GetOriginalFileName( pPath, &strSource );
 		StoreFileName( strSource );
 	}
 	// A file that can't be bound stays editable; it just doesn't compile.
 	BindAsset( pError );
+	if ( CQZolMainWnd *pWindow = GetZolApp() ? GetZolApp()->GetZolMainWindow() : nullptr )
+		pWindow->OnSessionFileChanged( this );
 	return true;
 }
 
@@ -155,7 +158,7 @@ bool CZolSession::BindAsset( CUtlString *pError )
 {
 	CUtlString strFile( GetFileName() );
 	strFile.FixSlashes( '/' );
-	if ( IsZolAutosaveFile( strFile ) )
+	if ( IsAutosaveFileName( strFile ) )
 		return false;
 	if ( m_pAsset )
 		m_pAsset->EndEditing();
@@ -440,6 +443,14 @@ bool CZolSession::SaveToFile( const char *pOriginalPath, const char *pTargetPath
 	if ( !m_pDoc->SaveToFile( pTargetPath, &strError, [ this ]( KeyValues3 *pRoot ) { FilterDrivers( pRoot ); } ) )
 	{
 		Log_Warning( LOG_ZOL, "WARNING: Failed to save file '%s': %s\n", pTargetPath, strError.Get() );
+		// The artist chose to save and must hear why it didn't happen; a failed autosave
+		// only goes to the log.
+		if ( !bAutosave )
+		{
+			CUtlString strText;
+			strText.Format( "Failed to save '%s':\n%s", pTargetPath, strError.Get() );
+			GetPrompt()->Warning( "Error saving file", strText );
+		}
 		return false;
 	}
 	// A save under a new name binds the new file; an autosave never changes the binding.

@@ -21,6 +21,7 @@ class CZolApp;
 class CZolChildNode;
 class CZolDoc;
 class IAsset;
+class IZolNodeVariableContext;
 class KeyValues3;
 struct ZolControlPointConfiguration_t;
 
@@ -113,6 +114,17 @@ public:
 	// Asks for a particle system and adds it as a child when it may be one; null when the
 	// user cancelled or the pick was refused.
 	CZolChildNode *BrowseAndAddChild();
+	// Asks for a particle system for the child to refer to instead; false when the user
+	// cancelled or the pick was refused.
+	bool BrowseForChild( CZolChildNode *pChild );
+	// Adds to a list as the user chooses: a child through the file dialog, a variable
+	// through its dialog (with the named value context), a function through the picker
+	// (PARTICLE_FUNCTION_ROOT: of any list). False when nothing was added.
+	bool AddElement( ParticleFunctionType_t eType, IZolNodeVariableContext *pHint );
+
+	// Where the function list stood while it showed this session.
+	int GetFunctionListScroll() const { return m_nFunctionListScroll; }
+	void SetFunctionListScroll( int nScroll ) { m_nFunctionListScroll = nScroll; }
 
 	// IBindTarget: the commands of context "ZolSession" (zolsessioncommands.cpp).
 	const CBindTargetDescriptorBase *GetBindTargetDescriptor() const override;
@@ -143,6 +155,9 @@ private:
 	// A driver for each control point of the usage that the definition doesn't set itself,
 	// at its default offset where it has one.
 	void AddUsageDrivers( KeyValues3 *pConfig ) const;
+	// The prompt's file dialog for a particle system of the content tree; null when the
+	// user cancelled or chose a file that isn't one (after telling them).
+	IAsset *PickChildAsset( const char *pTitle );
 
 	IZolEventHub *m_pEventHub = nullptr;
 	CToolEventDispatcher m_Events;
@@ -158,6 +173,7 @@ private:
 	CUtlString m_CurrentConfigName;
 	IAsset *m_pAsset = nullptr;
 	CResourceHandle m_hResource;
+	int m_nFunctionListScroll = 0;
 	bool m_bSuppressModified = false;
 	bool m_bNeedsRecompile = false;
 	// The compiled form as text, for the asset compile and for whoever reads it back.

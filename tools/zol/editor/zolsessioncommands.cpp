@@ -3,6 +3,8 @@
 // on beeps and changes nothing.
 
 #include <QApplication>
+#include <QTimer>
+#include <algorithm>
 
 #include "core/host/iasset.h"
 #include "core/host/iassetsystem.h"
@@ -11,8 +13,11 @@
 #include "core/text/pathtools.h"
 #include "tools/toolutils2/baseeditorapp/editorfilequeries.h"
 #include "tools/toolutils2/inputbind/bindtargetdescriptor.h"
+#include "tools/zol/editor/functionlist/pickparticlefunctionui.h"
 #include "tools/zol/editor/zolapp.h"
+#include "tools/zol/editor/zolmainwnd.h"
 #include "tools/zol/editor/zolsession.h"
+#include "zoldoc_lib/zolchildnode.h"
 #include "zoldoc_lib/zoldoc.h"
 
 static void Beep()
@@ -28,6 +33,25 @@ static void BeepUnless( bool bDone )
 		Beep();
 }
 
+// The picker runs an event loop of its own. Started from within a command, the keys typed
+// into it would meet the bindings of the window that ran the command: it opens once the
+// command is over.
+static void OpenPickerAfterTheCommand( CZolSession *pSession )
+{
+	CZolApp *pApp = ZolApp();
+	CQZolMainWnd *pWindow = pApp ? pApp->GetZolMainWindow() : nullptr;
+	if ( !qApp || !pWindow )
+	{
+		pSession->AddElement( PARTICLE_FUNCTION_ROOT, nullptr );
+		return;
+	}
+	QTimer::singleShot( 0, pWindow, [ pApp, pSession ]() {
+		const std::vector<CBaseEditorSession *> &sessions = pApp->GetSessions();
+		if ( std::find( sessions.begin(), sessions.end(), pSession ) != sessions.end() )
+			pSession->AddElement( PARTICLE_FUNCTION_ROOT, nullptr );
+	} );
+}
+
 static void BuildZolSessionCommands( CBindTargetDescriptor<CZolSession> &d )
 {
 	d.AddClickCommand( "Undo", []( CZolSession *pSession ) { pSession->GetDoc()->Undo(); } );
@@ -37,12 +61,7 @@ static void BuildZolSessionCommands( CBindTargetDescriptor<CZolSession> &d )
 	d.AddClickCommand( "Paste", []( CZolSession *pSession ) { BeepUnless( pSession->PasteFromClipboard() ); } );
 	d.AddClickCommand( "Delete", []( CZolSession *pSession ) { BeepUnless( pSession->DeleteSelection() ); } );
 	d.AddClickCommand( "Toggle", []( CZolSession *pSession ) { BeepUnless( pSession->ToggleSelection() ); } );
-	d.AddClickCommand( "AddFunction", []( CZolSession * ) {
-		// The function picker is the function list's; until it is part of the editor there
-		// is nothing to choose from here.
-		Log_Msg( LOG_ZOL, "AddFunction: the function picker is not available.\n" );
-		Beep();
-	} );
+	d.AddClickCommand( "AddFunction", &OpenPickerAfterTheCommand );
 	d.AddClickCommand( "AddChild", []( CZolSession *pSession ) { pSession->BrowseAndAddChild(); } );
 }
 
@@ -81,7 +100,7 @@ bool CZolSession::ToggleSelection()
 	return true;
 }
 
-CZolChildNode *CZolSession::BrowseAndAddChild()
+IAsset *CZolSession::PickChildAsset( const char *pTitle )
 {
 	// The pick goes through the prompt layer's file dialog, started in the content
 	// tree's particle folder; only files the asset system knows can be children.
@@ -90,18 +109,66 @@ CZolChildNode *CZolSession::BrowseAndAddChild()
 	if ( !strStart.IsEmpty() )
 		strStart.Format( "%s\\particles", CUtlString( strStart ).Get() );
 	CUtlString strChosen;
-	if ( !GetPrompt()->GetOpenFileName( "Add a child particle system", strStart, "Particle System Definition (*.tfxs)", &strChosen ) || strChosen.IsEmpty() )
+	if ( !GetPrompt()->GetOpenFileName( pTitle, strStart, "Particle System Definition (*.tfxs)", &strChosen ) || strChosen.IsEmpty() )
 		return nullptr;
 	IAssetSystem *pAssetSystem = GetAssetSystem();
 	IAsset *pChild = pAssetSystem ? pAssetSystem->FindAssetByAbsolutePath( strChosen ) : nullptr;
-	if ( !pChild )
+	if ( !pChild || pChild->GetType() != RESOURCE_TYPE_PARTICLE_SYSTEM )
 	{
 		CUtlString strText;
 		strText.Format( "'%s' is not a particle system of the content tree.", strChosen.Get() );
 		GetPrompt()->Warning( "Error choosing asset", strText );
 		return nullptr;
 	}
-	if ( !CanBeChild( pChild ) )
+	return pChild;
+}
+
+CZolChildNode *CZolSession::BrowseAndAddChild()
+{
+	IAsset *pChild = PickChildAsset( "Add a child particle system" );
+	if ( !pChild || !CanBeChild( pChild ) )
 		return nullptr;
 	return m_pDoc->AddChild( pChild );
+}
+
+bool CZolSession::BrowseForChild( CZolChildNode *pChild )
+{
+	// The dialog runs while frames go on; the node is found again by its place.
+	const ZolElementRef_t ref = m_pDoc->GetElementRef( pChild );
+	IAsset *pAsset = PickChildAsset( "Select a child particle system" );
+	if ( !pAsset || !CanBeChild( pAsset ) )
+		return false;
+	CBaseZolNode *pNode = m_pDoc->ResolveElementRef( ref );
+	if ( !pNode || !pNode->AsChildNode() )
+		return false;
+	m_pDoc->SetChild( pNode->AsChildNode(), pAsset );
+	return true;
+}
+
+bool CZolSession::AddElement( ParticleFunctionType_t eType, IZolNodeVariableContext *pHint )
+{
+	if ( eType == PARTICLE_FUNCTION_CHILDREN )
+		return BrowseAndAddChild() != nullptr;
+	if ( eType == PARTICLE_FUNCTION_NAMED_VALUE_LOCALS )
+	{
+		// Variables are named and typed in their own dialog, which needs the context
+		// that knows the variables around this system.
+		if ( pHint )
+			Log_Msg( LOG_ZOL, "Adding a variable needs the variable dialog, which this editor doesn't have yet.\n" );
+		Beep();
+		return false;
+	}
+	// The picker is a dialog: headless runs have nobody to choose.
+	CZolApp *pApp = GetZolApp();
+	CQZolMainWnd *pWindow = pApp ? pApp->GetZolMainWindow() : nullptr;
+	if ( !qApp || !pWindow )
+	{
+		Log_Msg( LOG_ZOL, "AddFunction: no window to choose a function in.\n" );
+		Beep();
+		return false;
+	}
+	CQPickParticleFunctionUI picker( m_pDoc.get(), pWindow );
+	picker.setWindowTitle( "Add..." );
+	picker.Populate( eType );
+	return picker.exec() == 1;
 }

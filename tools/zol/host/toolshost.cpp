@@ -3,9 +3,9 @@
 #include <dlfcn.h>
 
 #include <QApplication>
+#include <QBuffer>
 #include <QDir>
 #include <QFileInfo>
-#include <QImage>
 #include <QPixmap>
 #include <QTimer>
 
@@ -17,15 +17,18 @@
 #include "core/host/hostservices.h"
 #include "core/host/interfaceregistry.h"
 #include "core/host/iprompt.h"
+#include "core/host/safefilewrite.h"
 #include "core/logging/logging.h"
 #include "core/particles/hostparticlesystemmgr.h"
 #include "particleslib/particleinputclasses.h"
 #include "tools/toolutils2/toolattr/toolattrhost.h"
+#include "core/platform/platformmode.h"
 #include "core/platform/platformtime.h"
 #include "tools/toolutils2/baseeditorapp/baseeditorapp.h"
 #include "tools/toolutils2/baseeditorapp/baseeditorsession.h"
 #include "tools/toolutils2/widgets/baseeditorwnd/baseeditorwnd.h"
 #include "tools/toolutils2/widgets/baseeditorwnd/qtprompt.h"
+#include "tools/zol/host/scriptedrun.h"
 
 namespace
 {
@@ -36,11 +39,12 @@ struct ToolsHostOptions_t
 	QString m_ScreenshotPath;
 	int m_nFrames = 30;
 	std::vector<QString> m_Files;
+	CScriptedRun m_Script;
 };
 
 void PrintHostUsage( FILE *pOut )
 {
-	fprintf( pOut, "usage: zol [--game DIR] [--content DIR] [--screenshot PATH [--frames N]] [FILE...]\n" );
+	fprintf( pOut, "usage: zol [--game DIR] [--content DIR] [--screenshot PATH [--frames N]] [--do STEP]... [--answer TITLE=BUTTON]... [FILE...]\n" );
 }
 
 bool ParseOptions( int argc, char **argv, ToolsHostOptions_t *pOptions )
@@ -49,7 +53,12 @@ bool ParseOptions( int argc, char **argv, ToolsHostOptions_t *pOptions )
 	{
 		const char *pArg = argv[ i ];
 		bool bHasValue = i + 1 < argc;
-		if ( !strcmp( pArg, "--game" ) && bHasValue )
+		int nScriptArgs = pOptions->m_Script.ParseOption( argc, argv, i );
+		if ( nScriptArgs < 0 )
+			return false;
+		if ( nScriptArgs > 0 )
+			i += nScriptArgs - 1;
+		else if ( !strcmp( pArg, "--game" ) && bHasValue )
 			pOptions->m_GameRoot = QString::fromLocal8Bit( argv[ ++i ] );
 		else if ( !strcmp( pArg, "--content" ) && bHasValue )
 			pOptions->m_ContentRoot = QString::fromLocal8Bit( argv[ ++i ] );
@@ -87,6 +96,26 @@ QString FindShippedContent( const char *pSubDirectory )
 		return fromSource;
 #endif
 	return QString();
+}
+
+// The picture goes to disk as every file does: whole or not at all.
+bool SaveWindowPicture( QWidget *pWindow, const QString &path, CUtlString *pError )
+{
+	if ( !pWindow )
+	{
+		pError->Set( "there is no window" );
+		return false;
+	}
+	QByteArray bytes;
+	QBuffer buffer( &bytes );
+	buffer.open( QIODevice::WriteOnly );
+	QByteArray format = QFileInfo( path ).suffix().toLower().toUtf8();
+	if ( !pWindow->grab().save( &buffer, format.isEmpty() ? "PNG" : format.constData() ) )
+	{
+		pError->Format( "no picture of the format \"%s\" can be made", format.constData() );
+		return false;
+	}
+	return SafeWriteFile( path.toUtf8().constData(), bytes.constData(), size_t( bytes.size() ), pError );
 }
 
 using InstallSchemaBindingsFn_t = bool ( * )( const char *, void * );
@@ -131,11 +160,14 @@ int RunToolsHost( int argc, char **argv )
 	RegisterParticleInputDefaultTests( ToolAttrHost() );
 	services.SetParticleSystemMgr( HostParticleSystemMgr() );
 
-	// A screenshot run is a batch run: nobody is there to answer, so every question gets its
-	// default button and goes to the log instead of a dialog.
-	CQtPrompt prompt;
+	// Nobody watches a picture being taken: the run asks no questions that matter, and a
+	// question that comes all the same gets its default button and goes to the log
+	// instead of a dialog that nobody would answer.
 	const bool bBatch = !options.m_ScreenshotPath.isEmpty();
-	CScopedPrompt scopedPrompt( bBatch ? nullptr : &prompt );
+	if ( bBatch )
+		Plat_SetHeadlessMode( true );
+	CQtPrompt prompt;
+	CScopedPrompt scopedPrompt( options.m_Script.IsScripted() ? options.m_Script.GetPrompt() : bBatch ? nullptr : &prompt );
 
 	// The module lies beside the executable.
 	QString modulePath = QCoreApplication::applicationDirPath() + "/libzol_editor.so";
@@ -197,14 +229,15 @@ int RunToolsHost( int argc, char **argv )
 	QTimer frameTimer;
 	QObject::connect( &frameTimer, &QTimer::timeout, [ & ]() {
 		pTool->Frame();
+		options.m_Script.RunNextStep( pTool );
 		++nFramesRun;
 		if ( options.m_ScreenshotPath.isEmpty() || nFramesRun < options.m_nFrames )
 			return;
 		frameTimer.stop();
-		QWidget *pShot = pWindow ? static_cast<QWidget *>( pWindow ) : nullptr;
-		if ( !pShot || !pShot->grab().save( options.m_ScreenshotPath ) )
+		CUtlString strShotError;
+		if ( !SaveWindowPicture( pWindow, options.m_ScreenshotPath, &strShotError ) )
 		{
-			fprintf( stderr, "zol: could not write the screenshot %s\n", options.m_ScreenshotPath.toUtf8().constData() );
+			fprintf( stderr, "zol: could not write the screenshot %s: %s\n", options.m_ScreenshotPath.toUtf8().constData(), strShotError.Get() );
 			nExitCode = 1;
 		}
 		QCoreApplication::quit();
@@ -228,5 +261,6 @@ int RunToolsHost( int argc, char **argv )
 	pTool->ShutdownTool();
 	pTool->Disconnect();
 	SetParticleSystemMgr( nullptr );
-	return nExitCode;
+	int nScriptCode = options.m_Script.Finish();
+	return nExitCode != 0 ? nExitCode : nScriptCode;
 }

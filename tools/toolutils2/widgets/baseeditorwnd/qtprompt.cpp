@@ -1,9 +1,13 @@
 #include "tools/toolutils2/widgets/baseeditorwnd/qtprompt.h"
 
 #include <QApplication>
+#include <QDialog>
+#include <QDialogButtonBox>
 #include <QFileDialog>
+#include <QListWidget>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QVBoxLayout>
 
 namespace
 {
@@ -138,3 +142,32 @@ bool CQtPrompt::RunFileDialog( const PromptFileRequest_t &request, CUtlVector<CU
 		pChosen->AddToTail( CUtlString( name.toUtf8().constData() ) );
 	return !pChosen->IsEmpty();
 }
+
+bool CQtPrompt::PickItem( const PromptPickRequest_t &request, int *pChosen )
+{
+	// One row per item, its name over its description.
+	QDialog dialog( GetParent( request.m_pParentWindow ) );
+	dialog.setWindowTitle( QString::fromUtf8( request.m_strTitle.Get() ) );
+	auto *pLayout = new QVBoxLayout( &dialog );
+	auto *pList = new QListWidget( &dialog );
+	for ( const PromptPickRequest_t::Item_t &item : request.m_Items )
+	{
+		QString text = QString::fromUtf8( item.m_strName.Get() );
+		if ( !item.m_strDescription.IsEmpty() )
+			text += "\n    " + QString::fromUtf8( item.m_strDescription.Get() );
+		pList->addItem( text );
+	}
+	pList->setCurrentRow( 0 );
+	pLayout->addWidget( pList );
+	auto *pButtons = new QDialogButtonBox( QDialogButtonBox::Ok | QDialogButtonBox::Cancel, &dialog );
+	pLayout->addWidget( pButtons );
+	QObject::connect( pButtons, &QDialogButtonBox::accepted, &dialog, &QDialog::accept );
+	QObject::connect( pButtons, &QDialogButtonBox::rejected, &dialog, &QDialog::reject );
+	QObject::connect( pList, &QListWidget::itemDoubleClicked, &dialog, &QDialog::accept );
+	bool bPicked = dialog.exec() == QDialog::Accepted && pList->currentRow() >= 0;
+	if ( pChosen )
+		*pChosen = bPicked ? pList->currentRow() : -1;
+	return bPicked;
+}
+
+void CQtPrompt::Beep() { QApplication::beep(); }

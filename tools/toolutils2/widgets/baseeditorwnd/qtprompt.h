@@ -15,6 +15,8 @@ public:
 	void ShowMessage( const PromptQuestion_t &message ) override;
 	PromptButton_t Ask( const PromptQuestion_t &question ) override;
 	bool RunFileDialog( const PromptFileRequest_t &request, CUtlVector<CUtlString> *pChosen ) override;
+	bool PickItem( const PromptPickRequest_t &request, int *pChosen ) override;
+	void Beep() override;
 	using IPrompt::Ask;
 	using IPrompt::ShowMessage;
 

@@ -1,6 +1,6 @@
-// Widgets need one QApplication for the whole test binary. It is made before the first
-// test and never destroyed: tearing down the offscreen platform loses its screen, which
-// the leak checker would then report against every run.
+// Widget test binaries link this file: they need one QApplication for the whole binary.
+// It is made before the first test and never destroyed: tearing down the offscreen
+// platform loses its screen, which the leak checker would then report against every run.
 
 #include <gtest/gtest.h>
 
@@ -16,7 +16,7 @@ public:
 	void SetUp() override
 	{
 		static int s_nArgc = 1;
-		static char s_szName[] = "toolutils2_widgets_tests";
+		static char s_szName[] = "zol_widget_tests";
 		static char *s_pArgv[] = { s_szName, nullptr };
 		if ( !QApplication::instance() )
 			s_pApplication = new QApplication( s_nArgc, s_pArgv );

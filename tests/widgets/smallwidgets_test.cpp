@@ -1,0 +1,60 @@
+// The small widgets of the kit, through their events: the elided label keeps its prefix
+// and tells the whole text, the hover button tells entry and exit, the connect helper
+// carries its pointer.
+
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QSignalSpy>
+#include <QtTest/QTest>
+
+#include "tools/widgets/connecthelper.h"
+#include "tools/widgets/elidedlabel.h"
+#include "tools/widgets/hoverbutton.h"
+
+TEST( ElidedLabel, CutsTheTextButNeverItsPrefixAndShowsTheWholeTextAsToolTip )
+{
+	CQElidedLabel label;
+	label.show();
+	const QString text = QStringLiteral( "Now editing: particles/samples/a/very/long/path/to/campfire.tfxs" );
+	label.SetText( text, 13 );
+	label.SetElideMode( Qt::ElideLeft );
+	label.resize( label.fontMetrics().horizontalAdvance( QStringLiteral( "Now editing: xxxxcampfire.tfxs" ) ), 20 );
+	const QString shown = label.GetShownText();
+	EXPECT_TRUE( shown.startsWith( QStringLiteral( "Now editing: " ) ) ) << shown.toStdString();
+	EXPECT_TRUE( shown.endsWith( QStringLiteral( "campfire.tfxs" ) ) ) << shown.toStdString();
+	EXPECT_LT( shown.size(), text.size() );
+	EXPECT_EQ( label.toolTip(), text );
+
+	label.resize( 2000, 20 );
+	EXPECT_EQ( label.GetShownText(), text );
+	EXPECT_TRUE( label.toolTip().isEmpty() );
+	EXPECT_EQ( label.minimumSizeHint().width(), 0 );
+}
+
+TEST( HoverButton, TellsEnterAndLeave )
+{
+	CQHoverButton button( QStringLiteral( "fire.tfxs" ) );
+	QSignalSpy entered( &button, &CQHoverButton::MouseEnter );
+	QSignalSpy left( &button, &CQHoverButton::MouseLeave );
+	QEvent enter( QEvent::Enter );
+	QApplication::sendEvent( &button, &enter );
+	QEvent leave( QEvent::Leave );
+	QApplication::sendEvent( &button, &leave );
+	EXPECT_EQ( entered.count(), 1 );
+	EXPECT_EQ( left.count(), 1 );
+}
+
+TEST( ConnectHelper, MapsAClickToItsPointer )
+{
+	int nTarget = 0;
+	CQHoverButton button( QStringLiteral( "x" ) );
+	auto *pHelper = new CQConnectHelper_void( &nTarget, &button );
+	QObject::connect( &button, &QPushButton::clicked, pHelper, &CQConnectHelper_void::map );
+	void *pMapped = nullptr;
+	QObject::connect( pHelper, &CQConnectHelper_void::mapped, [ & ]( void *p ) { pMapped = p; } );
+	button.resize( 40, 20 );
+	button.show();
+	QTest::mouseClick( &button, Qt::LeftButton );
+	EXPECT_EQ( pMapped, &nTarget );
+}

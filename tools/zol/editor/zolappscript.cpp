@@ -1,0 +1,89 @@
+// The particle editor's steps of a scripted run: an edit of the active definition and a
+// look at one of its values.
+
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+
+#include "core/kv3/keyvalues3.h"
+#include "tools/zol/editor/zolapp.h"
+#include "tools/zol/editor/zolsession.h"
+#include "zoldoc_lib/zoldoc.h"
+#include "zoldoc_lib/zolrootnode.h"
+
+namespace
+{
+// "KEY VALUE" into its two words; false when one is missing.
+bool SplitWords( const char *pArgs, std::string *pFirst, std::string *pRest )
+{
+	std::string args( pArgs );
+	size_t nSpace = args.find( ' ' );
+	*pFirst = args.substr( 0, nSpace );
+	pRest->clear();
+	size_t nValue = nSpace == std::string::npos ? std::string::npos : args.find_first_not_of( ' ', nSpace );
+	if ( nValue != std::string::npos )
+		*pRest = args.substr( nValue );
+	return !pFirst->empty();
+}
+
+// A whole number, else a number, else the text itself.
+void SetMemberFromText( KeyValues3 *pTable, const char *pKey, const char *pText )
+{
+	char *pEnd = nullptr;
+	errno = 0;
+	long long nValue = strtoll( pText, &pEnd, 10 );
+	if ( *pText && !*pEnd && errno == 0 )
+	{
+		pTable->SetMemberInt64( pKey, nValue );
+		return;
+	}
+	double flValue = strtod( pText, &pEnd );
+	if ( *pText && !*pEnd )
+		pTable->SetMemberDouble( pKey, flValue );
+	else
+		pTable->SetMemberString( pKey, pText );
+}
+
+void DescribeValue( const KeyValues3 *pValue, CUtlString *pOut )
+{
+	if ( !pValue )
+		pOut->Set( "(absent)" );
+	else if ( pValue->GetType() == KV3_TYPE_DOUBLE )
+		pOut->Format( "%g", pValue->GetDouble() );
+	else if ( pValue->IsNumber() )
+		pOut->Format( "%lld", (long long)pValue->GetInt64() );
+	else if ( pValue->IsString() )
+		pOut->Set( pValue->GetString() );
+	else
+		pOut->Format( "(%s)", pValue->GetTypeAsString() );
+}
+} // namespace
+
+bool CZolApp::RunScriptStep( const char *pStep, CUtlString *pOutput )
+{
+	bool bSet = !strncmp( pStep, "set ", 4 );
+	bool bGet = !strncmp( pStep, "get ", 4 );
+	if ( !bSet && !bGet )
+		return CSimpleEditorSharedWindowApp<CZolSession, CQZolMainWnd>::RunScriptStep( pStep, pOutput );
+
+	CZolSession *pSession = GetActiveZolSession();
+	CZolRootNode *pRoot = pSession && pSession->GetDoc() ? pSession->GetDoc()->GetRoot() : nullptr;
+	std::string key, value;
+	if ( !pRoot || !SplitWords( pStep + 4, &key, &value ) || ( bSet && value.empty() ) )
+	{
+		pOutput->Format( "\"%s\" needs an open definition and %s", pStep, bSet ? "a key and a value" : "a key" );
+		return false;
+	}
+	if ( bSet )
+	{
+		CZolDoc *pDoc = pSession->GetDoc();
+		pDoc->BeginEdit( ( "Set " + key ).c_str(), true );
+		SetMemberFromText( pRoot->GetKV3ForModify(), key.c_str(), value.c_str() );
+		pDoc->NoteNodeModified( pRoot );
+	}
+	CUtlString strValue;
+	DescribeValue( pRoot->GetKV3()->FindMember( key.c_str() ), &strValue );
+	pOutput->Format( "%s = %s", key.c_str(), strValue.Get() );
+	return true;
+}
