@@ -7,6 +7,10 @@
 #include <QTest>
 #include <QWheelEvent>
 
+#include <algorithm>
+#include <cstdlib>
+#include <string>
+
 #include "core/particles/sim/iparticlecollection.h"
 #include "tests/zoltool/zolpreviewtestsupport.h"
 #include "tools/toolscene/toolsceneparticlesystem.h"
@@ -22,6 +26,11 @@ struct ColorCount_t
 	int m_nReddish = 0;
 	int m_nBluish = 0;
 };
+
+int ColorDistanceOf( QRgb a, QRgb b )
+{
+	return std::max( { std::abs( qRed( a ) - qRed( b ) ), std::abs( qGreen( a ) - qGreen( b ) ), std::abs( qBlue( a ) - qBlue( b ) ) } );
+}
 
 // Pixels that are clearly red-orange, and clearly blue, in a picture.
 ColorCount_t CountColors( const QImage &image )
@@ -140,3 +149,28 @@ TEST_F( ZolPreviewGLTest, MouseOrbitsAndZoomsAndTheRestartKeyStartsOver )
 	Frames( 2 );
 	EXPECT_FALSE( Picture().isNull() );
 }
+
+class ZolPreviewSampleTest : public ZolPreviewGLTest, public ::testing::WithParamInterface<const char *>
+{
+};
+
+// What a screenshot of the editor shows: the picture with the system differs from the
+// picture without it.
+TEST_P( ZolPreviewSampleTest, EverySampleShowsItsParticles )
+{
+	ASSERT_NE( Open( ( std::string( "particles/samples/" ) + GetParam() + ".tfxs" ).c_str() ), nullptr );
+	// Long enough for the slowest (smoke starts after a quarter of a second and fades in).
+	Frames( 90 );
+	QImage with = Picture();
+	m_pPreview->GetParticleSystem()->SetVisible( false );
+	QImage without = Picture();
+	m_pPreview->GetParticleSystem()->SetVisible( true );
+	ASSERT_EQ( with.size(), without.size() );
+	int nChanged = 0;
+	for ( int y = 0; y < with.height(); ++y )
+		for ( int x = 0; x < with.width(); ++x )
+			nChanged += ColorDistanceOf( with.pixel( x, y ), without.pixel( x, y ) ) > 12;
+	EXPECT_GT( nChanged, 40 ) << GetParam() << " draws nothing a user would see";
+}
+
+INSTANTIATE_TEST_SUITE_P( Samples, ZolPreviewSampleTest, ::testing::Values( "campfire", "fire", "old_dust", "smoke", "sparks" ) );
