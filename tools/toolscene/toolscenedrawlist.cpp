@@ -58,14 +58,13 @@ void CToolSceneDrawList::AddAxes( const Vector &vOrigin, const Vector &vForward,
 	AddLine( vOrigin, Add( vOrigin, Scale( vUp, flSize ) ), s_Blue );
 }
 
-void CToolSceneDrawList::AddControlPointMarker( const Vector &vOrigin, const Vector &vForward, const Vector &vRight, const Vector &vUp, float flSize )
+void CToolSceneDrawList::AddControlPointMarker( const Vector &vOrigin, float flSize )
 {
 	static const float s_Marker[ 4 ] = { 1.0f, 0.85f, 0.2f, 1.0f };
-	float h = flSize * 0.35f;
+	const float h = flSize * 0.5f;
 	AddLine( Sub( vOrigin, Vector( h, 0, 0 ) ), Add( vOrigin, Vector( h, 0, 0 ) ), s_Marker );
 	AddLine( Sub( vOrigin, Vector( 0, h, 0 ) ), Add( vOrigin, Vector( 0, h, 0 ) ), s_Marker );
 	AddLine( Sub( vOrigin, Vector( 0, 0, h ) ), Add( vOrigin, Vector( 0, 0, h ) ), s_Marker );
-	AddAxes( vOrigin, vForward, vRight, vUp, flSize );
 }
 
 ParticleModelPtr_t CToolSceneDrawList::MakeBuiltInModel( const char *pBody, const char *pName )

@@ -76,8 +76,8 @@ public:
 	void AddBackdropLine( const Vector &a, const Vector &b, const float color[ 4 ] );
 	// Three coloured axes of a frame: forward red, left green, up blue.
 	void AddAxes( const Vector &vOrigin, const Vector &vForward, const Vector &vRight, const Vector &vUp, float flSize );
-	// A small marker of a control point: a cross and its axes.
-	void AddControlPointMarker( const Vector &vOrigin, const Vector &vForward, const Vector &vRight, const Vector &vUp, float flSize );
+	// A small marker of a control point: a yellow cross along the world axes.
+	void AddControlPointMarker( const Vector &vOrigin, float flSize );
 	// Triangles of a model placed by a frame and a uniform scale, shaded flat.
 	void AddModel( const ParticleModelPtr_t &pModel, const Vector &vOrigin, const Vector &vForward, const Vector &vRight, const Vector &vUp, float flScale,
 		const float color[ 4 ], bool bBackdrop = false );

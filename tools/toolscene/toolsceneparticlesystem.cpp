@@ -332,10 +332,7 @@ void CToolSceneParticleSystem::AddToDrawList( CToolSceneDrawList &drawList, cons
 		return;
 	for ( int nPoint = 0; nPoint < MAX_PARTICLE_CONTROL_POINTS; ++nPoint )
 	{
-		if ( !pCollection->IsControlPointSet( nPoint ) )
-			continue;
-		Vector vForward, vRight, vUp;
-		pCollection->GetControlPointOrientation( nPoint, &vForward, &vRight, &vUp );
-		drawList.AddControlPointMarker( pCollection->GetControlPointPosition( nPoint ), vForward, vRight, vUp, 6.0f );
+		if ( pCollection->IsControlPointSet( nPoint ) )
+			drawList.AddControlPointMarker( pCollection->GetControlPointPosition( nPoint ), 6.0f );
 	}
 }

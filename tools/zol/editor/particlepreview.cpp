@@ -301,8 +301,9 @@ void CQParticlePreview::RebuildPreview( bool bReloadModels )
 	// No session shows the grid.
 	int nGround = pState ? ReadEnum( pState->FindMember( "m_groundType" ), s_GroundTypeNames, 3, 0, 1 ) : 1;
 	m_pGround->SetGroundType( nGround == 2 ? TOOLSCENE_GROUND_PLANE : nGround == 0 ? TOOLSCENE_GROUND_NONE : TOOLSCENE_GROUND_GRID );
-	// The axes follow on the next frame.
+	// The axes follow on the next frame; every set point gets a marker with them.
 	m_bDrawControlPointAxes = pState && ReadBool( pState->FindMember( "m_bShouldDrawControlPointAxes" ), false );
+	m_pParticleSystem->SetDrawControlPoints( m_bDrawControlPointAxes );
 	m_flSimulationRate = pState ? ReadFloat( pState->FindMember( "m_flParticleSimulationRate" ), 1.0f ) : 1.0f;
 	if ( !( m_flSimulationRate >= 0.0f ) || m_flSimulationRate > 100.0f )
 		m_flSimulationRate = 1.0f;
