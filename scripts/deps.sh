@@ -14,6 +14,7 @@ packages=(
                                       # StringTemplate 4 (the C target needs neither StringTemplate 3 nor other recommends)
   libantlr3c-dev zlib1g-dev libpng-dev libjpeg-dev libtiff-dev libwebp-dev
   xvfb xauth libgl1-mesa-dri          # OpenGL tests and screenshots without a display
+  python3                             # the command line tests read the JSON lines of zol sim --dump
 )
 
 missing=()

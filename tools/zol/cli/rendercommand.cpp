@@ -5,7 +5,6 @@
 #include <QGuiApplication>
 #include <QImage>
 
-#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -19,8 +18,9 @@
 #include "core/particles/sim/iparticlecollection.h"
 #include "tools/toolscene/toolsceneparticlerun.h"
 #include "tools/toolscene/widgets/offscreentoolscenewindow.h"
+#include "tools/zol/cli/cliargs.h"
 #include "tools/zol/cli/clicommand.h"
-#include "tools/zol/cli/clifile.h"
+#include "tools/zol/cli/clidefinition.h"
 
 namespace
 {
@@ -50,41 +50,27 @@ int Usage( const char *pProblem )
 	return 2;
 }
 
-bool ParseVector( const char *pText, Vector *pOut, const char **ppEnd )
+bool ParseVector( const std::string &text, Vector *pOut )
 {
-	char *pEnd = nullptr;
 	float v[ 3 ];
-	const char *p = pText;
-	for ( int i = 0; i < 3; ++i )
-	{
-		v[ i ] = strtof( p, &pEnd );
-		if ( pEnd == p || !std::isfinite( v[ i ] ) )
-			return false;
-		p = pEnd;
-		if ( i < 2 )
-		{
-			if ( *p != ',' )
-				return false;
-			++p;
-		}
-	}
+	if ( !ZolCliParseVector( text.c_str(), v ) )
+		return false;
 	*pOut = Vector( v[ 0 ], v[ 1 ], v[ 2 ] );
-	*ppEnd = p;
 	return true;
 }
 
+// "x,y,z" looks at the system, "x,y,z:x,y,z" at the point after the colon.
 bool ParseCamera( const char *pText, RenderOptions_t *pOptions )
 {
-	const char *pEnd = nullptr;
-	if ( !ParseVector( pText, &pOptions->m_vCamera, &pEnd ) )
+	std::string text( pText );
+	size_t nColon = text.find( ':' );
+	if ( !ParseVector( text.substr( 0, nColon ), &pOptions->m_vCamera ) )
 		return false;
 	pOptions->m_bCamera = true;
-	if ( *pEnd == 0 )
+	if ( nColon == std::string::npos )
 		return true;
-	if ( *pEnd != ':' || !ParseVector( pEnd + 1, &pOptions->m_vCameraTarget, &pEnd ) || *pEnd != 0 )
-		return false;
 	pOptions->m_bCameraTarget = true;
-	return true;
+	return ParseVector( text.substr( nColon + 1 ), &pOptions->m_vCameraTarget );
 }
 
 int ParseOptions( int argc, char **argv, RenderOptions_t *pOptions )
@@ -93,30 +79,28 @@ int ParseOptions( int argc, char **argv, RenderOptions_t *pOptions )
 	{
 		const char *pArg = argv[ i ];
 		const char *pValue = i + 1 < argc ? argv[ i + 1 ] : nullptr;
-		char *pEnd = nullptr;
 		if ( !strcmp( pArg, "--at" ) && pValue )
 		{
-			pOptions->m_flAt = strtod( argv[ ++i ], &pEnd );
-			if ( *pEnd || !( pOptions->m_flAt >= 0.0 ) || pOptions->m_flAt > MAX_SECONDS )
+			if ( !ZolCliParseDouble( argv[ ++i ], 0.0, MAX_SECONDS, &pOptions->m_flAt ) )
 				return Usage( "--at takes seconds from 0 to 3600" );
 		}
 		else if ( !strcmp( pArg, "--out" ) && pValue )
 			pOptions->m_pOut = argv[ ++i ];
 		else if ( !strcmp( pArg, "--size" ) && pValue )
 		{
-			int nWidth = 0, nHeight = 0;
-			char cTrailing;
-			if ( sscanf( argv[ ++i ], "%dx%d%c", &nWidth, &nHeight, &cTrailing ) != 2 || nWidth < 1 || nHeight < 1 || nWidth > MAX_SIDE || nHeight > MAX_SIDE )
+			std::string size( argv[ ++i ] );
+			size_t nX = size.find( 'x' );
+			long long nWidth = 0, nHeight = 0;
+			if ( nX == std::string::npos || !ZolCliParseInt( size.substr( 0, nX ).c_str(), 1, MAX_SIDE, &nWidth ) ||
+				 !ZolCliParseInt( size.substr( nX + 1 ).c_str(), 1, MAX_SIDE, &nHeight ) )
 				return Usage( "--size takes WxH, each from 1 to 8192" );
-			pOptions->m_nWidth = nWidth;
-			pOptions->m_nHeight = nHeight;
+			pOptions->m_nWidth = int( nWidth );
+			pOptions->m_nHeight = int( nHeight );
 		}
 		else if ( !strcmp( pArg, "--seed" ) && pValue )
 		{
-			const char *pText = argv[ ++i ];
-			pOptions->m_nSeed = strtoull( pText, &pEnd, 10 );
-			if ( !*pText || *pEnd || *pText == '-' )
-				return Usage( "--seed takes a whole number" );
+			if ( !ZolCliParseUInt64( argv[ ++i ], &pOptions->m_nSeed ) )
+				return Usage( "--seed takes a whole number from 0 to 18446744073709551615" );
 		}
 		else if ( !strcmp( pArg, "--camera" ) && pValue )
 		{
@@ -152,12 +136,10 @@ int RunRender( int argc, char **argv )
 		fprintf( stderr, "zol render: %s: no such file\n", options.m_pFile );
 		return 1;
 	}
-	// Textures and models are found under the content root of the file, as in the editor.
-	std::string contentRoot = CParticleDefinitionFileCompiler::FindContentRoot( path.c_str() ).Get();
-	if ( contentRoot.empty() )
-		contentRoot = fs::path( path ).parent_path().string();
-	std::string gameRoot = ( fs::path( contentRoot ) / ".." / "game" ).lexically_normal().string();
-	if ( !fs::is_directory( gameRoot ) )
+	// Textures, models and children are found under the roots of the file, as in the editor.
+	std::string contentRoot = ZolCliContentRootFor( path.c_str() );
+	std::string gameRoot = ZolCliGameRootFor( path.c_str() );
+	if ( gameRoot.empty() )
 		gameRoot = contentRoot;
 	CHostServices services;
 	CUtlString strError;
@@ -179,8 +161,10 @@ int RunRender( int argc, char **argv )
 		}
 	} cleanup{ services };
 
-	CParticleDefinitionFileCompiler compiler( contentRoot.c_str(), ZolCliReadFile );
-	ParticleDefinitionPtr_t pDefinition = compiler.Compile( path.c_str(), &strError );
+	CUtlString strWarnings;
+	ParticleDefinitionPtr_t pDefinition = ZolCliCompileDefinition( options.m_pFile, &strError, &strWarnings );
+	if ( !strWarnings.IsEmpty() )
+		fprintf( stderr, "%s", strWarnings.Get() );
 	if ( !pDefinition )
 	{
 		fprintf( stderr, "%s\n", strError.Get() );
