@@ -63,6 +63,10 @@ protected:
 		// No window manager runs on the virtual display to make it active.
 		QApplication::setActiveWindow( m_pWindow );
 		m_pScene = m_pPreview->GetSceneWidget();
+		// The docks are laid out once the window's events have run: only then does the
+		// preview have its size (a busy machine runs them late).
+		ASSERT_TRUE( QTest::qWaitFor( [ this ]() { return m_pScene->width() >= 320 && m_pScene->height() >= 240; }, 5000 ) )
+			<< "the preview is " << m_pScene->width() << "x" << m_pScene->height();
 	}
 	QImage Picture()
 	{
@@ -170,7 +174,7 @@ TEST_P( ZolPreviewSampleTest, EverySampleShowsItsParticles )
 	for ( int y = 0; y < with.height(); ++y )
 		for ( int x = 0; x < with.width(); ++x )
 			nChanged += ColorDistanceOf( with.pixel( x, y ), without.pixel( x, y ) ) > 12;
-	EXPECT_GT( nChanged, 40 ) << GetParam() << " draws nothing a user would see";
+	EXPECT_GT( nChanged, 40 ) << GetParam() << " draws nothing a user would see in a picture of " << with.width() << "x" << with.height();
 }
 
 INSTANTIATE_TEST_SUITE_P( Samples, ZolPreviewSampleTest, ::testing::Values( "campfire", "fire", "old_dust", "smoke", "sparks" ) );
