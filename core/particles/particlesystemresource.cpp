@@ -1,10 +1,9 @@
 #include "core/particles/particlesystemresource.h"
 
 #include "core/containers/utlbuffer.h"
-#include "core/host/iasset.h"
-#include "core/host/iassetsystem.h"
 #include "core/host/ifilesystem.h"
 #include "core/host/iresourcesystem.h"
+#include "core/host/resourceload.h"
 
 // Children come from their files through the host's file system, found inside the content
 // roots, then the game roots.
@@ -52,32 +51,9 @@ ParticleDefinitionPtr_t FindParticleSystemDefinition( const char *pResourceName,
 	CUtlString error;
 	if ( !pError )
 		pError = &error;
-	if ( !pResourceName || !*pResourceName )
-	{
-		pError->Set( "no particle system named" );
-		return nullptr;
-	}
-	IResourceSystem *pResources = GetResourceSystem();
-	CResourceBinding *pBinding = pResources ? pResources->FindOrCreateBinding( pResourceName ) : nullptr;
+	CResourceBinding *pBinding = FindLoadedResource( pResourceName, "particle system", pError );
 	if ( !pBinding )
-	{
-		pError->Format( "%s: no resource system to load particle systems from", pResourceName );
 		return nullptr;
-	}
-	if ( !pBinding->IsLoaded() )
-	{
-		IAssetSystem *pAssets = GetAssetSystem();
-		IAsset *pAsset = pAssets ? pAssets->FindAssetByResourceName( pResourceName ) : nullptr;
-		CUtlString loadError;
-		if ( !pAsset || !pAsset->Load( &loadError ) || !pBinding->IsLoaded() )
-		{
-			if ( !loadError.IsEmpty() )
-				*pError = loadError;
-			else
-				pError->Format( "%s: no such particle system", pResourceName );
-			return nullptr;
-		}
-	}
 	auto pData = pBinding->GetDataAs<CParticleSystemResourceData>();
 	if ( !pData || !pData->GetDefinition() )
 	{

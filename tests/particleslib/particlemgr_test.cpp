@@ -112,8 +112,14 @@ TEST_P( ParticleMgrStepTest, CollectionAgesByTheFramesStep )
 	EXPECT_FALSE( m_Host.m_AttachmentOrder.empty() );
 }
 
+std::string StepCaseName( const ::testing::TestParamInfo<StepCase_t> &info )
+{
+	static const char *const s_Names[] = { "LongFrameAtMostATenth", "ShortFrame", "HalfTimeScale", "ZeroTimeScale" };
+	return s_Names[ info.index ];
+}
+
 INSTANTIATE_TEST_SUITE_P( Frames, ParticleMgrStepTest,
-	::testing::Values( StepCase_t{ 0.5f, "1", 0.1f }, StepCase_t{ 0.05f, "1", 0.05f }, StepCase_t{ 0.05f, "0.5", 0.025f }, StepCase_t{ 0.05f, "0", 0.0f } ) );
+	::testing::Values( StepCase_t{ 0.5f, "1", 0.1f }, StepCase_t{ 0.05f, "1", 0.05f }, StepCase_t{ 0.05f, "0.5", 0.025f }, StepCase_t{ 0.05f, "0", 0.0f } ), StepCaseName );
 
 TEST_F( ParticleMgrTest, FrozenParticlesDontStep )
 {

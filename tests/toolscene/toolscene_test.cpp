@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
+
 #include <cmath>
 #include <limits>
 
@@ -127,10 +129,16 @@ TEST_P( ToolScenePhysicsTest, FixedStepsAtMostThreeAFrame )
 	EXPECT_FLOAT_EQ( scene.GetSceneWorld()->GetTime(), c.m_flTime * c.m_flRate );
 }
 
+std::string PhysicsCaseName( const ::testing::TestParamInfo<PhysicsCase_t> &info )
+{
+	static const char *const s_Names[] = { "OneStep", "NotYetAStep", "RateEightThreeThenNone", "RateZeroNone" };
+	return s_Names[ info.index ];
+}
+
 INSTANTIATE_TEST_SUITE_P( Rates, ToolScenePhysicsTest,
 	::testing::Values( PhysicsCase_t{ 0.02f, 1.0f, 1, 0.02f - 0.016666668f }, PhysicsCase_t{ 0.01f, 1.0f, 0, 0.01f },
 		// At rate 8 the fixed step is 4 sixtieths: a large accumulator runs three and falls to 0.
-		PhysicsCase_t{ 0.3f, 8.0f, 3, 0.0f }, PhysicsCase_t{ 0.3f, 0.0f, 0, 0.0f } ) );
+		PhysicsCase_t{ 0.3f, 8.0f, 3, 0.0f }, PhysicsCase_t{ 0.3f, 0.0f, 0, 0.0f } ), PhysicsCaseName );
 
 TEST( ToolScene, PhysicsFixedStepFollowsTheRateUpToFour )
 {

@@ -7,6 +7,8 @@
 #include <QLineEdit>
 #include <QToolButton>
 
+#include <string>
+
 #include "core/host/assetsystem.h"
 #include "core/host/iasset.h"
 #include "core/kv3/keyvalues3.h"
@@ -155,10 +157,16 @@ TEST_P( ZolPreviewTimeFieldTest, TimeFieldsGoToTheNodeWithoutARestart )
 	EXPECT_FALSE( pSystem->GetForcedRestartEndcap() );
 }
 
+std::string TimeFieldCaseName( const ::testing::TestParamInfo<TimeFieldCase_t> &info )
+{
+	static const char *const s_Names[] = { "Decimals", "Zero", "Largest", "AboveLargest", "Negative", "NotANumber" };
+	return s_Names[ info.index ];
+}
+
 INSTANTIATE_TEST_SUITE_P( Texts, ZolPreviewTimeFieldTest,
 	::testing::Values( TimeFieldCase_t{ "2.25", 2.25f, "2.25" }, TimeFieldCase_t{ "0", 0.0f, "0.00" }, TimeFieldCase_t{ "600", 600.0f, "600.00" },
 		// Out of range or not a number: the last good value stays.
-		TimeFieldCase_t{ "601", 1.5f, "1.50" }, TimeFieldCase_t{ "-1", 1.5f, "1.50" }, TimeFieldCase_t{ "soon", 1.5f, "1.50" } ) );
+		TimeFieldCase_t{ "601", 1.5f, "1.50" }, TimeFieldCase_t{ "-1", 1.5f, "1.50" }, TimeFieldCase_t{ "soon", 1.5f, "1.50" } ), TimeFieldCaseName );
 
 TEST_F( ZolPreviewTest, AnEditReachesThePreviewOnTheNextFrame )
 {

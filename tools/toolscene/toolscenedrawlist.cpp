@@ -161,15 +161,21 @@ struct ParticleColorSource_t
 };
 } // namespace
 
-void CToolSceneDrawList::AddSprites( const ParticleDrawData_t &data, const IParticleCollection &collection, const ToolSceneView_t &view )
+const ToolSceneBatch_t &CToolSceneDrawList::AddTexturedBatch( std::vector<ToolSceneBatch_t> &batches, const ParticleDrawData_t &data, int nFirst )
 {
-	ParticleColorSource_t source( data, collection );
-	ToolSceneBatch_t &batch = m_SpriteBatches.emplace_back();
+	ToolSceneBatch_t &batch = batches.emplace_back();
 	batch.m_Texture = data.m_pResource ? data.m_pResource : "";
 	batch.m_eBlend = data.m_bAdditive ? TOOLSCENE_BLEND_ADDITIVE : TOOLSCENE_BLEND_ALPHA;
 	batch.m_flOverbright = data.m_flOverbrightFactor;
-	batch.m_nFirst = int( m_Sprites.size() );
+	batch.m_nFirst = nFirst;
 	batch.m_nCount = data.m_nCount;
+	return batch;
+}
+
+void CToolSceneDrawList::AddSprites( const ParticleDrawData_t &data, const IParticleCollection &collection, const ToolSceneView_t &view )
+{
+	ParticleColorSource_t source( data, collection );
+	const ToolSceneBatch_t &batch = AddTexturedBatch( m_SpriteBatches, data, int( m_Sprites.size() ) );
 	m_Sprites.resize( m_Sprites.size() + size_t( data.m_nCount ) );
 	ToolSceneSpriteInstance_t *pOut = m_Sprites.data() + batch.m_nFirst;
 	const float flRollScale = DegToRad( 1.0f );
@@ -235,12 +241,7 @@ void CToolSceneDrawList::SortBackToFront( int nFirst, int nCount, const ToolScen
 void CToolSceneDrawList::AddTrails( const ParticleDrawData_t &data, const IParticleCollection &collection )
 {
 	ParticleColorSource_t source( data, collection );
-	ToolSceneBatch_t &batch = m_TrailBatches.emplace_back();
-	batch.m_Texture = data.m_pResource ? data.m_pResource : "";
-	batch.m_eBlend = data.m_bAdditive ? TOOLSCENE_BLEND_ADDITIVE : TOOLSCENE_BLEND_ALPHA;
-	batch.m_flOverbright = data.m_flOverbrightFactor;
-	batch.m_nFirst = int( m_Trails.size() );
-	batch.m_nCount = data.m_nCount;
+	const ToolSceneBatch_t &batch = AddTexturedBatch( m_TrailBatches, data, int( m_Trails.size() ) );
 	m_Trails.resize( m_Trails.size() + size_t( data.m_nCount ) );
 	ToolSceneTrailInstance_t *pOut = m_Trails.data() + batch.m_nFirst;
 	for ( int i = 0; i < data.m_nCount; ++i, ++pOut )

@@ -100,6 +100,8 @@ public:
 
 private:
 	void AddCollection( const IParticleCollection &collection, const ToolSceneView_t &view );
+	// A batch of one renderer's texture and blend, for instances from nFirst on.
+	static const ToolSceneBatch_t &AddTexturedBatch( std::vector<ToolSceneBatch_t> &batches, const ParticleDrawData_t &data, int nFirst );
 	void AddSprites( const ParticleDrawData_t &data, const IParticleCollection &collection, const ToolSceneView_t &view );
 	void AddTrails( const ParticleDrawData_t &data, const IParticleCollection &collection );
 	void AddModelParticles( const ParticleDrawData_t &data, const IParticleCollection &collection );

@@ -7,9 +7,8 @@
 #include <mutex>
 #include <unordered_map>
 
-#include "core/host/iasset.h"
-#include "core/host/iassetsystem.h"
 #include "core/host/iresourcesystem.h"
+#include "core/host/resourceload.h"
 
 static constexpr int MAX_IMAGE_SIDE = 8192;
 
@@ -79,32 +78,9 @@ ToolSceneImagePtr_t FindToolSceneImage( const char *pResourceName, CUtlString *p
 	CUtlString error;
 	if ( !pError )
 		pError = &error;
-	if ( !pResourceName || !*pResourceName )
-	{
-		pError->Set( "no image named" );
-		return nullptr;
-	}
-	IResourceSystem *pResources = GetResourceSystem();
-	CResourceBinding *pBinding = pResources ? pResources->FindOrCreateBinding( pResourceName ) : nullptr;
+	CResourceBinding *pBinding = FindLoadedResource( pResourceName, "image", pError );
 	if ( !pBinding )
-	{
-		pError->Format( "%s: no resource system to load images from", pResourceName );
 		return nullptr;
-	}
-	if ( !pBinding->IsLoaded() )
-	{
-		IAssetSystem *pAssets = GetAssetSystem();
-		IAsset *pAsset = pAssets ? pAssets->FindAssetByResourceName( pResourceName ) : nullptr;
-		CUtlString loadError;
-		if ( !pAsset || !pAsset->Load( &loadError ) || !pBinding->IsLoaded() )
-		{
-			if ( !loadError.IsEmpty() )
-				*pError = loadError;
-			else
-				pError->Format( "%s: no such image", pResourceName );
-			return nullptr;
-		}
-	}
 	std::shared_ptr<const CResourceData> pData = pBinding->GetData();
 	auto pBytes = std::dynamic_pointer_cast<const CBinaryResourceData>( pData );
 	if ( !pBytes )

@@ -470,89 +470,66 @@ void CToolSceneRenderer::DrawMeshes( const CToolSceneDrawList &drawList, const f
 	}
 }
 
-void CToolSceneRenderer::DrawSprites( const CToolSceneDrawList &drawList, const ToolSceneView_t &view, const float *pViewProjection )
+void CToolSceneRenderer::DrawQuadBatches( const std::vector<ToolSceneBatch_t> &batches, unsigned int nInstanceBuffer, int nStride,
+	const InstanceAttribute_t *pAttributes, int nAttributes, unsigned int nProgram )
 {
-	const auto &batches = drawList.GetSpriteBatches();
-	if ( batches.empty() )
-		return;
-	m_pGL->glUseProgram( m_nSpriteProgram );
-	m_pGL->glUniformMatrix4fv( m_pGL->glGetUniformLocation( m_nSpriteProgram, "uViewProjection" ), 1, GL_FALSE, pViewProjection );
-	m_pGL->glUniform3f( m_pGL->glGetUniformLocation( m_nSpriteProgram, "uRight" ), view.m_vRight.x, view.m_vRight.y, view.m_vRight.z );
-	m_pGL->glUniform3f( m_pGL->glGetUniformLocation( m_nSpriteProgram, "uUp" ), view.m_vUp.x, view.m_vUp.y, view.m_vUp.z );
-	m_pGL->glUniform1i( m_pGL->glGetUniformLocation( m_nSpriteProgram, "uTexture" ), 0 );
-	const int nOverbright = m_pGL->glGetUniformLocation( m_nSpriteProgram, "uOverbright" );
-	StreamBuffer( m_nSpriteBuffer, drawList.GetSprites() );
+	const int nOverbright = m_pGL->glGetUniformLocation( nProgram, "uOverbright" );
+	m_pGL->glUniform1i( m_pGL->glGetUniformLocation( nProgram, "uTexture" ), 0 );
 	m_pGL->glBindBuffer( GL_ARRAY_BUFFER, m_nCornerBuffer );
 	m_pGL->glEnableVertexAttribArray( 0 );
 	m_pGL->glVertexAttribPointer( 0, 2, GL_FLOAT, GL_FALSE, 0, nullptr );
-	for ( int i = 1; i < 4; ++i )
+	for ( int i = 1; i <= nAttributes; ++i )
 	{
 		m_pGL->glEnableVertexAttribArray( GLuint( i ) );
 		m_pGL->glVertexAttribDivisor( GLuint( i ), 1 );
 	}
 	m_pGL->glActiveTexture( GL_TEXTURE0 );
-	const GLsizei nStride = sizeof( ToolSceneSpriteInstance_t );
-	m_pGL->glBindBuffer( GL_ARRAY_BUFFER, m_nSpriteBuffer );
 	for ( const ToolSceneBatch_t &batch : batches )
 	{
 		if ( batch.m_nCount <= 0 )
 			continue;
 		m_pGL->glBindTexture( GL_TEXTURE_2D, FindTexture( batch.m_Texture ) );
-		m_pGL->glBindBuffer( GL_ARRAY_BUFFER, m_nSpriteBuffer );
+		m_pGL->glBindBuffer( GL_ARRAY_BUFFER, nInstanceBuffer );
 		SetBlend( batch.m_eBlend );
 		m_pGL->glUniform1f( nOverbright, batch.m_flOverbright );
-		size_t nBase = size_t( batch.m_nFirst ) * sizeof( ToolSceneSpriteInstance_t );
-		m_pGL->glVertexAttribPointer( 1, 4, GL_FLOAT, GL_FALSE, nStride, reinterpret_cast<const void *>( Offset( nBase + offsetof( ToolSceneSpriteInstance_t, m_Position ) ) ) );
-		m_pGL->glVertexAttribPointer( 2, 4, GL_FLOAT, GL_FALSE, nStride, reinterpret_cast<const void *>( Offset( nBase + offsetof( ToolSceneSpriteInstance_t, m_Color ) ) ) );
-		m_pGL->glVertexAttribPointer( 3, 1, GL_FLOAT, GL_FALSE, nStride, reinterpret_cast<const void *>( Offset( nBase + offsetof( ToolSceneSpriteInstance_t, m_flRoll ) ) ) );
+		// Without base instances (OpenGL 4.2), each batch points the attributes at its first.
+		const size_t nBase = size_t( batch.m_nFirst ) * size_t( nStride );
+		for ( int i = 0; i < nAttributes; ++i )
+			m_pGL->glVertexAttribPointer( GLuint( i + 1 ), pAttributes[ i ].m_nComponents, GL_FLOAT, GL_FALSE, nStride,
+				reinterpret_cast<const void *>( Offset( nBase + pAttributes[ i ].m_nOffset ) ) );
 		m_pGL->glDrawArraysInstanced( GL_TRIANGLE_STRIP, 0, 4, batch.m_nCount );
 	}
-	for ( int i = 0; i < 4; ++i )
+	for ( int i = 0; i <= nAttributes; ++i )
 	{
 		m_pGL->glVertexAttribDivisor( GLuint( i ), 0 );
 		m_pGL->glDisableVertexAttribArray( GLuint( i ) );
 	}
 }
 
+void CToolSceneRenderer::DrawSprites( const CToolSceneDrawList &drawList, const ToolSceneView_t &view, const float *pViewProjection )
+{
+	if ( drawList.GetSpriteBatches().empty() )
+		return;
+	m_pGL->glUseProgram( m_nSpriteProgram );
+	m_pGL->glUniformMatrix4fv( m_pGL->glGetUniformLocation( m_nSpriteProgram, "uViewProjection" ), 1, GL_FALSE, pViewProjection );
+	m_pGL->glUniform3f( m_pGL->glGetUniformLocation( m_nSpriteProgram, "uRight" ), view.m_vRight.x, view.m_vRight.y, view.m_vRight.z );
+	m_pGL->glUniform3f( m_pGL->glGetUniformLocation( m_nSpriteProgram, "uUp" ), view.m_vUp.x, view.m_vUp.y, view.m_vUp.z );
+	StreamBuffer( m_nSpriteBuffer, drawList.GetSprites() );
+	static const InstanceAttribute_t s_Attributes[] = { { 4, offsetof( ToolSceneSpriteInstance_t, m_Position ) },
+		{ 4, offsetof( ToolSceneSpriteInstance_t, m_Color ) }, { 1, offsetof( ToolSceneSpriteInstance_t, m_flRoll ) } };
+	DrawQuadBatches( drawList.GetSpriteBatches(), m_nSpriteBuffer, sizeof( ToolSceneSpriteInstance_t ), s_Attributes, 3, m_nSpriteProgram );
+}
+
 void CToolSceneRenderer::DrawTrails( const CToolSceneDrawList &drawList, const ToolSceneView_t &view, const float *pViewProjection )
 {
-	const auto &batches = drawList.GetTrailBatches();
-	if ( batches.empty() )
+	if ( drawList.GetTrailBatches().empty() )
 		return;
 	m_pGL->glUseProgram( m_nTrailProgram );
 	m_pGL->glUniformMatrix4fv( m_pGL->glGetUniformLocation( m_nTrailProgram, "uViewProjection" ), 1, GL_FALSE, pViewProjection );
 	m_pGL->glUniform3f( m_pGL->glGetUniformLocation( m_nTrailProgram, "uEye" ), view.m_vEye.x, view.m_vEye.y, view.m_vEye.z );
 	m_pGL->glUniform3f( m_pGL->glGetUniformLocation( m_nTrailProgram, "uUp" ), view.m_vUp.x, view.m_vUp.y, view.m_vUp.z );
-	m_pGL->glUniform1i( m_pGL->glGetUniformLocation( m_nTrailProgram, "uTexture" ), 0 );
-	const int nOverbright = m_pGL->glGetUniformLocation( m_nTrailProgram, "uOverbright" );
 	StreamBuffer( m_nTrailBuffer, drawList.GetTrails() );
-	m_pGL->glBindBuffer( GL_ARRAY_BUFFER, m_nCornerBuffer );
-	m_pGL->glEnableVertexAttribArray( 0 );
-	m_pGL->glVertexAttribPointer( 0, 2, GL_FLOAT, GL_FALSE, 0, nullptr );
-	for ( int i = 1; i < 4; ++i )
-	{
-		m_pGL->glEnableVertexAttribArray( GLuint( i ) );
-		m_pGL->glVertexAttribDivisor( GLuint( i ), 1 );
-	}
-	m_pGL->glActiveTexture( GL_TEXTURE0 );
-	const GLsizei nStride = sizeof( ToolSceneTrailInstance_t );
-	for ( const ToolSceneBatch_t &batch : batches )
-	{
-		if ( batch.m_nCount <= 0 )
-			continue;
-		m_pGL->glBindTexture( GL_TEXTURE_2D, FindTexture( batch.m_Texture ) );
-		m_pGL->glBindBuffer( GL_ARRAY_BUFFER, m_nTrailBuffer );
-		SetBlend( batch.m_eBlend );
-		m_pGL->glUniform1f( nOverbright, batch.m_flOverbright );
-		size_t nBase = size_t( batch.m_nFirst ) * sizeof( ToolSceneTrailInstance_t );
-		m_pGL->glVertexAttribPointer( 1, 4, GL_FLOAT, GL_FALSE, nStride, reinterpret_cast<const void *>( Offset( nBase + offsetof( ToolSceneTrailInstance_t, m_Head ) ) ) );
-		m_pGL->glVertexAttribPointer( 2, 4, GL_FLOAT, GL_FALSE, nStride, reinterpret_cast<const void *>( Offset( nBase + offsetof( ToolSceneTrailInstance_t, m_Tail ) ) ) );
-		m_pGL->glVertexAttribPointer( 3, 4, GL_FLOAT, GL_FALSE, nStride, reinterpret_cast<const void *>( Offset( nBase + offsetof( ToolSceneTrailInstance_t, m_Color ) ) ) );
-		m_pGL->glDrawArraysInstanced( GL_TRIANGLE_STRIP, 0, 4, batch.m_nCount );
-	}
-	for ( int i = 0; i < 4; ++i )
-	{
-		m_pGL->glVertexAttribDivisor( GLuint( i ), 0 );
-		m_pGL->glDisableVertexAttribArray( GLuint( i ) );
-	}
+	static const InstanceAttribute_t s_Attributes[] = { { 4, offsetof( ToolSceneTrailInstance_t, m_Head ) }, { 4, offsetof( ToolSceneTrailInstance_t, m_Tail ) },
+		{ 4, offsetof( ToolSceneTrailInstance_t, m_Color ) } };
+	DrawQuadBatches( drawList.GetTrailBatches(), m_nTrailBuffer, sizeof( ToolSceneTrailInstance_t ), s_Attributes, 3, m_nTrailProgram );
 }

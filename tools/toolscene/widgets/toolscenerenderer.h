@@ -66,6 +66,14 @@ private:
 	};
 	void DrawLines( const std::vector<ToolSceneLineVertex_t> &lines, const float *pViewProjection );
 	void DrawMeshes( const CToolSceneDrawList &drawList, const float *pViewProjection, MeshPass_t ePass );
+	// Instanced quads (the four corners of one buffer), one draw a batch: sprites, trails.
+	struct InstanceAttribute_t
+	{
+		int m_nComponents;
+		size_t m_nOffset;
+	};
+	void DrawQuadBatches( const std::vector<ToolSceneBatch_t> &batches, unsigned int nInstanceBuffer, int nStride, const InstanceAttribute_t *pAttributes,
+		int nAttributes, unsigned int nProgram );
 	void DrawSprites( const CToolSceneDrawList &drawList, const ToolSceneView_t &view, const float *pViewProjection );
 	void DrawTrails( const CToolSceneDrawList &drawList, const ToolSceneView_t &view, const float *pViewProjection );
 
