@@ -228,3 +228,30 @@ TEST_F( ZolPreviewTest, TheMostRecentSessionIsPreviewedAndClosingItEmptiesThePre
 	EXPECT_EQ( m_pPreview->GetParticleSystem()->GetDefinition(), nullptr );
 	Frames( 2 );
 }
+
+// Without a display the offscreen platform has no OpenGL: the view says so and the system
+// runs all the same.
+class ZolPreviewNoContextTest : public ZolPreviewTest
+{
+protected:
+	void SetUp() override
+	{
+		unsetenv( "DISPLAY" );
+		ZolPreviewTest::SetUp();
+	}
+};
+
+TEST_F( ZolPreviewNoContextTest, TheViewSaysItCantDrawAndTheSystemRuns )
+{
+	ASSERT_NE( Open( "particles/samples/fire.tfxs" ), nullptr );
+	m_pApp->GetZolMainWindow()->show();
+	QCoreApplication::processEvents();
+	m_pPreview->GetSceneWidget()->repaint();
+	Frames( 30 );
+	EXPECT_FALSE( m_pPreview->GetSceneWidget()->HasRenderContext() );
+	EXPECT_EQ( m_pPreview->GetSceneWidget()->GetPaintCount(), 0 );
+	CQToolSceneWidget *pScene = m_pPreview->GetSceneWidget();
+	EXPECT_TRUE( pScene->IsOverlayIndicatorVisible( pScene->GetNoContextIndicator() ) ) << "the warning over the view";
+	ASSERT_NE( m_pPreview->GetParticleSystem()->GetCollection(), nullptr );
+	EXPECT_GT( m_pPreview->GetParticleSystem()->GetCollection()->GetActiveParticleCount( false ), 0 );
+}

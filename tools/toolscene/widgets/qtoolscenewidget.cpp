@@ -159,10 +159,16 @@ void CQToolSceneWidget::initializeGL()
 
 void CQToolSceneWidget::paintEvent( QPaintEvent *pEvent )
 {
-	// Without a context Qt draws nothing; say so once, and go on simulating.
+	// Without a context Qt draws nothing; say so once in the log and over the view, and go
+	// on simulating.
 	if ( !isValid() )
 	{
 		CToolSceneRenderer::ReportNoContext();
+		if ( m_nNoContextIndicator < 0 )
+		{
+			m_nNoContextIndicator = AddOverlayIndicator( "No OpenGL 3.3 here: the view can't draw (the simulation runs)", "game:tools/images/common/generic_hud_warning.png" );
+			SetOverlayIndicatorVisible( m_nNoContextIndicator, true );
+		}
 		m_bPaintPending = false;
 		return;
 	}
@@ -283,6 +289,7 @@ void CQToolSceneWidget::ClearOverlayIndicators()
 	for ( QWidget *pIndicator : m_Indicators )
 		delete pIndicator;
 	m_Indicators.clear();
+	m_nNoContextIndicator = -1;
 }
 
 void CQToolSceneWidget::SetOverlayText( const QString &text )

@@ -48,6 +48,8 @@ public:
 	const CToolSceneDrawList &GetDrawList() const { return m_DrawList; }
 	// False when no OpenGL 3.3 context could be had: the scene still runs, nothing shows.
 	bool HasRenderContext() const { return m_Renderer.IsInitialized(); }
+	// The indicator that says so once a paint found no context; -1 before.
+	int GetNoContextIndicator() const { return m_nNoContextIndicator; }
 	int GetPaintCount() const { return m_nPaintCount; }
 
 	// Overlays: indicators (answers an id), the information text, a coloured message.
@@ -100,6 +102,7 @@ private:
 	QPoint m_LastMousePos;
 
 	QVBoxLayout *m_pIndicatorLayout = nullptr;
+	int m_nNoContextIndicator = -1;
 	std::vector<QWidget *> m_Indicators;
 	QLabel *m_pOverlayText = nullptr;
 	QLabel *m_pMessage = nullptr;
