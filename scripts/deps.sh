@@ -10,6 +10,7 @@ packages=(
   qtbase5-dev
   libgtest-dev libgmock-dev libbenchmark-dev
   rapidjson-dev                       # benchmarks only: the reference JSON parser
+  liblua5.4-dev                       # benchmarks only: the reference interpreter for Pulse
   antlr3                              # generates the expression parser; brings its Java runtime and
                                       # StringTemplate 4 (the C target needs neither StringTemplate 3 nor other recommends)
   libantlr3c-dev zlib1g-dev libpng-dev libjpeg-dev libtiff-dev libwebp-dev

@@ -177,4 +177,4 @@ TEST_P( ZolPreviewSampleTest, EverySampleShowsItsParticles )
 	EXPECT_GT( nChanged, 40 ) << GetParam() << " draws nothing a user would see in a picture of " << with.width() << "x" << with.height();
 }
 
-INSTANTIATE_TEST_SUITE_P( Samples, ZolPreviewSampleTest, ::testing::Values( "campfire", "fire", "old_dust", "smoke", "sparks" ) );
+INSTANTIATE_TEST_SUITE_P( Samples, ZolPreviewSampleTest, ::testing::Values( "beacon", "beacon_glow", "brazier", "campfire", "fire", "old_dust", "smoke", "sparks" ) );

@@ -122,4 +122,4 @@ TEST_P( SampleGoldenTest, SampleAtOneSecondMatchesItsPicture )
 	}
 }
 
-INSTANTIATE_TEST_SUITE_P( Samples, SampleGoldenTest, ::testing::Values( "campfire", "fire", "old_dust", "smoke", "sparks" ) );
+INSTANTIATE_TEST_SUITE_P( Samples, SampleGoldenTest, ::testing::Values( "beacon", "beacon_glow", "brazier", "campfire", "fire", "old_dust", "smoke", "sparks" ) );

@@ -19,6 +19,8 @@
 #include "tools/toolscene/widgets/qtoolscenewidget.h"
 #include "tools/toolutils2/widgets/inputbind/inputbindmanager.h"
 #include "zoldoc_lib/zoldoc.h"
+#include "tools/toolscene/toolscenemodel.h"
+#include "zoldoc_lib/zolcontrolpointconfiguration.h"
 #include "zoldoc_lib/zolrootnode.h"
 #include "zolpreviewtestsupport.h"
 
@@ -254,4 +256,29 @@ TEST_F( ZolPreviewNoContextTest, TheViewSaysItCantDrawAndTheSystemRuns )
 	EXPECT_TRUE( pScene->IsOverlayIndicatorVisible( pScene->GetNoContextIndicator() ) ) << "the warning over the view";
 	ASSERT_NE( m_pPreview->GetParticleSystem()->GetCollection(), nullptr );
 	EXPECT_GT( m_pPreview->GetParticleSystem()->GetCollection()->GetActiveParticleCount( false ), 0 );
+}
+
+TEST_F( ZolPreviewTest, AConfigurationAttachesControlPointsToThePreviewModel )
+{
+	CZolSession *pSession = Open( "particles/samples/brazier.tfxs" );
+	ASSERT_NE( pSession, nullptr );
+	CZolRootNode *pRoot = pSession->GetDoc()->GetRoot();
+	// "on crate": point 0 on the lid of the crate, 32 units up.
+	pSession->SelectConfiguration( pRoot->FindConfiguration( "on crate" ) );
+	Frames( 2 );
+	ASSERT_NE( m_pPreview->GetPreviewModel()->GetModel(), nullptr );
+	EXPECT_STREQ( m_pPreview->GetPreviewModel()->GetModelName(), "models/crate.tmsh" );
+	IParticleCollection *pCollection = m_pPreview->GetParticleSystem()->GetCollection();
+	ASSERT_NE( pCollection, nullptr );
+	EXPECT_EQ( pCollection->GetControlPointPosition( 0 ), Vector( 0, 0, 32 ) );
+	EXPECT_EQ( m_pPreview->GetGround()->GetGroundType(), TOOLSCENE_GROUND_PLANE );
+	// The point stays on the lid across a restart.
+	m_pPreview->RestartPreview();
+	Frames( 1 );
+	EXPECT_EQ( m_pPreview->GetParticleSystem()->GetCollection()->GetControlPointPosition( 0 ), Vector( 0, 0, 32 ) );
+	// "ground": back at the origin, and no model.
+	pSession->SelectConfiguration( pRoot->FindConfiguration( "ground" ) );
+	Frames( 1 );
+	EXPECT_EQ( m_pPreview->GetParticleSystem()->GetCollection()->GetControlPointPosition( 0 ), Vector( 0, 0, 0 ) );
+	EXPECT_EQ( m_pPreview->GetPreviewModel()->GetModel(), nullptr );
 }

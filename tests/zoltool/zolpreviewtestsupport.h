@@ -1,6 +1,6 @@
 #pragma once
 // The editor with its main window, for tests of the live preview: the application test's
-// content (with the shipped textures), frames at a fixed rate of 60 a second.
+// content (with the shipped textures and models), frames at a fixed rate of 60 a second.
 
 #include "core/console/consoleregistry.h"
 #include "core/console/convar.h"
@@ -16,7 +16,8 @@ protected:
 		ZolAppTest::SetUp();
 		if ( HasFatalFailure() )
 			return;
-		std::filesystem::copy( std::filesystem::path( ZOL_SOURCE_DIR ) / "content/content/materials", m_Root / "content/materials", std::filesystem::copy_options::recursive );
+		for ( const char *pFolder : { "materials", "models" } )
+			std::filesystem::copy( std::filesystem::path( ZOL_SOURCE_DIR ) / "content/content" / pFolder, m_Root / "content" / pFolder, std::filesystem::copy_options::recursive );
 		m_Services.GetAssetSystem()->Rescan();
 		EnsureTestQApplication();
 		// Every frame is a sixtieth of a second, however long it took.

@@ -2,6 +2,8 @@
 
 #include <cmath>
 
+#include "core/particles/sim/iparticlecollection.h"
+
 #include "tools/toolscene/bindablecamera.h"
 #include "tools/toolscene/toolscenegrid.h"
 #include "tools/toolscene/toolsceneparticlesystem.h"
@@ -25,6 +27,23 @@ CToolSceneParticleRun::~CToolSceneParticleRun()
 void CToolSceneParticleRun::SetControlPoint( int nPoint, const Vector &vPosition )
 {
 	m_pSystem->SetControlPoint( nPoint, vPosition );
+}
+
+void CToolSceneParticleRun::PinControlPoints()
+{
+	IParticleCollection *pCollection = GetCollection();
+	if ( !pCollection )
+		return;
+	for ( int nPoint = 0; nPoint < MAX_PARTICLE_CONTROL_POINTS; ++nPoint )
+	{
+		if ( !pCollection->IsControlPointSet( nPoint ) )
+			continue;
+		Vector vForward, vRight, vUp;
+		pCollection->GetControlPointOrientation( nPoint, &vForward, &vRight, &vUp );
+		Vector vPosition = pCollection->GetControlPointPosition( nPoint );
+		m_pSystem->SetControlPointOrientation( nPoint, vForward, vRight, vUp );
+		m_pSystem->SetControlPoint( nPoint, vPosition );
+	}
 }
 
 void CToolSceneParticleRun::SetCameras( const std::vector<ParticleCamera_t> &cameras )

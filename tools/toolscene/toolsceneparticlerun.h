@@ -24,6 +24,9 @@ public:
 	// Control points and cameras before the first frame.
 	void SetControlPoint( int nPoint, const Vector &vPosition );
 	void SetCameras( const std::vector<ParticleCamera_t> &cameras );
+	// Every control point set on the collection (by a configuration played on it) stays
+	// where it is: the node no longer moves it.
+	void PinControlPoints();
 	// One frame of the scene.
 	void Frame( float flDt );
 	// Frames of 1/fps until the system has run flSeconds (rounded to whole frames).

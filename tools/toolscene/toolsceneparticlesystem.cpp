@@ -194,7 +194,8 @@ void CToolSceneParticleSystem::SetControlPointOrientation( int nPoint, const Vec
 	ApplyControlPointOverrides();
 }
 
-void CToolSceneParticleSystem::SetControlPointAttachment( int nPoint, IParticleEntity *pEntity, ParticleAttachment_t nAttachType, int nAttachment, const Vector &vOffset )
+void CToolSceneParticleSystem::SetControlPointAttachment( int nPoint, IParticleEntity *pEntity, ParticleAttachment_t nAttachType, int nAttachment, const Vector &vOffset,
+	const QAngle &angOffset )
 {
 	if ( nPoint < 0 || nPoint >= MAX_PARTICLE_CONTROL_POINTS )
 		return;
@@ -204,13 +205,24 @@ void CToolSceneParticleSystem::SetControlPointAttachment( int nPoint, IParticleE
 	point.m_nAttachType = nAttachType;
 	point.m_nAttachment = nAttachment;
 	point.m_vOffset = vOffset;
+	point.m_angOffset = angOffset;
 	ApplyControlPointOverrides();
+}
+
+void CToolSceneParticleSystem::ClearControlPoint( int nPoint )
+{
+	if ( nPoint < 0 || nPoint >= MAX_PARTICLE_CONTROL_POINTS )
+		return;
+	const bool bWasSet = m_ControlPoints[ nPoint ].m_pEntity || m_ControlPoints[ nPoint ].m_bPosition || m_ControlPoints[ nPoint ].m_bOrientation;
+	m_ControlPoints[ nPoint ] = ControlPointOverride_t();
+	if ( bWasSet && nPoint == 0 && m_hEffect )
+		m_Property.AddControlPoint( m_hEffect.Get(), 0, this, PATTACH_ABSORIGIN_FOLLOW );
 }
 
 void CToolSceneParticleSystem::ClearControlPoints()
 {
-	for ( ControlPointOverride_t &point : m_ControlPoints )
-		point = ControlPointOverride_t();
+	for ( int nPoint = 0; nPoint < MAX_PARTICLE_CONTROL_POINTS; ++nPoint )
+		ClearControlPoint( nPoint );
 }
 
 void CToolSceneParticleSystem::ApplyControlPointOverrides()
@@ -222,7 +234,9 @@ void CToolSceneParticleSystem::ApplyControlPointOverrides()
 		const ControlPointOverride_t &point = m_ControlPoints[ nPoint ];
 		if ( point.m_pEntity )
 		{
-			m_Property.AddControlPoint( m_hEffect.Get(), nPoint, point.m_pEntity, point.m_nAttachType, false, point.m_nAttachment, point.m_vOffset );
+			ParticleFrame_t offset = ParticleFrame_t::Translation( point.m_vOffset );
+			AngleVectors( point.m_angOffset, &offset.m_vForward, &offset.m_vRight, &offset.m_vUp );
+			m_Property.AddControlPoint( m_hEffect.Get(), nPoint, point.m_pEntity, point.m_nAttachType, false, point.m_nAttachment, point.m_vOffset, &offset );
 			continue;
 		}
 		if ( !point.m_bPosition && !point.m_bOrientation )

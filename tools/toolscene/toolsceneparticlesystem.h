@@ -43,7 +43,12 @@ public:
 	void SetControlPointOrientation( int nPoint, const Vector &vForward, const Vector &vRight, const Vector &vUp );
 	// A control point that follows an entity (the preview model, one of its attachments), on
 	// this effect and every later one.
-	void SetControlPointAttachment( int nPoint, IParticleEntity *pEntity, ParticleAttachment_t nAttachType, int nAttachment, const Vector &vOffset );
+	// The offset (and its angles) is in the frame of what the point follows.
+	void SetControlPointAttachment( int nPoint, IParticleEntity *pEntity, ParticleAttachment_t nAttachType, int nAttachment, const Vector &vOffset,
+		const QAngle &angOffset = QAngle() );
+	// The point goes back to what it was before anything was set here (point 0 follows
+	// the node again; others keep what the effect last had).
+	void ClearControlPoint( int nPoint );
 	void ClearControlPoints();
 	// Cameras for camera-driven inputs; without any, the scene's view cameras count.
 	void SetCameras( const std::vector<ParticleCamera_t> &cameras );
@@ -84,6 +89,7 @@ private:
 		ParticleAttachment_t m_nAttachType = PATTACH_ABSORIGIN_FOLLOW;
 		int m_nAttachment = 0;
 		Vector m_vOffset;
+		QAngle m_angOffset;
 		Vector m_vPosition;
 		Vector m_vForward{ 1.0f, 0.0f, 0.0f };
 		Vector m_vRight{ 0.0f, -1.0f, 0.0f };

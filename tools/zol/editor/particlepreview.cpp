@@ -22,7 +22,6 @@
 #include "core/logging/logging.h"
 #include "core/particles/particleattachment.h"
 #include "core/particles/sim/iparticlecollection.h"
-#include "core/particles/sim/particlekv3read.h"
 #include "core/text/strtools.h"
 #include "particleslib/particlemgr.h"
 #include "tools/toolscene/toolsceneaxis.h"
@@ -36,9 +35,9 @@
 #include "tools/toolutils2/widgets/inputbind/inputbindmanager.h"
 #include "tools/zol/editor/zolapp.h"
 #include "tools/zol/editor/zolsession.h"
-#include "zoldoc_lib/zolcontrolpointconfiguration.h"
+#include "particleslib/particleeffect.h"
+#include "zoldoc_lib/zolcollectionpreviewtarget.h"
 #include "zoldoc_lib/zoldoc.h"
-#include "zoldoc_lib/zolrootnode.h"
 
 ConVar r_particle_max_detail_level( "r_particle_max_detail_level", "3", FCVAR_NONE, "The highest detail level that previewed particle systems run at (0 low to 3 ultra).",
 	true, 0.0f, true, 3.0f );
@@ -93,12 +92,6 @@ float ParseRestartTime( QLineEdit *pEdit, float flOld )
 	pEdit->setText( QString::number( double( flValue ), 'f', 2 ) );
 	return flValue;
 }
-
-const char *const s_AttachTypeNames[] = { "PATTACH_INVALID", "PATTACH_ABSORIGIN", "PATTACH_ABSORIGIN_FOLLOW", "PATTACH_CUSTOMORIGIN", "PATTACH_CUSTOMORIGIN_FOLLOW",
-	"PATTACH_POINT", "PATTACH_POINT_FOLLOW", "PATTACH_EYES_FOLLOW", "PATTACH_OVERHEAD_FOLLOW", "PATTACH_WORLDORIGIN", "PATTACH_ROOTBONE_FOLLOW",
-	"PATTACH_RENDERORIGIN_FOLLOW", "PATTACH_MAIN_VIEW", "PATTACH_WATERWAKE", "PATTACH_CENTER_FOLLOW", "PATTACH_CUSTOM_GAME_STATE_1", "PATTACH_HEALTHBAR" };
-
-const char *const s_GroundTypeNames[] = { "ZOL_GROUND_NONE", "ZOL_GROUND_GRID", "ZOL_GROUND_PLANE" };
 
 void BuildParticlePreviewCommands( CBindTargetDescriptor<CQParticlePreview> &d )
 {
@@ -199,6 +192,7 @@ CQParticlePreview::CQParticlePreview( QWidget *pParent ) : QWidget( pParent ), m
 	m_EventMap.MapEvent( TOOL_EVENT_SLOT_SESSION, &CQParticlePreview::OnControlPointListChanged );
 	m_EventMap.MapEvent( TOOL_EVENT_SLOT_SESSION, &CQParticlePreview::OnControlPointValueChanged );
 	m_EventMap.MapEvent( TOOL_EVENT_SLOT_SESSION, &CQParticlePreview::OnPreviewStateChanged );
+	m_EventMap.MapEvent( TOOL_EVENT_SLOT_SESSION, &CQParticlePreview::OnNamedValueChanged );
 	if ( pApp && pApp->GetEventHub() )
 		m_EventMap.Attach( TOOL_EVENT_SLOT_HUB, pApp->GetEventHub()->GetEventDispatcher() );
 	SetSession( pApp ? pApp->GetPreviewSession() : nullptr );
@@ -206,6 +200,8 @@ CQParticlePreview::CQParticlePreview( QWidget *pParent ) : QWidget( pParent ), m
 
 CQParticlePreview::~CQParticlePreview()
 {
+	if ( m_pSession && m_pSession->GetPreviewTarget() == this )
+		m_pSession->SetPreviewTarget( nullptr );
 	CQInputBindManager::Get()->UnregisterTarget( this );
 	CQInputBindManager::Get()->UnregisterTarget( m_pSceneWidget );
 	m_EventMap.Detach( TOOL_EVENT_SLOT_SESSION );
@@ -233,9 +229,14 @@ void CQParticlePreview::SetSession( CZolSession *pSession )
 {
 	m_EventMap.Detach( TOOL_EVENT_SLOT_SESSION );
 	m_EventMap.Detach( TOOL_EVENT_SLOT_DOCUMENT );
+	if ( m_pSession && m_pSession->GetPreviewTarget() == this )
+		m_pSession->SetPreviewTarget( nullptr );
 	m_pSession = pSession;
+	m_pParticleSystem->ClearControlPoints();
 	if ( m_pSession )
 	{
+		// The session's control point state is applied to this preview.
+		m_pSession->SetPreviewTarget( this );
 		m_EventMap.Attach( TOOL_EVENT_SLOT_SESSION, m_pSession->GetEventDispatcher() );
 		if ( CZolDoc *pDoc = m_pSession->GetDoc() )
 			m_EventMap.Attach( TOOL_EVENT_SLOT_DOCUMENT, pDoc->GetEventDispatcher() );
@@ -265,92 +266,98 @@ void CQParticlePreview::RefreshSession()
 	m_pSceneWidget->ResetCamera( true, true );
 }
 
-const KeyValues3 *CQParticlePreview::FindCurrentConfiguration() const
-{
-	CZolDoc *pDoc = m_pSession ? m_pSession->GetDoc() : nullptr;
-	CZolRootNode *pRoot = pDoc ? pDoc->GetRoot() : nullptr;
-	const ZolControlPointConfiguration_t *pConfig = pRoot ? pRoot->FindConfiguration( m_pSession->GetCurrentConfigName() ) : nullptr;
-	if ( !pConfig && pRoot && pRoot->GetConfigurationCount() > 0 )
-		pConfig = pRoot->GetConfiguration( 0 );
-	return pConfig ? &pConfig->m_KV3 : nullptr;
-}
-
-const KeyValues3 *CQParticlePreview::FindPreviewState() const
-{
-	const KeyValues3 *pConfig = FindCurrentConfiguration();
-	const KeyValues3 *pState = pConfig ? pConfig->FindMember( "m_previewState" ) : nullptr;
-	return pState && pState->IsTable() ? pState : nullptr;
-}
-
 void CQParticlePreview::RebuildPreview( bool bReloadModels )
 {
-	using namespace ParticleKV3;
-	const KeyValues3 *pState = FindPreviewState();
+	// No session: no model, the grid, rate 1.
+	const ParticlePreviewState_t state = m_pSession ? m_pSession->GetPreviewState() : ParticlePreviewState_t();
 	if ( bReloadModels )
 	{
-		const KeyValues3 *pModel = pState ? pState->FindMember( "m_previewModel" ) : nullptr;
-		const char *pModelName = pModel && pModel->IsString() ? pModel->GetString() : "";
-		if ( V_stricmp_fast( pModelName, m_pPreviewModel->GetModelName() ) )
+		if ( V_stricmp_fast( state.m_previewModel.Get(), m_pPreviewModel->GetModelName() ) )
 		{
-			m_pPreviewModel->SetModelName( pModelName );
+			m_pPreviewModel->SetModelName( state.m_previewModel.Get() );
 			m_pParticleSystem->Restart();
 		}
 		ApplyControlPoints();
 	}
-	m_pPreviewModel->SetDrawAttachments( pState && ReadBool( pState->FindMember( "m_bShouldDrawAttachments" ), false ) );
-	// No session shows the grid.
-	int nGround = pState ? ReadEnum( pState->FindMember( "m_groundType" ), s_GroundTypeNames, 3, 0, 1 ) : 1;
-	m_pGround->SetGroundType( nGround == 2 ? TOOLSCENE_GROUND_PLANE : nGround == 0 ? TOOLSCENE_GROUND_NONE : TOOLSCENE_GROUND_GRID );
+	m_pPreviewModel->SetDrawAttachments( state.m_bShouldDrawAttachments );
+	m_pGround->SetGroundType( state.m_groundType == ZOL_GROUND_PLANE  ? TOOLSCENE_GROUND_PLANE
+							  : state.m_groundType == ZOL_GROUND_NONE ? TOOLSCENE_GROUND_NONE
+																	  : TOOLSCENE_GROUND_GRID );
 	// The axes follow on the next frame; every set point gets a marker with them.
-	m_bDrawControlPointAxes = pState && ReadBool( pState->FindMember( "m_bShouldDrawControlPointAxes" ), false );
+	m_bDrawControlPointAxes = state.m_bShouldDrawControlPointAxes;
 	m_pParticleSystem->SetDrawControlPoints( m_bDrawControlPointAxes );
-	m_flSimulationRate = pState ? ReadFloat( pState->FindMember( "m_flParticleSimulationRate" ), 1.0f ) : 1.0f;
-	if ( !( m_flSimulationRate >= 0.0f ) || m_flSimulationRate > 100.0f )
-		m_flSimulationRate = 1.0f;
+	m_flSimulationRate = state.m_flParticleSimulationRate >= 0.0f && state.m_flParticleSimulationRate <= 100.0f ? state.m_flParticleSimulationRate : 1.0f;
 	// A non-looping animation that fires the system on a frame would restart it; the
 	// preview models have no animations, so the node restarts by its own rules.
-	bool bFiresOnFrame = pState && ReadBool( pState->FindMember( "m_bAnimationNonLooping" ), false ) &&
-						 ReadInt( pState->FindMember( "m_nFireParticleOnSequenceFrame" ), 0 ) != 0;
+	const bool bFiresOnFrame = state.m_bAnimationNonLooping && state.m_nFireParticleOnSequenceFrame != 0;
 	m_pParticleSystem->SetAutoRestart( !bFiresOnFrame && m_pAutoRestartAction->isChecked() );
 }
 
 void CQParticlePreview::ApplyControlPoints()
 {
-	using namespace ParticleKV3;
-	m_pParticleSystem->ClearControlPoints();
-	const KeyValues3 *pConfig = FindCurrentConfiguration();
-	const KeyValues3 *pDrivers = pConfig ? pConfig->FindMember( "m_drivers" ) : nullptr;
-	if ( !pDrivers || !pDrivers->IsArray() )
+	if ( m_pSession && m_pSession->GetPreviewTarget() == this )
+		m_pSession->ApplyToPreview();
+}
+
+// ---------------------------------------------------------------------------------------
+// The session's control point state lands here
+
+bool CQParticlePreview::HasRunningCollection() const
+{
+	return m_pParticleSystem->GetCollection() != nullptr;
+}
+
+void CQParticlePreview::SetCollectionControlPoint( int nPoint, const Vector &vPosition, const QAngle &angles )
+{
+	CNewParticleEffect *pEffect = m_pParticleSystem->GetEffect();
+	if ( !pEffect || nPoint < 0 || nPoint >= MAX_PARTICLE_CONTROL_POINTS )
 		return;
-	for ( int i = 0; i < pDrivers->GetArrayElementCount(); ++i )
+	Vector vForward, vRight, vUp;
+	ToolSceneMath::AngleVectors( angles, &vForward, &vRight, &vUp );
+	pEffect->SetControlPointOrientation( nPoint, vForward, vRight, vUp );
+	pEffect->SetControlPoint( nPoint, m_pParticleSystem->LocalToWorld( vPosition ) );
+}
+
+void CQParticlePreview::SetCollectionNamedValue( const ParticleParamID_t &key, const CPulseValueFullType &type, const KeyValues3 &value )
+{
+	// The same conversion of a value to the collection as a headless run's.
+	CZolCollectionPreviewTarget target( m_pParticleSystem->GetCollection() );
+	if ( target.HasRunningCollection() )
+		target.SetCollectionNamedValue( key, type, value );
+}
+
+void CQParticlePreview::ClearControlPointBinding( int nPoint )
+{
+	m_pParticleSystem->ClearControlPoint( nPoint );
+}
+
+void CQParticlePreview::SetNodeControlPoint( int nPoint, const Vector &vPosition, const QAngle &angles )
+{
+	Vector vForward, vRight, vUp;
+	ToolSceneMath::AngleVectors( angles, &vForward, &vRight, &vUp );
+	m_pParticleSystem->SetControlPointOrientation( nPoint, vForward, vRight, vUp );
+	m_pParticleSystem->SetControlPoint( nPoint, vPosition );
+}
+
+bool CQParticlePreview::BindControlPointToModel( int nPoint, const char *pModelName, bool, int nAttachType, const char *pAttachmentName, const Vector &vOffset,
+	const QAngle &angOffset )
+{
+	// The scene's one model is the preview model; it has no child models to search.
+	if ( !pModelName || !m_pPreviewModel->GetModel() || V_stricmp_fast( pModelName, m_pPreviewModel->GetModelName() ) )
+		return false;
+	int nAttachment = -1;
+	if ( pAttachmentName && *pAttachmentName )
 	{
-		const KeyValues3 *pDriver = pDrivers->GetArrayElement( i );
-		if ( !pDriver->IsTable() )
-			continue;
-		// Named values are the variables' business; numbered points are placed here.
-		const KeyValues3 *pPoint = pDriver->FindMember( "m_iControlPoint" );
-		if ( pPoint && !pPoint->IsNumber() )
-			continue;
-		int nPoint = pPoint ? int( pPoint->GetInt() ) : 0;
-		if ( nPoint < 0 || nPoint >= MAX_PARTICLE_CONTROL_POINTS )
-			continue;
-		auto eType = ParticleAttachment_t( ReadEnum( pDriver->FindMember( "m_iAttachType" ), s_AttachTypeNames, int( std::size( s_AttachTypeNames ) ), -1,
-			PATTACH_ABSORIGIN_FOLLOW ) );
-		Vector vOffset = ReadVector( pDriver->FindMember( "m_vecOffset" ), Vector() );
-		Vector vAngles = ReadVector( pDriver->FindMember( "m_angOffset" ), Vector() );
-		if ( eType == PATTACH_WORLDORIGIN || !m_pPreviewModel->GetModel() )
-		{
-			Vector vForward, vRight, vUp;
-			ToolSceneMath::AngleVectors( QAngle( vAngles.x, vAngles.y, vAngles.z ), &vForward, &vRight, &vUp );
-			m_pParticleSystem->SetControlPointOrientation( nPoint, vForward, vRight, vUp );
-			m_pParticleSystem->SetControlPoint( nPoint, vOffset );
-			continue;
-		}
-		// Points that follow something follow the preview model, or one of its attachments.
-		const KeyValues3 *pAttachment = pDriver->FindMember( "m_attachmentName" );
-		int nAttachment = m_pPreviewModel->LookupAttachment( pAttachment && pAttachment->IsString() ? pAttachment->GetString() : "" );
-		m_pParticleSystem->SetControlPointAttachment( nPoint, m_pPreviewModel.get(), eType, std::max( nAttachment, 0 ), vOffset );
+		nAttachment = m_pPreviewModel->LookupAttachment( pAttachmentName );
+		if ( nAttachment < 0 )
+			return false;
 	}
+	// Without an attachment the point follows the model's origin.
+	ParticleAttachment_t eType = ParticleAttachment_t( nAttachType );
+	if ( nAttachment < 0 && ( eType == PATTACH_POINT || eType == PATTACH_POINT_FOLLOW ) )
+		eType = PATTACH_ABSORIGIN_FOLLOW;
+	m_pParticleSystem->SetControlPointAttachment( nPoint, m_pPreviewModel.get(), eType, std::max( nAttachment, 0 ), vOffset, angOffset );
+	return true;
 }
 
 void CQParticlePreview::UpdateStatusIndicators()
@@ -371,6 +378,11 @@ void CQParticlePreview::OnControlPointListChanged( const ZolEvent_ControlPointLi
 }
 
 void CQParticlePreview::OnControlPointValueChanged( const ZolEvent_ControlPointValueChanged_t & )
+{
+	ApplyControlPoints();
+}
+
+void CQParticlePreview::OnNamedValueChanged( const ZolEvent_NamedValueChanged_t & )
 {
 	ApplyControlPoints();
 }
@@ -460,6 +472,9 @@ CToolSceneAxis *CQParticlePreview::FindControlPointAxis( int nPoint ) const
 
 void CQParticlePreview::OnParticleSystemRestarted( CToolSceneParticleSystem * )
 {
+	// The node keeps its own control points across a restart; what the state sets on the
+	// collection itself (named values) goes to the new one.
+	ApplyControlPoints();
 }
 
 // ---------------------------------------------------------------------------------------

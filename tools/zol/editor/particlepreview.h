@@ -15,6 +15,7 @@
 #include "tools/toolscene/toolscene.h"
 #include "tools/toolutils2/inputbind/bindtarget.h"
 #include "tools/toolutils2/toolevents/tooleventmapregistrationhelper.h"
+#include "zoldoc_lib/izolpreviewtarget.h"
 #include "zoldoc_lib/zolevents.h"
 
 class CQToolSceneWidget;
@@ -34,7 +35,7 @@ class QToolButton;
 constexpr int PARTICLE_DETAIL_LEVEL_COUNT = 4;
 const char *GetParticleDetailLevelName( int nLevel );
 
-class CQParticlePreview : public QWidget, public IBindTarget, public IToolSceneParticleListener
+class CQParticlePreview : public QWidget, public IBindTarget, public IToolSceneParticleListener, public IZolPreviewTarget
 {
 	Q_OBJECT
 
@@ -74,6 +75,15 @@ public:
 	void HideGizmo();
 	// IToolSceneParticleListener
 	void OnParticleSystemRestarted( CToolSceneParticleSystem *pSystem ) override;
+	// IZolPreviewTarget: the session's control point state, on the particle node and the
+	// preview model.
+	bool HasRunningCollection() const override;
+	void SetCollectionControlPoint( int nPoint, const Vector &vPosition, const QAngle &angles ) override;
+	void SetCollectionNamedValue( const ParticleParamID_t &key, const CPulseValueFullType &type, const KeyValues3 &value ) override;
+	void ClearControlPointBinding( int nPoint ) override;
+	void SetNodeControlPoint( int nPoint, const Vector &vPosition, const QAngle &angles ) override;
+	bool BindControlPointToModel( int nPoint, const char *pModelName, bool bSearchChildModels, int nAttachType, const char *pAttachmentName, const Vector &vOffset,
+		const QAngle &angOffset ) override;
 
 	static constexpr const char *NO_RESOURCE_MESSAGE = "(Cannot preview - no valid asset / resource name.)";
 
@@ -94,14 +104,12 @@ private:
 	void OnControlPointListChanged( const ZolEvent_ControlPointListChanged_t &event );
 	void OnControlPointValueChanged( const ZolEvent_ControlPointValueChanged_t &event );
 	void OnPreviewStateChanged( const ZolEvent_PreviewStateChanged_t &event );
+	void OnNamedValueChanged( const ZolEvent_NamedValueChanged_t &event );
 	void SetSession( CZolSession *pSession );
 	void CopyRestartTimesToSystem();
 	void UpdateStatusIndicators();
 	void UpdateInformationText();
 	void UpdateControlPointAxes();
-	// The preview state of the session's current configuration, or null.
-	const KeyValues3 *FindPreviewState() const;
-	const KeyValues3 *FindCurrentConfiguration() const;
 
 	CToolScene m_Scene;
 	CQToolSceneWidget *m_pSceneWidget = nullptr;

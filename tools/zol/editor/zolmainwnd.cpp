@@ -20,6 +20,7 @@
 #include "tools/zol/editor/particlepreview.h"
 #include "tools/zol/editor/zolapp.h"
 #include "tools/zol/editor/zolsession.h"
+#include "zoldoc_lib/zolnamedvaluecontext.h"
 #include "zoldoc_lib/zoldoc.h"
 
 static constexpr int DOCK_MINIMUM_SIZE = 100;
@@ -49,6 +50,9 @@ static QLabel *MakePanelPlaceholder( const char *pText )
 	return pLabel;
 }
 
+// The panels that hold the variable context go with their docks, after it.
+CQZolMainWnd::~CQZolMainWnd() = default;
+
 void CQZolMainWnd::CreateChildren()
 {
 	setDockNestingEnabled( true );
@@ -61,8 +65,10 @@ void CQZolMainWnd::CreateChildren()
 	m_pUndoHistoryWidget = new CQUndoHistoryWidget();
 	m_pPropertyDock = MakeDock( "Properties", "ZOL2_PropertyDock", MakePanelPlaceholder( "Properties" ), 300, 500 );
 	m_pAssetPaneDock = MakeDock( "Current assets", "ZOL2_AssetPaneDock", MakePanelPlaceholder( "Current assets" ), 500, 500 );
-	// The function list gets the named value context with the property panel.
-	m_pFunctionList = new CQParticleFunctionList( nullptr );
+	// The function list adds variables through the context of the shown session; the
+	// property panel's domain will answer for both.
+	m_pVariableContext = std::make_unique<CZolNamedValueContext>( nullptr, nullptr );
+	m_pFunctionList = new CQParticleFunctionList( m_pVariableContext.get() );
 	m_pFunctionDock = MakeDock( "Functions", "ZOL2_FunctionDock", m_pFunctionList, 300, 500 );
 	RegisterParticleSystemThumbnails();
 	m_pControlsDock = MakeDock( "Controls", "ZOL2_PreviewControlsDock", MakePanelPlaceholder( "Controls" ), 500, 500 );
@@ -219,6 +225,7 @@ void CQZolMainWnd::RunFrame()
 
 void CQZolMainWnd::SessionActivated( CZolSession *, CZolSession *pNew )
 {
+	m_pVariableContext->SetSource( pNew, pNew ? pNew->GetControlPointState() : nullptr );
 	{
 		const QSignalBlocker blocker( m_pFunctionList );
 		m_pFunctionList->SetSession( pNew );
@@ -259,6 +266,8 @@ void CQZolMainWnd::OnSessionFileChanged( CZolSession *pSession )
 void CQZolMainWnd::ForgetSession( CZolSession *pSession )
 {
 	m_pFunctionList->ForgetSession( pSession );
+	if ( pSession && m_pVariableContext->GetSource() == pSession )
+		m_pVariableContext->SetSource( nullptr, nullptr );
 	if ( pSession && m_SessionTarget.GetTarget() == pSession )
 	{
 		m_SessionTarget.SetTarget( nullptr );

@@ -4,11 +4,14 @@
 // current session to each panel. All sessions share the one preview in the middle, so
 // they make no sub-windows and the preview takes the multi-document area's place.
 
+#include <memory>
+
 #include "tools/toolutils2/inputbind/bindtarget.h"
 #include "tools/toolutils2/widgets/baseeditorwnd/baseeditormdiwnd.h"
 
 class CQParticleFunctionList;
 class CQParticlePreview;
+class CZolNamedValueContext;
 class CQUndoHistoryWidget;
 class CZolSession;
 class QDockWidget;
@@ -21,6 +24,7 @@ class CQZolMainWnd : public CQBaseEditorMdiWnd
 
 public:
 	explicit CQZolMainWnd( QWidget *pParent = nullptr );
+	~CQZolMainWnd() override;
 
 	void RunFrame();
 	// Frames run so far; the panels that follow time read it.
@@ -76,6 +80,8 @@ private:
 	QDockWidget *m_pUndoDock = nullptr;
 	QStatusBar *m_pStatusBar = nullptr;
 	CQParticleFunctionList *m_pFunctionList = nullptr;
+	// The variables around the shown session, for the panels that add or pick variables.
+	std::unique_ptr<CZolNamedValueContext> m_pVariableContext;
 	QDockWidget *m_pPropertyDock = nullptr;
 	QMenu *m_pViewMenu = nullptr;
 	QMenu *m_pEditMenu = nullptr;
