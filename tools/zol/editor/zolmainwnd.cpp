@@ -17,6 +17,7 @@
 #include "tools/widgets/assetthumbnail.h"
 #include "tools/zol/editor/functionlist/particlefunctionlist.h"
 #include "tools/zol/editor/functionlist/particlesystemthumbnail.h"
+#include "tools/zol/editor/particlepreview.h"
 #include "tools/zol/editor/zolapp.h"
 #include "tools/zol/editor/zolsession.h"
 #include "zoldoc_lib/zolnamedvaluecontext.h"
@@ -57,9 +58,9 @@ void CQZolMainWnd::CreateChildren()
 	setDockNestingEnabled( true );
 	setAnimated( false );
 
-	m_pPreviewPlaceholder = MakePanelPlaceholder( "Preview" );
-	m_pPreviewPlaceholder->setMinimumSize( 320, 240 );
-	ReplaceMdiArea( m_pPreviewPlaceholder );
+	m_pPreview = new CQParticlePreview();
+	m_pPreview->setMinimumSize( 320, 240 );
+	ReplaceMdiArea( m_pPreview );
 
 	m_pUndoHistoryWidget = new CQUndoHistoryWidget();
 	m_pPropertyDock = MakeDock( "Properties", "ZOL2_PropertyDock", MakePanelPlaceholder( "Properties" ), 300, 500 );
@@ -218,6 +219,8 @@ void CQZolMainWnd::UpdateEditMenu()
 void CQZolMainWnd::RunFrame()
 {
 	++m_nFrameCount;
+	if ( m_pPreview )
+		m_pPreview->Update();
 }
 
 void CQZolMainWnd::SessionActivated( CZolSession *, CZolSession *pNew )
