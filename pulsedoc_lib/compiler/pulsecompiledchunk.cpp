@@ -253,10 +253,13 @@ bool CCompiledChunk::CompileInparams( const CPulseSequencePoint *pPoint, const C
 			continue;
 		if ( pInflow && !pInparam->m_AssociatedInflow.IsEmpty() && !( pInparam->m_AssociatedInflow == pInflow ) )
 			continue;
+		int nErrors = m_pContext->GetMessages()->GetErrorCount();
 		uint16_t nRegister = pInparam->CompileToRegister( pPoint, this );
 		if ( nRegister == PULSE_INVALID_REGISTER )
 		{
-			m_pContext->ReportError( pNode, "Unable to allocate register for inparam: %s", pInparam->GetName() );
+			// Said only when nothing more telling was.
+			if ( m_pContext->GetMessages()->GetErrorCount() == nErrors )
+				m_pContext->ReportError( pNode, "Unable to allocate register for inparam: %s", pInparam->GetName() );
 			bOk = false;
 			continue;
 		}

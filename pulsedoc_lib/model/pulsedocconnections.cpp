@@ -1,6 +1,7 @@
 #include "pulsedoc_lib/model/pulsedocconnections.h"
 
 #include "pulsedoc_lib/model/pulsedoc.h"
+#include "pulsedoc_lib/model/pulsedocbasicnodes.h"
 #include "pulsedoc_lib/model/pulsedocload.h"
 #include "pulsedoc_lib/model/pulsedocmessages.h"
 #include "pulsedoc_lib/model/pulseports.h"
@@ -60,6 +61,8 @@ void CPulseDoc_Connection_Inparam::Validate( CPulseDocMessages *pMessages ) cons
 		pMessages->Error( this, "Destination %s: Inparam source node not found: %d", parent.Get(), m_nSourceNode );
 		return;
 	}
+	if ( dynamic_cast<const CPulseDoc_UnknownFallback *>( pSource ) )
+		return;
 	if ( !pSource->FindOutparam( m_SourceOutparamName.Get() ) )
 		pMessages->Error( this, "Destination %s: Outparam '%s' doesn't exist on source %s", parent.Get(), m_SourceOutparamName.Get(), pSource->DescribeForErrors().Get() );
 }
@@ -132,6 +135,9 @@ void CPulseDoc_Connection_Outflow::Validate( CPulseDocMessages *pMessages ) cons
 		pMessages->Error( this, "Connection on %s: Outflow destination node not found: %d", parent.Get(), m_nDestFlowNodeID );
 		return;
 	}
+	// A node of a class this build doesn't know says so itself.
+	if ( dynamic_cast<const CPulseDoc_UnknownFallback *>( pDest ) )
+		return;
 	if ( !FindDestInflow() )
 		pMessages->Error( this, "Connection on %s: Destination inflow '%s' doesn't exist on destination %s", parent.Get(), m_DestInflowName.Get(),
 						  pDest->DescribeForErrors().Get() );

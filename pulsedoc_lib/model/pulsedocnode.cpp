@@ -75,10 +75,7 @@ CPulseDocNode *CreateChild( const KeyValues3 &table, CPulseDocLoadContext *pCont
 	}
 	if ( CPulseDocNode *pNode = PulseDoc_CreateNode( pClassName ) )
 		return pNode;
-	if ( !*pClassName )
-		pContext->m_pMessages->Warning( pParent, "A child of %s has no _class; replacing it with 'CPulseDoc_UnknownFallback'", pParent->DescribeForErrors().Get() );
-	else
-		pContext->m_pMessages->Warning( pParent, "Missing document node '%s', replacing with 'CPulseDoc_UnknownFallback'", pClassName );
+	( void )pParent;
 	return new CPulseDoc_UnknownFallback;
 }
 } // namespace
@@ -141,6 +138,9 @@ void CPulseDocNode::LoadKV3( const KeyValues3 &table, CPulseDocLoadContext *pCon
 				m_Children.emplace_back( pChild );
 				pChild->m_pParent = this;
 				pChild->LoadKV3( *pChildTable, pContext );
+				if ( auto *pUnknown = dynamic_cast<CPulseDoc_UnknownFallback *>( pChild ) )
+					pContext->m_pMessages->Warning( pUnknown, "Missing document node '%s', replacing with 'CPulseDoc_UnknownFallback'",
+													*pUnknown->GetMissingClassName() ? pUnknown->GetMissingClassName() : "(no _class)" );
 			}
 			--pContext->m_nDepth;
 		}

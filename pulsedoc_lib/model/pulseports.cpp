@@ -352,10 +352,8 @@ void CPulseOutflowPort::Validate( CPulseDocMessages *pMessages ) const
 			continue;
 		auto *pDest = dynamic_cast<const CPulseDoc_BaseFlow *>( pConnection->FindDestNode() );
 		const CPulseInflowPort *pInflow = pConnection->FindDestInflow();
-		if ( !pDest || !pInflow )
-			pMessages->Error( m_pOwner, "Node Outflow %s (\"%s\") failed to find connection to Node #%d inflow '%s'", owner.Get(), m_Name.Get(),
-							  pConnection->m_nDestFlowNodeID, pConnection->m_DestInflowName.Get() );
-		else if ( !pDest->GetInflowEntry( pInflow ) )
+		// A target that isn't there is the connection's to report.
+		if ( pDest && pInflow && !pDest->GetInflowEntry( pInflow ) )
 			pMessages->Error( m_pOwner, "Node Outflow %s (\"%s\") connection to Node #%d inflow '%s' not allowed (not accessible)", owner.Get(), m_Name.Get(),
 							  pConnection->m_nDestFlowNodeID, pInflow->GetName() );
 	}

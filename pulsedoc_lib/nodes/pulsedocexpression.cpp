@@ -151,9 +151,16 @@ bool CPulseDoc_Value_Expression::Build()
 	CUtlString error;
 	if ( !expr.Parse( m_ExprText.Get(), &error, GENERIC_EXPR_ALLOW_DOLLAR_NAMES ) || !expr.HasTree() )
 	{
-		while ( !error.IsEmpty() && error.Storage().back() == '\n' )
-			error.Storage().pop_back();
-		m_BadParseExprString = error.IsEmpty() ? CUtlString( "No expression!" ) : error;
+		// The parser's first report, where it points.
+		size_t nLineEnd = error.Storage().find( '\n' );
+		if ( nLineEnd != std::string::npos )
+			error.Storage().resize( nLineEnd );
+		if ( error.IsEmpty() )
+			m_BadParseExprString.Set( "No expression!" );
+		else if ( expr.GetErrorOffset() >= 0 )
+			m_BadParseExprString.Format( "%s (at character %d)", error.Get(), expr.GetErrorOffset() + 1 );
+		else
+			m_BadParseExprString = error;
 		return false;
 	}
 	// Names first: each is an input of this node ("$name") or a variable of the graph.
