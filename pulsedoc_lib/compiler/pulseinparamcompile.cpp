@@ -19,10 +19,6 @@ uint16_t CBasePulseInparamPort::CompileToRegister( const CPulseSequencePoint *pP
 	CPulseCompileContext *pContext = pChunk->GetContext();
 	const CPulseValueFullType type = GetType();
 	PulseValueSource_t eSource = m_eSource;
-	// An input the file says nothing about reads its connection when it has one.
-	if ( eSource == PULSE_VALUE_SOURCE_LITERAL && !m_bStored && !m_pInternalSource && FindConnection() )
-		eSource = PULSE_VALUE_SOURCE_PORT;
-
 	uint16_t nRegister = PULSE_INVALID_REGISTER;
 	switch ( eSource )
 	{

@@ -216,7 +216,12 @@ void CBasePulseInparamPort::LoadKV3( const KeyValues3 *pValue, CPulseDocLoadCont
 	m_bStored = pValue != nullptr;
 	CBasePulsePort::LoadKV3( pValue, pContext );
 	if ( !pValue )
+	{
+		// An input the file says nothing about reads its connection when it has one.
+		if ( FindConnection() )
+			m_eSource = PULSE_VALUE_SOURCE_PORT;
 		return;
+	}
 	if ( !pValue->IsTable() )
 	{
 		// The literal in short: "pText = "hello"".

@@ -98,10 +98,7 @@ CPulseValueFullType PulseDoc_GetInputValueType( const CBasePulseInparamPort &por
 		~Guard_t() { --t_nTypeDepth; }
 	} guard;
 	CPulseDoc *pDoc = port.GetOwner() ? port.GetOwner()->GetDoc() : nullptr;
-	PulseValueSource_t eSource = port.GetValueSource();
-	if ( eSource == PULSE_VALUE_SOURCE_LITERAL && !port.WasStored() && !port.GetInternalSourceNode() && port.FindConnection() )
-		eSource = PULSE_VALUE_SOURCE_PORT;
-	switch ( eSource )
+	switch ( port.GetValueSource() )
 	{
 	case PULSE_VALUE_SOURCE_LITERAL:
 	case PULSE_VALUE_SOURCE_DOMAIN_VALUE: return LiteralType( port.GetLiteralValue() );
