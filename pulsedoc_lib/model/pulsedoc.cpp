@@ -110,7 +110,11 @@ bool CPulseDoc::LoadKV3( const KeyValues3 &root, CPulseDocMessages *pMessages, I
 	context.m_pMessages = pMessages;
 	context.m_pDescriptions = m_pDescriptions;
 	context.m_pCallbacks = pCallbacks;
-	m_LeadingComment.Clear();
+	// Load callbacks reload this same document (undo, redo): the comment of its file stays,
+	// and listeners hear of the undo rather than of a new document.
+	const bool bReload = pCallbacks != nullptr;
+	if ( !bReload )
+		m_LeadingComment.Clear();
 	m_pRoot->LoadKV3( root, &context );
 	m_pRoot->SetDocRecursive( this );
 	RebuildNodeTable( pMessages );
@@ -119,7 +123,8 @@ bool CPulseDoc::LoadKV3( const KeyValues3 &root, CPulseDocMessages *pMessages, I
 	for ( CPulseDocNode *pNode : nodes )
 		pNode->OnDocumentLoaded( pMessages );
 	SetTopologyDirty();
-	NotifyChanged( PULSE_DOC_CHANGE_LOADED );
+	if ( !bReload )
+		NotifyChanged( PULSE_DOC_CHANGE_LOADED );
 	return true;
 }
 

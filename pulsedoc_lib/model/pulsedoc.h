@@ -63,6 +63,8 @@ public:
 	// carry warnings about what it held.
 	bool LoadText( const char *pText, size_t nLength, CPulseDocMessages *pMessages );
 	bool LoadFile( const char *pPath, CPulseDocMessages *pMessages );
+	// With load callbacks it is a reload of this document (undo, redo): the file's comment
+	// stays and no "loaded" change is told.
 	bool LoadKV3( const KeyValues3 &root, CPulseDocMessages *pMessages, IPulseEditorLoadCallbacks *pCallbacks = nullptr );
 	// Saving: the root's table; the text adds the header and the leading comment lines of
 	// the file it came from, so an unchanged file saves to the same bytes.
