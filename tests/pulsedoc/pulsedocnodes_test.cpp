@@ -159,6 +159,15 @@ std::vector<FamilyCase_t> FamilyCases()
 		  MainRunning( LogOf( 3, 4 ) ) + Expression( 4, "\"\" + (17 / 5) + \" \" + (17 % 5) + \" \" + (2 - 9) * 3" ), { "3.4 2 -21" } },
 		{ "FloatArithmeticAndMixedOperands",
 		  MainRunning( LogOf( 3, 4 ) ) + Expression( 4, "\"\" + 1.5 * 4 + \" \" + (7 / 2.0) + \" \" + (3 > 2.5)" ), { "6 3.5 true" } },
+		{ "LogicAndTheConditional",
+		  IntVariable( 10, "lives", 0 ) + MainRunning( LogOf( 3, 4 ) ) +
+			  Expression( 4, "(lives <= 0 && !false ? \"over\" : \"on\") + \" \" + (lives > 0 || 2 >= 2) + \" \" + (1 == 1.0) + \" \" + -lives" ),
+		  { "over true true 0" } },
+		{ "LibraryFunctionAndCopy",
+		  MainRunning( LogOf( 3, 4 ) ) + R"({ _class = "CPulseDoc_Value_Generic" m_NodeID = 5 m_GenericNodeType = "CPulseTestScriptLib::IsInTestMode" },)" +
+			  R"({ _class = "CPulseDoc_Value_Copy" m_NodeID = 6 m_Children = [ )" + Inparam( 5, "retval", "value" ) + R"( ] m_Arg = { m_ValueSource = "port" } },)" +
+			  Expression( 4, "\"test mode \" + $t", { { "$t", 6, "retval" } } ),
+		  { "test mode false" } },
 		{ "ConstantsAndVariableValues",
 		  IntVariable( 10, "lives", 3 ) +
 			  R"({ _class = "CPulseDoc_ConstantDefinition" m_NodeID = 11 m_Name = "BONUS" m_Value = { m_Type = "PVAL_INT" m_Value = 100 } },)" +
