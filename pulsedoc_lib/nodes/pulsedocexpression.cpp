@@ -58,6 +58,17 @@ CUtlString TypeList( const std::vector<CPulseValueFullType> &types )
 	}
 	return text;
 }
+// The expression as messages quote it: a long text is cut, so the reason after it is
+// never lost to the length limit of a message.
+CUtlString QuotedForMessage( const CUtlString &text )
+{
+	constexpr size_t MAX_QUOTED = 200;
+	if ( text.Length() <= MAX_QUOTED )
+		return text;
+	CUtlString quoted;
+	quoted.Format( "%.*s...", int( MAX_QUOTED ), text.Get() );
+	return quoted;
+}
 } // namespace
 
 CPulseDoc_Value_Expression::CPulseDoc_Value_Expression()
@@ -420,7 +431,7 @@ void CPulseDoc_Value_Expression::Validate( CPulseDocMessages *pMessages ) const
 {
 	CPulseDoc_BaseValue::Validate( pMessages );
 	if ( !m_BadParseExprString.IsEmpty() )
-		pMessages->Error( this, "Expression '%s': %s", m_ExprText.Get(), m_BadParseExprString.Get() );
+		pMessages->Error( this, "Expression '%s': %s", QuotedForMessage( m_ExprText ).Get(), m_BadParseExprString.Get() );
 }
 
 CPulseValueFullType CPulseDoc_Value_Expression::GetResultType() const
@@ -432,7 +443,7 @@ void CPulseDoc_Value_Expression::CompileValue( const CPulseSequencePoint *pPoint
 {
 	if ( !m_BadParseExprString.IsEmpty() )
 	{
-		pChunk->GetContext()->ReportError( this, "Expression '%s': %s", m_ExprText.Get(), m_BadParseExprString.Get() );
+		pChunk->GetContext()->ReportError( this, "Expression '%s': %s", QuotedForMessage( m_ExprText ).Get(), m_BadParseExprString.Get() );
 		return;
 	}
 	uint16_t nRegister = m_InternalInparam.CompileToRegister( pPoint, pChunk );

@@ -200,3 +200,39 @@ TEST_P( PulseDocFamilyTest, CompilesValidatesAndRuns )
 INSTANTIATE_TEST_SUITE_P( Families, PulseDocFamilyTest, testing::ValuesIn( FamilyCases() ),
 						  []( const testing::TestParamInfo<FamilyCase_t> &info ) { return std::string( info.param.m_pName ); } );
 } // namespace
+
+namespace
+{
+std::string Repeated( const std::string &term, const char *pJoin, int nCount )
+{
+	std::string text = term;
+	for ( int i = 1; i < nCount; ++i )
+		text += pJoin + term;
+	return text;
+}
+
+// The limits a big graph runs into are compile errors that say which, first.
+TEST( PulseDocCompileErrors, AChunkBeyondTheRuntimesRegisterOffsetsIsRefused )
+{
+	std::string steps, values;
+	for ( int i = 0; i < 120; ++i )
+	{
+		steps += LogOf( 1000 + i, 2000 + i );
+		values += Expression( 2000 + i, Repeated( "\"ab\"", " + ", 150 ) );
+	}
+	std::unique_ptr<PulseDocCompiled_t> pCompiled = CompilePulseDocText( PulseDocText( MainRunning( steps ) + values ) );
+	EXPECT_FALSE( pCompiled->m_bCompiled );
+	EXPECT_FALSE( pCompiled->m_Result.m_bGenerated );
+	ASSERT_FALSE( pCompiled->m_Messages.GetMessages().empty() );
+	const std::string first = pCompiled->m_Messages.GetMessages().front().ToText().Get();
+	EXPECT_NE( first.find( "Chunk 0 needs more than 65535 bytes of registers; the runtime's offsets reach no further" ), std::string::npos ) << first;
+}
+
+TEST( PulseDocCompileErrors, ALongExpressionKeepsTheReasonInItsMessage )
+{
+	std::unique_ptr<PulseDocCompiled_t> pCompiled =
+		CompilePulseDocText( PulseDocText( MainRunning( LogOf( 3, 4 ) ) + Expression( 4, Repeated( "\"ab\"", " + ", 400 ) ) ) );
+	EXPECT_FALSE( pCompiled->m_bCompiled );
+	EXPECT_NE( pCompiled->Messages().find( "...': Expression nested deeper than 256 levels" ), std::string::npos ) << pCompiled->Messages().substr( 0, 300 );
+}
+} // namespace
