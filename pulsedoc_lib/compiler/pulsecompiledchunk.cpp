@@ -105,13 +105,15 @@ uint16_t CCompiledChunk::AllocRegister( const CPulseValueFullType &type, const c
 	}
 	m_nRegisterBytes = nOffset + PulseValue_GetSize( type );
 	uint16_t nRegister = uint16_t( m_Registers.size() );
+	// The type may be another register's (a copy of a register): taken before the list grows.
+	CPulseValueFullType registerType( type );
 	CPulse_RegisterInfo &info = m_Registers.emplace_back();
 	info.m_nReg = PulseRuntimeRegisterIndex_t( nRegister );
-	info.m_Type = type;
+	info.m_Type = registerType;
 	info.m_OriginName.Set( pName );
 	info.m_nWrittenByInstruction = nWrittenBy;
 	// While a value scope is open, arrays (or every register) are its temporaries.
-	if ( m_Scope.m_nDepth > 0 && m_Scope.m_nEnd < 0 && ( type.IsArray() || m_pContext->GetOptions().m_bEveryRegisterIsTemporary ) )
+	if ( m_Scope.m_nDepth > 0 && m_Scope.m_nEnd < 0 && ( registerType.IsArray() || m_pContext->GetOptions().m_bEveryRegisterIsTemporary ) )
 	{
 		if ( m_Scope.m_TemporarySet.insert( nRegister ).second )
 			m_Scope.m_Temporaries.push_back( nRegister );

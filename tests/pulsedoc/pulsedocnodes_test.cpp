@@ -163,11 +163,12 @@ std::vector<FamilyCase_t> FamilyCases()
 		  IntVariable( 10, "lives", 0 ) + MainRunning( LogOf( 3, 4 ) ) +
 			  Expression( 4, "(lives <= 0 && !false ? \"over\" : \"on\") + \" \" + (lives > 0 || 2 >= 2) + \" \" + (1 == 1.0) + \" \" + -lives" ),
 		  { "over true true 0" } },
+		// `zol pulse run` runs a graph in test mode.
 		{ "LibraryFunctionAndCopy",
 		  MainRunning( LogOf( 3, 4 ) ) + R"({ _class = "CPulseDoc_Value_Generic" m_NodeID = 5 m_GenericNodeType = "CPulseTestScriptLib::IsInTestMode" },)" +
 			  R"({ _class = "CPulseDoc_Value_Copy" m_NodeID = 6 m_Children = [ )" + Inparam( 5, "retval", "value" ) + R"( ] m_Arg = { m_ValueSource = "port" } },)" +
 			  Expression( 4, "\"test mode \" + $t", { { "$t", 6, "retval" } } ),
-		  { "test mode false" } },
+		  { "test mode true" } },
 		{ "ConstantsAndVariableValues",
 		  IntVariable( 10, "lives", 3 ) +
 			  R"({ _class = "CPulseDoc_ConstantDefinition" m_NodeID = 11 m_Name = "BONUS" m_Value = { m_Type = "PVAL_INT" m_Value = 100 } },)" +

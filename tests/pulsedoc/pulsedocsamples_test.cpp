@@ -10,52 +10,20 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
-#include <sstream>
 
 #include "pulse_runtime_lib/graph/pulsegraphbinder.h"
 #include "pulsedoctest.h"
+#include "tests/support/pulseexpectedrun.h"
 
 namespace
 {
 namespace fs = std::filesystem;
 
-struct ExpectedDoc_t
-{
-	std::string m_Name;
-	std::vector<std::string> m_Command; // after "zol pulse"
-	std::vector<std::string> m_Lines;
-};
-
-ExpectedDoc_t ReadExpected( const fs::path &path )
-{
-	ExpectedDoc_t expected;
-	expected.m_Name = path.filename().string();
-	std::ifstream file( path );
-	std::string line;
-	while ( std::getline( file, line ) )
-	{
-		if ( line.rfind( "# zol pulse ", 0 ) == 0 )
-		{
-			std::istringstream words( line.substr( 12 ) );
-			for ( std::string word; words >> word; )
-				expected.m_Command.push_back( word );
-		}
-		else
-			expected.m_Lines.push_back( line );
-	}
-	return expected;
-}
+using ExpectedDoc_t = ExpectedPulseRun_t;
 
 std::vector<ExpectedDoc_t> AllExpected( const char *pExtension )
 {
-	std::vector<ExpectedDoc_t> all;
-	for ( const auto &entry : fs::directory_iterator( PulseDocTestSourceDir() + "/tests/pulsedoc/expected" ) )
-	{
-		if ( entry.path().extension() == pExtension )
-			all.push_back( ReadExpected( entry.path() ) );
-	}
-	std::sort( all.begin(), all.end(), []( const ExpectedDoc_t &a, const ExpectedDoc_t &b ) { return a.m_Name < b.m_Name; } );
-	return all;
+	return AllExpectedPulseRuns( PulseDocTestSourceDir() + "/tests/pulsedoc/expected", pExtension );
 }
 
 std::vector<std::string> AllDocuments()
@@ -83,26 +51,6 @@ std::string NameOf( const std::string &text )
 	return name;
 }
 
-// The run options of a command line, as `zol pulse run` reads them.
-PulseRunOptions_t ParseOptions( const std::vector<std::string> &command )
-{
-	PulseRunOptions_t options;
-	for ( size_t i = 2; i + 1 < command.size(); i += 2 )
-	{
-		const std::string &option = command[ i ], &value = command[ i + 1 ];
-		if ( option == "--method" || option == "--event" )
-			options.m_Requests.push_back( { option == "--method" ? PulseRunRequest_t::METHOD : PulseRunRequest_t::EVENT, CUtlString( value.c_str() ), {} } );
-		else if ( option == "--arg" && !options.m_Requests.empty() )
-		{
-			size_t nEquals = value.find( '=' );
-			options.m_Requests.back().m_Args.emplace_back( CUtlString( value.substr( 0, nEquals ).c_str() ), CUtlString( value.substr( nEquals + 1 ).c_str() ) );
-		}
-		else if ( option == "--seconds" )
-			options.m_flSeconds = std::stod( value );
-	}
-	return options;
-}
-
 class PulseDocRunTest : public testing::TestWithParam<ExpectedDoc_t>
 {
 };
@@ -111,7 +59,7 @@ TEST_P( PulseDocRunTest, RunsAndLogsTheExpectedLines )
 {
 	const ExpectedDoc_t &expected = GetParam();
 	ASSERT_GE( expected.m_Command.size(), 2u );
-	EXPECT_EQ( RunPulseDoc( ReadFile( expected.m_Command[ 1 ] ), ParseOptions( expected.m_Command ) ), expected.m_Lines );
+	EXPECT_EQ( RunPulseDoc( ReadFile( expected.m_Command[ 1 ] ), PulseRunOptionsOf( expected.m_Command ) ), expected.m_Lines );
 }
 
 INSTANTIATE_TEST_SUITE_P( Documents, PulseDocRunTest, testing::ValuesIn( AllExpected( ".out" ) ),
