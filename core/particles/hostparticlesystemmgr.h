@@ -25,6 +25,7 @@ public:
 	const char *GetBehaviorVersionChange( int nVersion ) const override;
 	const char *GetParticleAttributeName( int nAttribute ) const override;
 	void GetFunctionInfo( const KeyValues3 *pFunction, ParticleFunctionInfo_t *pInfo ) const override;
+	void GetFunctionControlPointUsage( const KeyValues3 *pFunction, CUtlVector<HostControlPointUsage_t> *pUsage ) const override;
 
 	// The schema class of a function list entry; null out of range.
 	const CSchemaClassInfo *GetFunctionClass( ParticleFunctionType_t eType, int nIndex ) const;
