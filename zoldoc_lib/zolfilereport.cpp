@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstdarg>
-#include <cstdio>
 #include <cstring>
 #include <vector>
 
@@ -15,14 +14,8 @@ void CZolFileReport::Add( const char *pFile, ZolFindingSeverity_t eSeverity, con
 	finding.m_eSeverity = eSeverity;
 	va_list args;
 	va_start( args, pFormat );
-	va_list measure;
-	va_copy( measure, args );
-	const int nLength = vsnprintf( nullptr, 0, pFormat, measure );
-	va_end( measure );
-	std::vector<char> text( size_t( nLength > 0 ? nLength : 0 ) + 1, '\0' );
-	vsnprintf( text.data(), text.size(), pFormat, args );
+	finding.m_Text.FormatV( pFormat, args );
 	va_end( args );
-	finding.m_Text.Set( text.data() );
 }
 
 int CZolFileReport::GetCount( ZolFindingSeverity_t eSeverity ) const

@@ -83,13 +83,6 @@ void RemoveFieldsOutsideVersion( KeyValues3 *pTable, const char *pSchemaClass, c
 	}
 }
 
-// "Operators #6 Noise Scalar (simplex noise)": list, place from 1, friendly name.
-CUtlString DescribeFunction( ParticleFunctionType_t eType, int nIndex, const char *pClass )
-{
-	CUtlString text;
-	text.Format( "%s #%d %s", GetDefinitionSectionTitle( eType ), nIndex + 1, GetParticleFunctionFriendlyName( pClass ) );
-	return text;
-}
 
 // The field stored under that key: by its own name, or by the name it is transferred under.
 const CSchemaClassField *FindFieldByKey( const CSchemaClassInfo *pClass, const char *pKey )
@@ -149,6 +142,13 @@ const char *GetParticleFunctionFriendlyName( const char *pClass )
 		}
 	}
 	return pClass;
+}
+
+CUtlString DescribeParticleFunction( int nType, int nIndex, const char *pClass )
+{
+	CUtlString text;
+	text.Format( "%s #%d %s", GetDefinitionSectionTitle( nType ), nIndex + 1, GetParticleFunctionFriendlyName( pClass ) );
+	return text;
 }
 
 bool IsFunctionValidForVersion( ParticleFunctionType_t eType, const char *pClass, int nVersion )
@@ -285,7 +285,7 @@ void SanitiseForVersion( CZolRootNode *pRoot, int nVersion, bool bKeepUnknownCla
 		for ( int i = pRoot->GetNodeCount( eType ) - 1; i >= 0; --i )
 		{
 			CBaseZolNode *pNode = pRoot->GetNode( eType, i );
-			CUtlString where = pChanges ? DescribeFunction( eType, i, pNode->GetClassName() ) : CUtlString();
+			CUtlString where = pChanges ? DescribeParticleFunction( eType, i, pNode->GetClassName() ) : CUtlString();
 			CUtlVector<CUtlString> nodeChanges;
 			const char *pReplacement = GetReplacementForVersion( eType, pNode->GetClassName(), nVersion );
 			if ( pReplacement && *pReplacement )

@@ -23,6 +23,10 @@ const CSchemaClassInfo *FindParticleFunctionSchemaClass( ParticleFunctionType_t 
 // The friendly name of the first class of that exact name in any list, or pClass itself.
 const char *GetParticleFunctionFriendlyName( const char *pClass );
 
+// A function as reports name it: "Operators #6 Noise Scalar (simplex noise)", its list,
+// its place counted from 1, its class's friendly name.
+CUtlString DescribeParticleFunction( int nType, int nIndex, const char *pClass );
+
 // A class of the type's list whose version limits admit nVersion.
 bool IsFunctionValidForVersion( ParticleFunctionType_t eType, const char *pClass, int nVersion );
 // "_class" always; a name no field of the class (or its bases) has never; else the field's
