@@ -115,12 +115,16 @@ void CZolReferenceNavigator::BuildParentIndex()
 
 IAsset *CZolReferenceNavigator::FindRoot( IAsset *pAsset )
 {
+	// A loop of parents ends at the system where it comes round: the one asked about, when
+	// it is part of the loop.
 	std::unordered_set<IAsset *> seen{ pAsset };
 	for ( ;; )
 	{
 		auto it = m_FirstParent.find( pAsset );
-		if ( it == m_FirstParent.end() || !seen.insert( it->second ).second )
+		if ( it == m_FirstParent.end() )
 			return pAsset;
+		if ( !seen.insert( it->second ).second )
+			return it->second;
 		pAsset = it->second;
 	}
 }

@@ -106,7 +106,8 @@ public:
 	int GetDiskReadCount() const { return m_nDiskReads; }
 
 	// The top-level system above an asset: up through the first parent of the same type
-	// until one has none (a loop of parents ends where it comes round).
+	// until one has none (a loop of parents ends where it comes round, so a system in a
+	// loop is its own top).
 	IAsset *FindRoot( IAsset *pAsset );
 
 	// "CP3" for a control point.

@@ -38,11 +38,14 @@ const CZolDoc *WorkingCopy( const CZolVariableConversionPlan &plan, IAsset *pAss
 	return pRecord ? pRecord->m_pWorkingCopy.get() : nullptr;
 }
 
-// An input read from its field: with the transfer's limits, its reports as errors.
+// An input read from its field, with the transfer's limits; a missing field is the
+// input's defaults, which read what they read as much as a written one. Reports are errors.
 template <typename Input> bool LoadInput( Input *pInput, const KeyValues3 *pOld, const CZolNodeLinkContext *pContext, CErrorMessageList *pMessages )
 {
 	CUtlString error;
-	if ( LoadKV3ObjectInPlace( pInput, pOld, &error ) )
+	KeyValues3 defaults;
+	defaults.SetToEmptyTable();
+	if ( LoadKV3ObjectInPlace( pInput, pOld ? pOld : &defaults, &error ) )
 		return true;
 	pMessages->Report( ERROR_SEVERITY_ERROR, pContext, "%s", error.Get() );
 	return false;
@@ -184,8 +187,8 @@ int CConvertCPRead_FloatInput::ConvertKeys( int nControlPoint, const char *pVari
 	CErrorMessageList *pMessages )
 {
 	CParticleFloatInput input;
-	if ( !pOld || !LoadInput( &input, pOld, nullptr, pMessages ) )
-		return pOld ? ZOL_STEP_FAILED : ZOL_STEP_NOT_APPLICABLE;
+	if ( !LoadInput( &input, pOld, nullptr, pMessages ) )
+		return ZOL_STEP_FAILED;
 	if ( input.m_nType != PF_TYPE_CONTROL_POINT_COMPONENT || input.m_nControlPoint != nControlPoint )
 		return ZOL_STEP_NOT_APPLICABLE;
 	if ( !DoesZolVariableTypeFit( PVAL_FLOAT, type.GetBaseType() ) )
@@ -200,8 +203,8 @@ int CConvertCPRead_VecInput::ConvertKeys( int nControlPoint, const char *pVariab
 	CErrorMessageList *pMessages )
 {
 	CParticleVecInput input;
-	if ( !pOld || !LoadInput( &input, pOld, nullptr, pMessages ) )
-		return pOld ? ZOL_STEP_FAILED : ZOL_STEP_NOT_APPLICABLE;
+	if ( !LoadInput( &input, pOld, nullptr, pMessages ) )
+		return ZOL_STEP_FAILED;
 	if ( input.m_nType != PVEC_TYPE_CP_VALUE || input.m_nControlPoint != nControlPoint )
 		return ZOL_STEP_NOT_APPLICABLE;
 	if ( !DoesZolVariableTypeFit( PVAL_VEC3, type.GetBaseType() ) )
@@ -217,8 +220,8 @@ int CConvertCPRead_TransformInput::ConvertKeys( int nControlPoint, const char *p
 	CErrorMessageList *pMessages )
 {
 	CParticleTransformInput input;
-	if ( !pOld || !LoadInput( &input, pOld, nullptr, pMessages ) )
-		return pOld ? ZOL_STEP_FAILED : ZOL_STEP_NOT_APPLICABLE;
+	if ( !LoadInput( &input, pOld, nullptr, pMessages ) )
+		return ZOL_STEP_FAILED;
 	if ( input.m_nType != PT_TYPE_CONTROL_POINT || input.m_nControlPoint != nControlPoint )
 		return ZOL_STEP_NOT_APPLICABLE;
 	if ( !DoesZolVariableTypeFit( PVAL_TRANSFORM, type.GetBaseType() ) )
@@ -234,8 +237,8 @@ int CConvertCPRead_ModelInput::ConvertKeys( int nControlPoint, const char *pVari
 	CErrorMessageList *pMessages )
 {
 	CParticleModelInput input;
-	if ( !pOld || !LoadInput( &input, pOld, nullptr, pMessages ) )
-		return pOld ? ZOL_STEP_FAILED : ZOL_STEP_NOT_APPLICABLE;
+	if ( !LoadInput( &input, pOld, nullptr, pMessages ) )
+		return ZOL_STEP_FAILED;
 	if ( input.m_nType != PM_TYPE_CONTROL_POINT || input.m_nControlPoint != nControlPoint )
 		return ZOL_STEP_NOT_APPLICABLE;
 	if ( type.GetBaseType() == PVAL_PARTICLE_EHANDLE )
