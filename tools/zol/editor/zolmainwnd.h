@@ -4,10 +4,14 @@
 // current session to each panel. All sessions share the one preview in the middle, so
 // they make no sub-windows and the preview takes the multi-document area's place.
 
+#include <memory>
+
 #include "tools/toolutils2/inputbind/bindtarget.h"
 #include "tools/toolutils2/widgets/baseeditorwnd/baseeditormdiwnd.h"
 
 class CQParticleFunctionList;
+class CQZolPropertyWidget;
+class CZolKV3PropertyDomain;
 class CQUndoHistoryWidget;
 class CZolSession;
 class QDockWidget;
@@ -20,6 +24,7 @@ class CQZolMainWnd : public CQBaseEditorMdiWnd
 
 public:
 	explicit CQZolMainWnd( QWidget *pParent = nullptr );
+	~CQZolMainWnd() override;
 
 	void RunFrame();
 	// Frames run so far; the panels that follow time read it.
@@ -33,6 +38,9 @@ public:
 
 	CQParticleFunctionList *GetFunctionList() const { return m_pFunctionList; }
 	QDockWidget *GetFunctionDock() const { return m_pFunctionDock; }
+	CQZolPropertyWidget *GetPropertyWidget() const { return m_pPropertyWidget; }
+	QDockWidget *GetPropertyDock() const { return m_pPropertyDock; }
+	CZolKV3PropertyDomain *GetPropertyDomain() const { return m_pDomain.get(); }
 	QDockWidget *GetUndoDock() const { return m_pUndoDock; }
 	CQUndoHistoryWidget *GetUndoHistoryWidget() const { return m_pUndoHistoryWidget; }
 	QMenu *GetEditMenu() const { return m_pEditMenu; }
@@ -58,10 +66,14 @@ public:
 public slots:
 	void UpdateEditMenu();
 	void OnToggleWindwLock( bool bLocked );
+	// The property panel's notice of an edit: the function list shows what it changed.
+	void OnPropertyAttributeModified( const QString &name, int nModifyType );
 
 protected:
 	void CreateChildren() override;
 	void CreateFileMenu( QMenu *pMenu ) override;
+	void SaveToolWindowSettings( KeyValues3 *pTable ) override;
+	void RestoreToolWindowSettings( const KeyValues3 *pTable ) override;
 
 private:
 	QDockWidget *MakeDock( const char *pTitle, const char *pObjectName, QWidget *pContent, int nWidth, int nHeight );
@@ -73,6 +85,8 @@ private:
 	QDockWidget *m_pUndoDock = nullptr;
 	QStatusBar *m_pStatusBar = nullptr;
 	CQParticleFunctionList *m_pFunctionList = nullptr;
+	std::unique_ptr<CZolKV3PropertyDomain> m_pDomain;
+	CQZolPropertyWidget *m_pPropertyWidget = nullptr;
 	QDockWidget *m_pPropertyDock = nullptr;
 	QMenu *m_pViewMenu = nullptr;
 	QMenu *m_pEditMenu = nullptr;

@@ -1,0 +1,1110 @@
+#include "tools/toolutils2/widgets/propertyeditor/propertypanel.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
+#include <QScrollArea>
+#include <QScrollBar>
+#include <QTimer>
+#include <QToolButton>
+#include <QVBoxLayout>
+
+#include <algorithm>
+
+#include "core/host/ihelpsystem.h"
+#include "core/host/ipropertyeditorsystem.h"
+#include "core/kv3/keyvalues3.h"
+#include "core/text/friendlyname.h"
+#include "tools/toolutils2/propertyeditor/propertyattributeeditorfactory.h"
+#include "tools/toolutils2/toolattr_propertydomain/ipropertyeditdomain.h"
+#include "tools/toolutils2/widgets/propertyeditor/attributeeditordomainagnostic.h"
+#include "tools/toolutils2/widgets/propertyeditor/kv3valuepath.h"
+#include "tools/toolutils2/widgets/propertyeditor/poolablewidget.h"
+
+namespace
+{
+constexpr const char *ICON_ADD = "game:tools/images/common/add_sm.png";
+constexpr const char *ICON_REMOVE = "game:tools/images/common/remove_sm.png";
+constexpr int ROW_MINIMUM_HEIGHT = 22;
+constexpr int LABEL_MINIMUM_WIDTH = 80;
+constexpr double LABEL_MAXIMUM_SHARE = 0.45;
+// Arrays and tables this small show their rows at first.
+constexpr int EXPANDED_ARRAY_LIMIT = 8;
+constexpr int EXPANDED_TABLE_LIMIT = 6;
+
+// "Name( argument )" into its name and argument.
+void ParseEditorSpec( const CUtlString &spec, QString *pName, QString *pArgument )
+{
+	QString text = QString::fromUtf8( spec.Get() ).trimmed();
+	int nOpen = text.indexOf( '(' );
+	*pName = ( nOpen < 0 ? text : text.left( nOpen ) ).trimmed();
+	pArgument->clear();
+	if ( nOpen >= 0 )
+	{
+		int nClose = text.lastIndexOf( ')' );
+		*pArgument = text.mid( nOpen + 1, ( nClose > nOpen ? nClose : text.size() ) - nOpen - 1 ).trimmed();
+	}
+}
+
+CPropertyAttributeEditorFactoryBase *FindFactory( const QString &name )
+{
+	IPropertyEditorSystem *pSystem = GetPropertyEditorSystem();
+	if ( name.isEmpty() || !pSystem )
+		return nullptr;
+	return dynamic_cast<CPropertyAttributeEditorFactoryBase *>( pSystem->FindAttributeEditorFactory( name.toUtf8().constData() ) );
+}
+
+QString FriendlyPartName( const char *pName )
+{
+	CUtlString friendly;
+	if ( V_TryAndMakeFriendlyNameFromCppName( pName, &friendly ) && !friendly.IsEmpty() )
+		return QString::fromUtf8( friendly.Get() );
+	return QString::fromUtf8( pName );
+}
+
+bool SameTarget( const ZolPropertyTarget &a, const ZolPropertyTarget &b )
+{
+	return a.m_pAttr == b.m_pAttr && a.m_hTable.m_pInstance == b.m_hTable.m_pInstance && a.m_hTable.m_pTable == b.m_hTable.m_pTable &&
+		a.m_hTable.m_nTypeTag == b.m_hTable.m_nTypeTag && a.m_hTable.m_pNotifyRoot == b.m_hTable.m_pNotifyRoot;
+}
+
+// Text that a short button shows when its picture is missing.
+QString FallbackText( const CUtlString &command )
+{
+	if ( command == "reset_attr" )
+		return QStringLiteral( "Reset" );
+	if ( command == "remove_attr" )
+		return QStringLiteral( "Remove" );
+	if ( command == "inherit_attr" )
+		return QStringLiteral( "Inherit" );
+	if ( command == "override_attr" )
+		return QStringLiteral( "Override" );
+	return QStringLiteral( "..." );
+}
+} // namespace
+
+CQPropertyPanel::CQPropertyPanel( QWidget *pParent ) : QWidget( pParent )
+{
+	setObjectName( QStringLiteral( "PropertyPanel" ) );
+	QVBoxLayout *pLayout = new QVBoxLayout( this );
+	pLayout->setContentsMargins( 0, 0, 0, 0 );
+	pLayout->setSpacing( 2 );
+	m_pTitle = new QLabel( this );
+	m_pTitle->setObjectName( QStringLiteral( "Title" ) );
+	m_pTitle->setContentsMargins( 4, 2, 4, 2 );
+	QFont titleFont = m_pTitle->font();
+	titleFont.setBold( true );
+	m_pTitle->setFont( titleFont );
+	pLayout->addWidget( m_pTitle );
+
+	m_pScroll = new QScrollArea( this );
+	m_pScroll->setWidgetResizable( true );
+	// Rows give up width rather than scroll sideways: labels and fields shrink.
+	m_pScroll->setHorizontalScrollBarPolicy( Qt::ScrollBarAlwaysOff );
+	m_pScroll->setFrameShape( QFrame::NoFrame );
+	m_pContent = new QWidget( m_pScroll );
+	m_pRowsLayout = new QVBoxLayout( m_pContent );
+	m_pRowsLayout->setContentsMargins( 0, 0, 0, 0 );
+	m_pRowsLayout->setSpacing( 0 );
+	m_pEmpty = new QLabel( QStringLiteral( "Select a function, a child, a variable or the base properties to edit them here." ), m_pContent );
+	m_pEmpty->setObjectName( QStringLiteral( "Empty" ) );
+	m_pEmpty->setWordWrap( true );
+	m_pEmpty->setAlignment( Qt::AlignCenter );
+	m_pEmpty->setEnabled( false );
+	m_pEmpty->setContentsMargins( 8, 16, 8, 16 );
+	m_pRowsLayout->addWidget( m_pEmpty );
+	m_pRowsLayout->addStretch( 1 );
+	m_pScroll->setWidget( m_pContent );
+	pLayout->addWidget( m_pScroll, 1 );
+
+	m_pPoolHolder = new QWidget( this );
+	m_pPoolHolder->hide();
+	m_pPool = std::make_unique<CQWidgetPool>( m_pPoolHolder );
+
+	m_pTimer = new QTimer( this );
+	m_pTimer->setSingleShot( true );
+	m_pTimer->setInterval( 0 );
+	connect( m_pTimer, &QTimer::timeout, this, &CQPropertyPanel::OnPendingTimer );
+	UpdateTitle();
+}
+
+bool CQPropertyPanel::InstallInPropertyEditorSystem()
+{
+	IPropertyEditorSystem *pSystem = GetPropertyEditorSystem();
+	if ( !pSystem )
+		return false;
+	pSystem->SetPropertyPanelFactory( []( void *pParent ) -> void * { return static_cast<QWidget *>( new CQPropertyPanel( static_cast<QWidget *>( pParent ) ) ); } );
+	return true;
+}
+
+CQPropertyPanel *CQPropertyPanel::CreateFromPropertyEditorSystem( QWidget *pParent )
+{
+	IPropertyEditorSystem *pSystem = GetPropertyEditorSystem();
+	if ( !pSystem )
+		return nullptr;
+	if ( !pSystem->HasPropertyPanelFactory() )
+		InstallInPropertyEditorSystem();
+	void *pPanel = pSystem->CreatePropertyPanel( pParent );
+	return qobject_cast<CQPropertyPanel *>( static_cast<QWidget *>( pPanel ) );
+}
+
+CQPropertyPanel::~CQPropertyPanel()
+{
+	// Editors first: they hold the host and their targets.
+	DetachEditors();
+}
+
+void CQPropertyPanel::SetDomain( IPropertyEditDomain *pDomain )
+{
+	if ( m_pDomain == pDomain )
+		return;
+	DetachEditors();
+	m_pDomain = pDomain;
+	RequestRebuild();
+}
+
+void CQPropertyPanel::SetTargets( const CUtlVector<ZolPropertyTarget> &targets )
+{
+	bool bSame = targets.Count() == m_Targets.Count();
+	for ( int i = 0; bSame && i < targets.Count(); ++i )
+		bSame = SameTarget( targets[ i ], m_Targets[ i ] );
+	if ( bSame )
+	{
+		RequestRefresh();
+		return;
+	}
+	// The rows still point at the old targets, which may be gone: nothing may write
+	// through them until they are made anew.
+	DetachEditors();
+	m_Targets = targets;
+	UpdateTitle();
+	RequestRebuild();
+}
+
+void CQPropertyPanel::RequestRebuild()
+{
+	m_bRebuildPending = true;
+	m_pTimer->start();
+}
+
+void CQPropertyPanel::RequestRefresh()
+{
+	m_bRefreshPending = true;
+	m_pTimer->start();
+}
+
+void CQPropertyPanel::FlushPending()
+{
+	if ( !HasPendingWork() )
+		return;
+	m_pTimer->stop();
+	OnPendingTimer();
+}
+
+bool CQPropertyPanel::IsGestureInProgress() const
+{
+	bool bGesture = false;
+	ForEachRow( m_Rows, [ & ]( PropertyPanelRow_t *pRow ) { bGesture = bGesture || ( pRow->m_pEditor && pRow->m_pEditor->IsInIncrementalUpdate() ); } );
+	return bGesture;
+}
+
+void CQPropertyPanel::OnPendingTimer()
+{
+	// Rows stay while a drag goes on; the drag's end asks again.
+	if ( IsGestureInProgress() )
+	{
+		m_pTimer->start( 50 );
+		return;
+	}
+	bool bRebuild = m_bRebuildPending;
+	m_bRebuildPending = m_bRefreshPending = false;
+	if ( bRebuild )
+	{
+		RowList_t rows;
+		BuildModel( &rows );
+		Rebuild( &rows );
+	}
+	else
+	{
+		Refresh();
+	}
+}
+
+template <typename Fn> void CQPropertyPanel::ForEachRow( const RowList_t &rows, Fn &&fn ) const
+{
+	for ( const std::unique_ptr<PropertyPanelRow_t> &pRow : rows )
+	{
+		fn( pRow.get() );
+		ForEachRow( pRow->m_Children, fn );
+	}
+}
+
+//-----------------------------------------------------------------------------
+// The model
+//-----------------------------------------------------------------------------
+
+void CQPropertyPanel::BuildModel( RowList_t *pRows )
+{
+	pRows->clear();
+	if ( !m_pDomain || m_Targets.IsEmpty() )
+		return;
+	for ( const ZolPropertyTarget &target : m_Targets )
+	{
+		if ( m_pDomain->IsTargetInvalid( target ) )
+			return;
+	}
+	RowList_t rows;
+	AddPropertyRows( m_Targets, nullptr, QString(), 0, &rows );
+
+	// Grouped properties go under a heading, placed where the group's first one stood.
+	QHash<QString, PropertyPanelRow_t *> groups;
+	for ( std::unique_ptr<PropertyPanelRow_t> &pRow : rows )
+	{
+		QString group = QString::fromUtf8( pRow->m_Info.m_Group.Get() );
+		if ( group.isEmpty() )
+		{
+			pRows->push_back( std::move( pRow ) );
+			continue;
+		}
+		PropertyPanelRow_t *&pGroup = groups[ group ];
+		if ( !pGroup )
+		{
+			auto pNew = std::make_unique<PropertyPanelRow_t>();
+			pNew->m_eKind = PropertyPanelRow_t::KIND_GROUP;
+			pNew->m_Key = QStringLiteral( "@" ) + group;
+			pNew->m_Label = group;
+			pGroup = pNew.get();
+			pRows->push_back( std::move( pNew ) );
+		}
+		pRow->m_pParent = pGroup;
+		pGroup->m_Children.push_back( std::move( pRow ) );
+	}
+}
+
+void CQPropertyPanel::AddPropertyRows( const CUtlVector<ZolPropertyTarget> &tables, PropertyPanelRow_t *pParent, const QString &keyPrefix, int nDepth,
+	RowList_t *pOut )
+{
+	// Each table's properties with their records; a row needs its property in all of them.
+	struct Property_t
+	{
+		ZolPropertyTarget m_Target;
+		ZolPropertyRowInfo m_Info;
+	};
+	std::vector<std::vector<Property_t>> perTable( tables.Count() );
+	for ( int t = 0; t < tables.Count(); ++t )
+	{
+		CUtlVector<ZolPropertyTarget> properties;
+		m_pDomain->GetProperties( tables[ t ], &properties );
+		for ( const ZolPropertyTarget &property : properties )
+		{
+			Property_t entry{ property, {} };
+			if ( m_pDomain->GetPropertyInfo( property, &entry.m_Info ) && !entry.m_Info.m_bSuppressed && !entry.m_Info.m_bHidden )
+				perTable[ t ].push_back( std::move( entry ) );
+		}
+	}
+	for ( const Property_t &first : perTable[ 0 ] )
+	{
+		auto pRow = std::make_unique<PropertyPanelRow_t>();
+		pRow->m_Targets.AddToTail( PropEdSpecificAttr_t{ first.m_Target, {} } );
+		bool bShared = true;
+		for ( int t = 1; t < tables.Count() && bShared; ++t )
+		{
+			auto it = std::find_if( perTable[ t ].begin(), perTable[ t ].end(), [ & ]( const Property_t &other ) {
+				return other.m_Info.m_Name == first.m_Info.m_Name && other.m_Info.m_nType == first.m_Info.m_nType;
+			} );
+			bShared = it != perTable[ t ].end();
+			if ( bShared )
+			{
+				pRow->m_Targets.AddToTail( PropEdSpecificAttr_t{ it->m_Target, {} } );
+				// Read-only anywhere is read-only for all.
+				pRow->m_Info.m_bReadOnly = pRow->m_Info.m_bReadOnly || it->m_Info.m_bReadOnly;
+			}
+		}
+		if ( !bShared )
+			continue;
+		bool bReadOnly = pRow->m_Info.m_bReadOnly;
+		pRow->m_Info = first.m_Info;
+		pRow->m_Info.m_bReadOnly = pRow->m_Info.m_bReadOnly || bReadOnly;
+		pRow->m_eKind = pParent && pParent->m_bIsArray ? PropertyPanelRow_t::KIND_ELEMENT : PropertyPanelRow_t::KIND_PROPERTY;
+		pRow->m_Key = keyPrefix + QString::fromUtf8( first.m_Info.m_Name.Get() );
+		pRow->m_Label = QString::fromUtf8( first.m_Info.m_FriendlyName.IsEmpty() ? first.m_Info.m_Name.Get() : first.m_Info.m_FriendlyName.Get() );
+		pRow->m_nDepth = nDepth;
+		pRow->m_pParent = pParent;
+		FillChildren( pRow.get() );
+		pOut->push_back( std::move( pRow ) );
+	}
+	SortRows( pOut );
+}
+
+void CQPropertyPanel::FillChildren( PropertyPanelRow_t *pRow )
+{
+	if ( pRow->m_nDepth >= MAX_ROW_DEPTH || pRow->m_Targets.IsEmpty() )
+		return;
+	const PropEdSpecificAttr_t &first = pRow->m_Targets[ 0 ];
+	const ZolPropertyRowInfo &info = pRow->m_Info;
+
+	// Arrays: a row per element, when the targets agree on the count.
+	if ( !info.m_ArrayDimensions.IsEmpty() )
+	{
+		pRow->m_bIsArray = true;
+		pRow->m_bArrayResizable = !info.m_ArrayDimensions[ 0 ] && !info.m_bReadOnly;
+		int nCount = m_pDomain->GetArrayCount( first.m_Property, first.m_Path );
+		for ( const PropEdSpecificAttr_t &target : pRow->m_Targets )
+		{
+			if ( m_pDomain->GetArrayCount( target.m_Property, target.m_Path ) != nCount )
+				nCount = -1;
+		}
+		pRow->m_nArrayCount = nCount;
+		pRow->m_bDefaultExpanded = nCount <= EXPANDED_ARRAY_LIMIT;
+		for ( int i = 0; i < nCount; ++i )
+		{
+			auto pElement = std::make_unique<PropertyPanelRow_t>();
+			bool bAll = true;
+			for ( const PropEdSpecificAttr_t &target : pRow->m_Targets )
+			{
+				ZolPropertyTarget element;
+				bAll = bAll && m_pDomain->GetArrayElementProperty( target.m_Property, target.m_Path, i, &element );
+				pElement->m_Targets.AddToTail( PropEdSpecificAttr_t{ element, {} } );
+			}
+			if ( !bAll || !m_pDomain->GetPropertyInfo( pElement->m_Targets[ 0 ].m_Property, &pElement->m_Info ) )
+				continue;
+			pElement->m_eKind = PropertyPanelRow_t::KIND_ELEMENT;
+			pElement->m_Info.m_bReadOnly = pElement->m_Info.m_bReadOnly || info.m_bReadOnly;
+			pElement->m_nElementIndex = i;
+			pElement->m_Key = pRow->m_Key + QStringLiteral( "/[%1]" ).arg( i );
+			pElement->m_Label = QStringLiteral( "[%1]" ).arg( i );
+			ZolPropertyTarget nested;
+			CUtlString name;
+			if ( m_pDomain->GetElementTarget( pElement->m_Targets[ 0 ].m_Property, {}, &nested ) && m_pDomain->GetTargetDisplayName( nested, &name ) &&
+				!name.IsEmpty() )
+				pElement->m_Label += QStringLiteral( " " ) + QString::fromUtf8( name.Get() );
+			pElement->m_nDepth = pRow->m_nDepth + 1;
+			pElement->m_pParent = pRow;
+			FillChildren( pElement.get() );
+			pRow->m_Children.push_back( std::move( pElement ) );
+		}
+		return;
+	}
+
+	// Maps: a row per key that every target has.
+	CUtlVector<CUtlString> keys;
+	if ( info.m_nType == ZOL_PROPERTY_TYPE_MAP && m_pDomain->GetMapKeys( first.m_Property, first.m_Path, &keys ) )
+	{
+		pRow->m_bIsMap = true;
+		for ( const CUtlString &key : keys )
+		{
+			auto pEntry = std::make_unique<PropertyPanelRow_t>();
+			bool bAll = true;
+			for ( const PropEdSpecificAttr_t &target : pRow->m_Targets )
+			{
+				CUtlVector<CUtlString> ownKeys;
+				m_pDomain->GetMapKeys( target.m_Property, target.m_Path, &ownKeys );
+				ZolPropertyTarget element;
+				bAll = bAll && ownKeys.HasElement( key ) && m_pDomain->GetMapElementProperty( target.m_Property, target.m_Path, key.Get(), &element );
+				pEntry->m_Targets.AddToTail( PropEdSpecificAttr_t{ element, {} } );
+			}
+			if ( !bAll || !m_pDomain->GetPropertyInfo( pEntry->m_Targets[ 0 ].m_Property, &pEntry->m_Info ) )
+				continue;
+			pEntry->m_eKind = PropertyPanelRow_t::KIND_MAP_ENTRY;
+			pEntry->m_Info.m_bReadOnly = pEntry->m_Info.m_bReadOnly || info.m_bReadOnly;
+			pEntry->m_MapKey = QString::fromUtf8( key.Get() );
+			pEntry->m_Key = pRow->m_Key + QStringLiteral( "/{%1}" ).arg( pEntry->m_MapKey );
+			pEntry->m_Label = pEntry->m_MapKey;
+			pEntry->m_nDepth = pRow->m_nDepth + 1;
+			pEntry->m_pParent = pRow;
+			FillChildren( pEntry.get() );
+			pRow->m_Children.push_back( std::move( pEntry ) );
+		}
+		return;
+	}
+
+	// Tables: the fields they share.
+	CUtlVector<ZolPropertyTarget> nested;
+	for ( const PropEdSpecificAttr_t &target : pRow->m_Targets )
+	{
+		ZolPropertyTarget table;
+		if ( !m_pDomain->GetElementTarget( target.m_Property, target.m_Path, &table ) )
+			break;
+		nested.AddToTail( table );
+	}
+	if ( nested.Count() == pRow->m_Targets.Count() )
+	{
+		AddPropertyRows( nested, pRow, pRow->m_Key + '/', pRow->m_nDepth + 1, &pRow->m_Children );
+		if ( info.m_bReadOnly )
+			ForEachRow( pRow->m_Children, []( PropertyPanelRow_t *pChild ) { pChild->m_Info.m_bReadOnly = true; } );
+		pRow->m_bDefaultExpanded = info.m_bAutoExpand || int( pRow->m_Children.size() ) <= EXPANDED_TABLE_LIMIT;
+		return;
+	}
+
+	// A KV3 value that no factory edits shows its parts.
+	QString editorName, argument;
+	ParseEditorSpec( info.m_EditorSpec, &editorName, &argument );
+	if ( m_pDomain->IsKV3Property( first.m_Property, first.m_Path ) && !FindFactory( editorName ) )
+	{
+		KeyValues3 value;
+		bool bDiffer = false;
+		if ( ReadCommonKV3( pRow->m_Targets, &value, &bDiffer ) )
+			AddKV3PartRows( pRow, value );
+	}
+}
+
+void CQPropertyPanel::AddKV3PartRows( PropertyPanelRow_t *pRow, const KeyValues3 &value )
+{
+	if ( pRow->m_nDepth >= MAX_ROW_DEPTH )
+		return;
+	auto addPart = [ & ]( const QString &step, const QString &label, const KeyValues3 &part ) {
+		auto pPart = std::make_unique<PropertyPanelRow_t>();
+		pPart->m_eKind = PropertyPanelRow_t::KIND_KV3_PART;
+		pPart->m_Targets = pRow->m_Targets;
+		pPart->m_KV3Path = pRow->m_KV3Path;
+		pPart->m_KV3Path.append( step );
+		pPart->m_nKV3Type = part.GetType();
+		pPart->m_Key = pRow->m_Key + '/' + step;
+		pPart->m_Label = label;
+		pPart->m_Info.m_Name = step.toUtf8().constData();
+		pPart->m_Info.m_FriendlyName = label.toUtf8().constData();
+		pPart->m_Info.m_bReadOnly = pRow->m_Info.m_bReadOnly;
+		pPart->m_nDepth = pRow->m_nDepth + 1;
+		pPart->m_pParent = pRow;
+		if ( part.IsTable() || part.IsArray() )
+			AddKV3PartRows( pPart.get(), part );
+		pRow->m_Children.push_back( std::move( pPart ) );
+	};
+	if ( value.IsTable() )
+	{
+		for ( int i = 0; i < value.GetMemberCount(); ++i )
+			addPart( QString::fromUtf8( value.GetMemberName( i ) ), FriendlyPartName( value.GetMemberName( i ) ), *value.GetMember( i ) );
+	}
+	else if ( value.IsArray() )
+	{
+		for ( int i = 0; i < value.GetArrayElementCount(); ++i )
+			addPart( KV3ElementStep( i ), KV3ElementStep( i ), *value.GetArrayElement( i ) );
+	}
+}
+
+void CQPropertyPanel::SortRows( RowList_t *pRows )
+{
+	std::stable_sort( pRows->begin(), pRows->end(), []( const std::unique_ptr<PropertyPanelRow_t> &a, const std::unique_ptr<PropertyPanelRow_t> &b ) {
+		return a->m_Info.m_nSortPriority > b->m_Info.m_nSortPriority;
+	} );
+}
+
+bool CQPropertyPanel::SameStructure( const RowList_t &a, const RowList_t &b )
+{
+	if ( a.size() != b.size() )
+		return false;
+	for ( size_t i = 0; i < a.size(); ++i )
+	{
+		if ( a[ i ]->GetStructureKey() != b[ i ]->GetStructureKey() || !SameStructure( a[ i ]->m_Children, b[ i ]->m_Children ) )
+			return false;
+	}
+	return true;
+}
+
+//-----------------------------------------------------------------------------
+// The widgets
+//-----------------------------------------------------------------------------
+
+void CQPropertyPanel::DetachEditors()
+{
+	ForEachRow( m_Rows, []( PropertyPanelRow_t *pRow ) {
+		if ( pRow->m_pEditor )
+			pRow->m_pEditor->DisconnectAndClear();
+		pRow->m_Targets.RemoveAll();
+	} );
+}
+
+void CQPropertyPanel::ReleaseRows()
+{
+	ForEachRow( m_Rows, [ this ]( PropertyPanelRow_t *pRow ) {
+		if ( pRow->m_pEditor )
+		{
+			if ( pRow->m_pWidget )
+				pRow->m_pWidget->SetEditor( nullptr );
+			m_pPool->Return( pRow->m_pEditor );
+			pRow->m_pEditor = nullptr;
+		}
+	} );
+	ForEachRow( m_Rows, []( PropertyPanelRow_t *pRow ) {
+		if ( pRow->m_pWidget )
+		{
+			pRow->m_pWidget->hide();
+			// Later: a click of the row's own button may still be on the stack.
+			pRow->m_pWidget->deleteLater();
+			pRow->m_pWidget = nullptr;
+		}
+	} );
+	m_Rows.clear();
+}
+
+void CQPropertyPanel::Rebuild( RowList_t *pNewRows )
+{
+	int nScroll = m_pScroll->verticalScrollBar()->value();
+	m_pContent->setUpdatesEnabled( false );
+	ReleaseRows();
+	m_Rows = std::move( *pNewRows );
+	for ( std::unique_ptr<PropertyPanelRow_t> &pRow : m_Rows )
+		CreateRowWidgets( pRow.get() );
+	m_pEmpty->setVisible( m_Rows.empty() );
+	UpdateVisibility();
+	UpdateLabelWidth();
+	UpdateTitle();
+	m_pContent->setUpdatesEnabled( true );
+	m_pRowsLayout->activate();
+	m_pScroll->verticalScrollBar()->setValue( nScroll );
+	++m_nRebuildCount;
+	emit RowsRebuilt();
+}
+
+void CQPropertyPanel::CreateRowWidgets( PropertyPanelRow_t *pRow )
+{
+	CQPropertyRowWidget *pWidget = new CQPropertyRowWidget( pRow, m_pContent );
+	pWidget->setObjectName( pRow->m_Key );
+	pWidget->setMinimumHeight( ROW_MINIMUM_HEIGHT );
+	pRow->m_pWidget = pWidget;
+	m_pRowsLayout->insertWidget( m_pRowsLayout->count() - 1, pWidget );
+	pWidget->SetExpanded( m_Expanded.value( pRow->m_Key, pRow->m_bDefaultExpanded ) );
+	const QString key = pRow->m_Key;
+	connect( pWidget, &CQPropertyRowWidget::ExpandToggled, this, [ this, key ]( bool bExpanded ) {
+		m_Expanded[ key ] = bExpanded;
+		UpdateVisibility();
+	} );
+	connect( pWidget, &CQPropertyRowWidget::ContextMenuRequested, this, [ this, key ]( const QPoint &pos ) {
+		if ( const PropertyPanelRow_t *pFound = FindRow( key ) )
+			ShowRowMenu( const_cast<PropertyPanelRow_t *>( pFound ), pos );
+	} );
+
+	// The label's tool tip: the name, its field, and the help text when there is one.
+	QString tip = QStringLiteral( "<b>%1</b>" ).arg( pRow->m_Label.toHtmlEscaped() );
+	if ( pRow->m_eKind != PropertyPanelRow_t::KIND_GROUP && !pRow->m_Info.m_Name.IsEmpty() )
+		tip += QStringLiteral( " (%1)" ).arg( QString::fromUtf8( pRow->m_Info.m_Name.Get() ).toHtmlEscaped() );
+	CUtlString help;
+	if ( !pRow->m_Info.m_HelpContext.IsEmpty() && LookupHelpText( pRow->m_Info.m_HelpContext.Get(), pRow->m_Info.m_HelpId.Get(), "", &help, 1 ) )
+		tip += QStringLiteral( "<br>" ) + QString::fromUtf8( help.Get() ).toHtmlEscaped();
+	pWidget->GetLabel()->setToolTip( tip );
+
+	if ( pRow->m_bIsArray )
+		pWidget->SetEditor( MakeArraySummary( pRow ) );
+	else if ( pRow->m_bIsMap )
+		pWidget->SetEditor( MakeMapSummary( pRow ) );
+	else if ( pRow->m_eKind != PropertyPanelRow_t::KIND_GROUP )
+		CreateEditor( pRow );
+	UpdateButtons( pRow );
+	for ( std::unique_ptr<PropertyPanelRow_t> &pChild : pRow->m_Children )
+		CreateRowWidgets( pChild.get() );
+}
+
+void CQPropertyPanel::CreateEditor( PropertyPanelRow_t *pRow )
+{
+	PropertyEditorInit_t init;
+	init.m_pHost = this;
+	init.m_Targets = pRow->m_Targets;
+	init.m_Info = pRow->m_Info;
+	init.m_KV3Path = pRow->m_KV3Path;
+	QString name;
+	ParseEditorSpec( pRow->m_Info.m_EditorSpec, &name, &init.m_Argument );
+
+	CQAttributeEditor_Base *pEditor = nullptr;
+	CPropertyAttributeEditorFactoryBase *pFactory = pRow->m_eKind == PropertyPanelRow_t::KIND_KV3_PART ? nullptr : FindFactory( name );
+	if ( pFactory )
+	{
+		if ( CQPoolableWidget *pPooled = m_pPool->Take( name ) )
+		{
+			pEditor = static_cast<CQAttributeEditor_Base *>( pPooled );
+			pEditor->Initialize( init );
+			pEditor->ReadFromAttribute();
+		}
+		else if ( ( pEditor = pFactory->Create( init, pRow->m_pWidget, init.m_Argument.toUtf8().constData() ) ) != nullptr )
+		{
+			pEditor->SetPoolKey( name );
+		}
+		if ( pEditor && pFactory->GetFixedRowHeight() > 0 )
+			pEditor->setFixedHeight( pFactory->GetFixedRowHeight() );
+	}
+	if ( !pEditor )
+	{
+		CQAttributeEditor_DomainAgnostic *pPlain = static_cast<CQAttributeEditor_DomainAgnostic *>( m_pPool->Take( QStringLiteral( "DomainAgnostic" ) ) );
+		if ( !pPlain )
+			pPlain = new CQAttributeEditor_DomainAgnostic( pRow->m_pWidget );
+		pPlain->Initialize( init );
+		pPlain->ReadFromAttribute();
+		if ( pPlain->GetKind() == CQAttributeEditor_DomainAgnostic::KIND_NONE )
+		{
+			m_pPool->Return( pPlain );
+			return;
+		}
+		pEditor = pPlain;
+	}
+	pRow->m_pEditor = pEditor;
+	pRow->m_pWidget->SetEditor( pEditor );
+}
+
+QWidget *CQPropertyPanel::MakeArraySummary( PropertyPanelRow_t *pRow )
+{
+	QWidget *pSummary = new QWidget();
+	QHBoxLayout *pLayout = new QHBoxLayout( pSummary );
+	pLayout->setContentsMargins( 0, 0, 0, 0 );
+	QLabel *pCount = new QLabel( pSummary );
+	pCount->setObjectName( QStringLiteral( "Count" ) );
+	pCount->setEnabled( false );
+	if ( pRow->m_nArrayCount < 0 )
+		pCount->setText( QStringLiteral( "(counts differ)" ) );
+	else
+		pCount->setText( pRow->m_nArrayCount == 1 ? QStringLiteral( "1 element" ) : QStringLiteral( "%1 elements" ).arg( pRow->m_nArrayCount ) );
+	pLayout->addWidget( pCount );
+	pLayout->addStretch( 1 );
+	if ( pRow->m_bArrayResizable && pRow->m_nArrayCount >= 0 )
+	{
+		QToolButton *pAdd = new QToolButton( pSummary );
+		pAdd->setObjectName( QStringLiteral( "AddElement" ) );
+		pAdd->setAutoRaise( true );
+		pAdd->setFocusPolicy( Qt::NoFocus );
+		pAdd->setToolTip( QStringLiteral( "Add an element at the end" ) );
+		QIcon icon( ICON_ADD );
+		if ( icon.pixmap( 16, 16 ).isNull() )
+			pAdd->setText( QStringLiteral( "+" ) );
+		else
+			pAdd->setIcon( icon );
+		const QString key = pRow->m_Key;
+		const int nCount = pRow->m_nArrayCount;
+		connect( pAdd, &QToolButton::clicked, this, [ this, key, nCount ]() { ModifyRowArray( key, PROPED_ARRAY_INSERT, nCount ); } );
+		pLayout->addWidget( pAdd );
+	}
+	return pSummary;
+}
+
+QWidget *CQPropertyPanel::MakeMapSummary( PropertyPanelRow_t *pRow )
+{
+	QWidget *pSummary = new QWidget();
+	QHBoxLayout *pLayout = new QHBoxLayout( pSummary );
+	pLayout->setContentsMargins( 0, 0, 0, 0 );
+	QLabel *pCount = new QLabel( QStringLiteral( "%1 entries" ).arg( pRow->m_Children.size() ), pSummary );
+	pCount->setObjectName( QStringLiteral( "Count" ) );
+	pCount->setEnabled( false );
+	pLayout->addWidget( pCount );
+	if ( !pRow->m_Info.m_bReadOnly )
+	{
+		QLineEdit *pKey = new QLineEdit( pSummary );
+		pKey->setObjectName( QStringLiteral( "NewKey" ) );
+		pKey->setPlaceholderText( QStringLiteral( "New key" ) );
+		pLayout->addWidget( pKey, 1 );
+		QToolButton *pAdd = new QToolButton( pSummary );
+		pAdd->setObjectName( QStringLiteral( "AddEntry" ) );
+		pAdd->setAutoRaise( true );
+		pAdd->setToolTip( QStringLiteral( "Add an entry under the new key" ) );
+		QIcon icon( ICON_ADD );
+		if ( icon.pixmap( 16, 16 ).isNull() )
+			pAdd->setText( QStringLiteral( "+" ) );
+		else
+			pAdd->setIcon( icon );
+		const QString key = pRow->m_Key;
+		auto add = [ this, key, pKey ]() {
+			QString newKey = pKey->text().trimmed();
+			if ( !newKey.isEmpty() )
+				ModifyRowMap( key, PROPED_MAP_ADD, newKey );
+		};
+		connect( pAdd, &QToolButton::clicked, this, add );
+		connect( pKey, &QLineEdit::returnPressed, this, add );
+		pLayout->addWidget( pAdd );
+	}
+	else
+	{
+		pLayout->addStretch( 1 );
+	}
+	return pSummary;
+}
+
+void CQPropertyPanel::UpdateButtons( PropertyPanelRow_t *pRow )
+{
+	CQPropertyRowWidget *pWidget = pRow->m_pWidget;
+	if ( !pWidget )
+		return;
+	pWidget->ClearButtons();
+	const QString key = pRow->m_Key;
+	for ( const ZolPropertyRowButton &button : pRow->m_Info.m_Buttons )
+	{
+		// Zone 0 buttons stand in the row's menu only.
+		if ( button.m_nZone == 0 && button.m_bClickable )
+			continue;
+		QString icon = QString::fromUtf8( button.m_Icon.Get() );
+		QString tip = QString::fromUtf8( button.m_Tooltip.Get() );
+		if ( !button.m_bClickable || button.m_bDisplayOnly )
+		{
+			pWidget->AddMark( icon, tip );
+			continue;
+		}
+		QString command = QString::fromUtf8( button.m_Command.Get() );
+		QToolButton *pButton = pWidget->AddButton( icon, FallbackText( button.m_Command ), tip, QStringLiteral( "Button_" ) + command );
+		connect( pButton, &QToolButton::clicked, this, [ this, key, command ]() { RunRowCommand( key, command ); } );
+	}
+	// Elements of an array that can grow: insert before, remove.
+	const PropertyPanelRow_t *pParent = pRow->m_pParent;
+	if ( pRow->m_eKind == PropertyPanelRow_t::KIND_ELEMENT && pParent && pParent->m_bIsArray && pParent->m_bArrayResizable )
+	{
+		const QString arrayKey = pParent->m_Key;
+		const int nIndex = pRow->m_nElementIndex;
+		QToolButton *pInsert = pWidget->AddButton( ICON_ADD, QStringLiteral( "+" ), QStringLiteral( "Insert an element before this one" ), QStringLiteral( "InsertElement" ) );
+		connect( pInsert, &QToolButton::clicked, this, [ this, arrayKey, nIndex ]() { ModifyRowArray( arrayKey, PROPED_ARRAY_INSERT, nIndex ); } );
+		QToolButton *pRemove = pWidget->AddButton( ICON_REMOVE, QStringLiteral( "-" ), QStringLiteral( "Remove this element" ), QStringLiteral( "RemoveElement" ) );
+		connect( pRemove, &QToolButton::clicked, this, [ this, arrayKey, nIndex ]() { ModifyRowArray( arrayKey, PROPED_ARRAY_REMOVE, nIndex ); } );
+	}
+	if ( pRow->m_eKind == PropertyPanelRow_t::KIND_MAP_ENTRY && pParent && !pParent->m_Info.m_bReadOnly )
+	{
+		const QString mapKey = pParent->m_Key;
+		const QString entry = pRow->m_MapKey;
+		QToolButton *pRemove = pWidget->AddButton( ICON_REMOVE, QStringLiteral( "-" ), QStringLiteral( "Remove this entry" ), QStringLiteral( "RemoveEntry" ) );
+		connect( pRemove, &QToolButton::clicked, this, [ this, mapKey, entry ]() { ModifyRowMap( mapKey, PROPED_MAP_REMOVE, entry ); } );
+	}
+}
+
+void CQPropertyPanel::UpdateVisibility()
+{
+	for ( std::unique_ptr<PropertyPanelRow_t> &pRoot : m_Rows )
+	{
+		// A row shows when every row above it is unfolded.
+		std::vector<std::pair<PropertyPanelRow_t *, bool>> stack{ { pRoot.get(), true } };
+		while ( !stack.empty() )
+		{
+			auto [ pRow, bVisible ] = stack.back();
+			stack.pop_back();
+			if ( pRow->m_pWidget )
+				pRow->m_pWidget->setVisible( bVisible );
+			bool bChildren = bVisible && ( !pRow->m_pWidget || pRow->m_pWidget->IsExpanded() );
+			for ( auto it = pRow->m_Children.rbegin(); it != pRow->m_Children.rend(); ++it )
+				stack.push_back( { it->get(), bChildren } );
+		}
+	}
+}
+
+void CQPropertyPanel::UpdateLabelWidth()
+{
+	int nHint = LABEL_MINIMUM_WIDTH;
+	ForEachRow( m_Rows, [ & ]( PropertyPanelRow_t *pRow ) {
+		if ( pRow->m_pWidget && pRow->m_eKind != PropertyPanelRow_t::KIND_GROUP )
+			nHint = std::max( nHint, pRow->m_pWidget->GetLabelHint() );
+	} );
+	int nLimit = std::max( LABEL_MINIMUM_WIDTH, int( width() * LABEL_MAXIMUM_SHARE ) );
+	m_nLabelWidth = std::min( nHint, nLimit );
+	ForEachRow( m_Rows, [ this ]( PropertyPanelRow_t *pRow ) {
+		if ( pRow->m_pWidget )
+			pRow->m_pWidget->SetLabelWidth( m_nLabelWidth );
+	} );
+}
+
+void CQPropertyPanel::UpdateTitle()
+{
+	if ( !m_pDomain || m_Targets.IsEmpty() )
+	{
+		m_pTitle->setText( QStringLiteral( "Nothing selected" ) );
+		return;
+	}
+	QStringList names;
+	for ( const ZolPropertyTarget &target : m_Targets )
+	{
+		CUtlString name;
+		if ( !m_pDomain->IsTargetInvalid( target ) )
+			m_pDomain->GetTargetDisplayName( target, &name );
+		names.append( QString::fromUtf8( name.Get() ) );
+	}
+	names.removeDuplicates();
+	if ( m_Targets.Count() == 1 )
+		m_pTitle->setText( names.value( 0 ) );
+	else
+		m_pTitle->setText( QStringLiteral( "%1 selected: %2" ).arg( m_Targets.Count() ).arg( names.join( QStringLiteral( ", " ) ) ) );
+	m_pTitle->setToolTip( m_pTitle->text() );
+}
+
+void CQPropertyPanel::Refresh()
+{
+	RowList_t rows;
+	BuildModel( &rows );
+	if ( !SameStructure( m_Rows, rows ) )
+	{
+		Rebuild( &rows );
+		return;
+	}
+	// Same rows: their records, marks and buttons follow the domain, editors read again.
+	std::vector<std::pair<PropertyPanelRow_t *, PropertyPanelRow_t *>> pairs;
+	std::vector<std::pair<const RowList_t *, const RowList_t *>> lists{ { &m_Rows, &rows } };
+	while ( !lists.empty() )
+	{
+		auto [ pOld, pNew ] = lists.back();
+		lists.pop_back();
+		for ( size_t i = 0; i < pOld->size(); ++i )
+		{
+			pairs.push_back( { ( *pOld )[ i ].get(), ( *pNew )[ i ].get() } );
+			lists.push_back( { &( *pOld )[ i ]->m_Children, &( *pNew )[ i ]->m_Children } );
+		}
+	}
+	for ( auto [ pOld, pNew ] : pairs )
+	{
+		pOld->m_Info = pNew->m_Info;
+		pOld->m_Label = pNew->m_Label;
+		if ( !pOld->m_pWidget )
+			continue;
+		pOld->m_pWidget->UpdateLabel();
+		UpdateButtons( pOld );
+		CQAttributeEditor_Base *pEditor = pOld->m_pEditor;
+		if ( pEditor && !pEditor->IsInIncrementalUpdate() && !pEditor->IsBeingEdited() )
+			pEditor->ReadFromAttribute();
+	}
+	UpdateTitle();
+}
+
+void CQPropertyPanel::resizeEvent( QResizeEvent *pEvent )
+{
+	QWidget::resizeEvent( pEvent );
+	UpdateLabelWidth();
+}
+
+void CQPropertyPanel::ShowRowMenu( PropertyPanelRow_t *pRow, const QPoint &globalPos )
+{
+	QMenu menu( this );
+	const QString key = pRow->m_Key;
+	for ( const ZolPropertyRowButton &button : pRow->m_Info.m_Buttons )
+	{
+		if ( !button.m_bClickable || button.m_bDisplayOnly || button.m_Command.IsEmpty() )
+			continue;
+		QString command = QString::fromUtf8( button.m_Command.Get() );
+		QString label = button.m_Tooltip.IsEmpty() ? command : QString::fromUtf8( button.m_Tooltip.Get() );
+		menu.addAction( label, this, [ this, key, command ]() { RunRowCommand( key, command ); } );
+	}
+	if ( !pRow->m_Info.m_Name.IsEmpty() )
+	{
+		if ( !menu.isEmpty() )
+			menu.addSeparator();
+		QString name = QString::fromUtf8( pRow->m_Info.m_Name.Get() );
+		menu.addAction( QStringLiteral( "Copy Name \"%1\"" ).arg( name ), this, [ name ]() { QApplication::clipboard()->setText( name ); } );
+	}
+	if ( !menu.isEmpty() )
+		menu.exec( globalPos );
+}
+
+const PropertyPanelRow_t *CQPropertyPanel::FindRow( const QString &key ) const
+{
+	const PropertyPanelRow_t *pFound = nullptr;
+	ForEachRow( m_Rows, [ & ]( PropertyPanelRow_t *pRow ) {
+		if ( !pFound && pRow->m_Key == key )
+			pFound = pRow;
+	} );
+	return pFound;
+}
+
+const PropertyPanelRow_t *CQPropertyPanel::FindRowByLabel( const QString &label ) const
+{
+	const PropertyPanelRow_t *pFound = nullptr;
+	ForEachRow( m_Rows, [ & ]( PropertyPanelRow_t *pRow ) {
+		if ( !pFound && pRow->m_Label == label )
+			pFound = pRow;
+	} );
+	return pFound;
+}
+
+CQAttributeEditor_Base *CQPropertyPanel::FindEditor( const QString &key ) const
+{
+	const PropertyPanelRow_t *pRow = FindRow( key );
+	return pRow ? pRow->m_pEditor : nullptr;
+}
+
+CQPropertyRowWidget *CQPropertyPanel::FindRowWidget( const QString &key ) const
+{
+	const PropertyPanelRow_t *pRow = FindRow( key );
+	return pRow ? pRow->m_pWidget : nullptr;
+}
+
+QStringList CQPropertyPanel::GetRowKeys() const
+{
+	QStringList keys;
+	ForEachRow( m_Rows, [ & ]( PropertyPanelRow_t *pRow ) { keys.append( pRow->m_Key ); } );
+	return keys;
+}
+
+void CQPropertyPanel::SaveSettings( KeyValues3 *pTable ) const
+{
+	KeyValues3 *pExpanded = pTable->SetMemberEmptyTable( "expanded" );
+	for ( auto it = m_Expanded.begin(); it != m_Expanded.end(); ++it )
+		pExpanded->SetMemberBool( it.key().toUtf8().constData(), it.value() );
+}
+
+void CQPropertyPanel::RestoreSettings( const KeyValues3 *pTable )
+{
+	const KeyValues3 *pExpanded = pTable ? pTable->FindMember( "expanded" ) : nullptr;
+	if ( !pExpanded || !pExpanded->IsTable() )
+		return;
+	for ( int i = 0; i < pExpanded->GetMemberCount(); ++i )
+		m_Expanded[ QString::fromUtf8( pExpanded->GetMemberName( i ) ) ] = pExpanded->GetMember( i )->GetBool();
+	RequestRebuild();
+}
+
+//-----------------------------------------------------------------------------
+// Edits
+//-----------------------------------------------------------------------------
+
+void CQPropertyPanel::Apply( CPropertyEditorEditSlots *pSlots, PropEdModifyType_t eModifyType )
+{
+	CQAttributeEditor_Base *pEditor = dynamic_cast<CQAttributeEditor_Base *>( pSlots );
+	if ( !pEditor || !pEditor->IsModified() )
+		return;
+	pEditor->ClearModified();
+	if ( m_bApplying )
+		return;
+	// A read-only row, or an editor whose rows are gone, writes nothing.
+	if ( !m_pDomain || pEditor->GetHost() != this || pEditor->IsReadOnly() || pEditor->GetTargets().IsEmpty() )
+	{
+		if ( pEditor->GetHost() == this )
+			pEditor->ReadFromAttribute();
+		return;
+	}
+	CUtlVector<ZolPropertyTarget> properties;
+	for ( const PropEdSpecificAttr_t &target : pEditor->GetTargets() )
+		properties.AddToTail( target.m_Property );
+	QString name = QString::fromUtf8( pEditor->GetRowInfo().m_Name.Get() );
+
+	m_bApplying = true;
+	m_pDomain->NotifyBeforeChange( properties.Base(), properties.Count(), eModifyType );
+	pEditor->WriteToAttribute();
+	m_pDomain->NotifyAfterChange( 0 );
+	m_bApplying = false;
+
+	pEditor->NotifyAttributeModified( eModifyType );
+	emit AttributeModified( name, eModifyType );
+	if ( m_pDomain->NeedsRebuild() )
+	{
+		m_pDomain->ClearRebuild();
+		RequestRebuild();
+	}
+	else
+	{
+		RequestRefresh();
+	}
+}
+
+void CQPropertyPanel::BeginPanelEdit( const PropertyPanelRow_t *pRow )
+{
+	CUtlVector<ZolPropertyTarget> properties;
+	for ( const PropEdSpecificAttr_t &target : pRow->m_Targets )
+		properties.AddToTail( target.m_Property );
+	m_bApplying = true;
+	m_pDomain->NotifyBeforeChange( properties.Base(), properties.Count(), PROPED_MODIFY_ONE_SHOT );
+}
+
+void CQPropertyPanel::EndPanelEdit( const PropertyPanelRow_t *pRow, int nModifyType )
+{
+	m_pDomain->NotifyAfterChange( 0 );
+	m_bApplying = false;
+	emit AttributeModified( QString::fromUtf8( pRow->m_Info.m_Name.Get() ), nModifyType );
+	m_pDomain->ClearRebuild();
+	// The rows' shape may have changed; nothing may write through them meanwhile.
+	DetachEditors();
+	RequestRebuild();
+}
+
+void CQPropertyPanel::RunRowCommand( const QString &rowKey, const QString &command )
+{
+	const PropertyPanelRow_t *pRow = FindRow( rowKey );
+	if ( !pRow || !m_pDomain || pRow->m_Targets.IsEmpty() || m_bApplying )
+		return;
+	QByteArray commandText = command.toUtf8();
+	BeginPanelEdit( pRow );
+	for ( const PropEdSpecificAttr_t &target : pRow->m_Targets )
+		m_pDomain->RunButtonCommand( commandText.constData(), target.m_Property, "" );
+	EndPanelEdit( pRow, PROPED_MODIFY_ONE_SHOT );
+}
+
+void CQPropertyPanel::ModifyRowArray( const QString &rowKey, int nOperation, int nIndex )
+{
+	const PropertyPanelRow_t *pRow = FindRow( rowKey );
+	if ( !pRow || !m_pDomain || pRow->m_Targets.IsEmpty() || !pRow->m_bArrayResizable || m_bApplying )
+		return;
+	BeginPanelEdit( pRow );
+	for ( const PropEdSpecificAttr_t &target : pRow->m_Targets )
+		m_pDomain->ModifyArray( target.m_Property, target.m_Path, PropEdArrayOperation_t( nOperation ), nIndex, nOperation == PROPED_ARRAY_REMOVE ? 1 : 0 );
+	EndPanelEdit( pRow, PROPED_MODIFY_ONE_SHOT );
+}
+
+void CQPropertyPanel::ModifyRowMap( const QString &rowKey, int nOperation, const QString &mapKey )
+{
+	const PropertyPanelRow_t *pRow = FindRow( rowKey );
+	if ( !pRow || !m_pDomain || pRow->m_Targets.IsEmpty() || pRow->m_Info.m_bReadOnly || m_bApplying )
+		return;
+	QByteArray key = mapKey.toUtf8();
+	BeginPanelEdit( pRow );
+	for ( const PropEdSpecificAttr_t &target : pRow->m_Targets )
+		m_pDomain->ModifyMap( target.m_Property, target.m_Path, PropEdMapOperation_t( nOperation ), key.constData() );
+	EndPanelEdit( pRow, PROPED_MODIFY_ONE_SHOT );
+}
+
+//-----------------------------------------------------------------------------
+// Host operations
+//-----------------------------------------------------------------------------
+
+void CQPropertyPanel::ReadCommonValueText( const CUtlVector<PropEdSpecificAttr_t> &targets, const ZolPropertyRowInfo &, CUtlString *pOut, bool bFriendly,
+	bool *pDiffer )
+{
+	pOut->Clear();
+	*pDiffer = false;
+	if ( !m_pDomain )
+		return;
+	for ( int i = 0; i < targets.Count(); ++i )
+	{
+		CUtlString text;
+		if ( bFriendly )
+			m_pDomain->GetValueFriendlyText( targets[ i ].m_Property, targets[ i ].m_Path, &text );
+		if ( !bFriendly || text.IsEmpty() )
+			m_pDomain->GetValueText( targets[ i ].m_Property, targets[ i ].m_Path, &text );
+		if ( i == 0 )
+			*pOut = text;
+		else if ( !( text == *pOut ) )
+			*pDiffer = true;
+	}
+}
+
+bool CQPropertyPanel::ReadCommonKV3( const CUtlVector<PropEdSpecificAttr_t> &targets, KeyValues3 *pOut, bool *pDiffer )
+{
+	*pDiffer = false;
+	pOut->SetToNull();
+	if ( !m_pDomain || targets.IsEmpty() )
+		return false;
+	if ( !m_pDomain->GetKV3( targets[ 0 ].m_Property, targets[ 0 ].m_Path, pOut ) )
+		return false;
+	for ( int i = 1; i < targets.Count() && !*pDiffer; ++i )
+	{
+		KeyValues3 other;
+		*pDiffer = !m_pDomain->GetKV3( targets[ i ].m_Property, targets[ i ].m_Path, &other ) || !other.IsEqual( *pOut );
+	}
+	return true;
+}
+
+void CQPropertyPanel::WriteValueText( const CUtlVector<PropEdSpecificAttr_t> &targets, const char *pText )
+{
+	// Only inside an apply: between the domain's before and after.
+	if ( !m_pDomain || !m_bApplying )
+		return;
+	for ( const PropEdSpecificAttr_t &target : targets )
+		m_pDomain->SetValueText( target.m_Property, target.m_Path, pText, 0 );
+}
+
+void CQPropertyPanel::WriteKV3( const CUtlVector<PropEdSpecificAttr_t> &targets, const KeyValues3 &value )
+{
+	if ( !m_pDomain || !m_bApplying )
+		return;
+	for ( const PropEdSpecificAttr_t &target : targets )
+		m_pDomain->SetKV3( target.m_Property, target.m_Path, value, 0 );
+}
+
+void CQPropertyPanel::RegisterHelp( const char *pContext, const char *pId, const char *pFriendlyName, const char *pDescription, const char *pExtra )
+{
+	if ( IHelpSystem *pHelp = GetHelpSystem() )
+		pHelp->AddEntry( pContext, pId, pFriendlyName, pDescription, pExtra );
+}
+
+bool CQPropertyPanel::LookupHelpText( const char *pContext, const char *pId, const char *, CUtlString *pOut, int )
+{
+	IHelpSystem *pHelp = GetHelpSystem();
+	const char *pText = pHelp && pContext && pId ? pHelp->GetText( pContext, pId ) : "";
+	pOut->Set( pText );
+	return *pText != 0;
+}

@@ -1,0 +1,39 @@
+#pragma once
+// The property edit domain of the particle editor: an edit of a property is an undoable
+// step of the shown session's document, fields the document's behaviour version doesn't
+// have are hidden, and the root's lists (which the function list edits) don't show as
+// rows. It registers with the property editor system for its life.
+
+#include "tools/toolutils2/toolattr_propertydomain/itoolattrdomainlistener.h"
+#include "tools/toolutils2/toolattr_propertydomain/toolattrpropertydomain.h"
+
+class CZolSession;
+
+class CZolKV3PropertyDomain : public CToolAttrPropertyDomain, public IToolAttrDomainListener
+{
+public:
+	CZolKV3PropertyDomain();
+	~CZolKV3PropertyDomain() override;
+	CZolKV3PropertyDomain( const CZolKV3PropertyDomain & ) = delete;
+	CZolKV3PropertyDomain &operator=( const CZolKV3PropertyDomain & ) = delete;
+
+	void SetSession( CZolSession *pSession );
+	CZolSession *GetSession() const { return m_pSession; }
+
+	// The version rule: a field with "particle_min_version" above the document's version,
+	// or "particle_max_version" below it, is not the document's. False without a session.
+	bool IsFieldHidden( IBaseToolAttr *pAttr ) const;
+
+	// CToolAttrPropertyDomain
+	bool IsPropertyFiltered( IBaseToolAttr *pAttr, HToolAttrTableInstance handle ) override;
+	void FillEditContext( const ZolPropertyTarget &property, CToolEditContextQuery_Base *pQuery ) override;
+
+	// IToolAttrDomainListener: an edit opens (or, past its first step, continues) one undo
+	// step, and announces itself as a change of the function list.
+	void OnBeforeChange( const ZolPropertyBeforeChange_t &record ) override;
+	void OnAfterChange( const ZolPropertyAfterChange_t &record ) override;
+	void OnPropertyRebuild( HToolAttrTableInstance handle, IBaseToolAttr *pAttr ) override;
+
+private:
+	CZolSession *m_pSession = nullptr;
+};
