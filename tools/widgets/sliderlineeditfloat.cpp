@@ -42,6 +42,13 @@ CQSliderLineEditFloat::CQSliderLineEditFloat( QWidget *pParent ) : QWidget( pPar
 	ShowValue();
 }
 
+CQSliderLineEditFloat::~CQSliderLineEditFloat()
+{
+	// The field loses focus as it goes, and would finish its edit into a half-gone widget.
+	m_pEdit->disconnect( this );
+	m_pSlider->disconnect( this );
+}
+
 void CQSliderLineEditFloat::SetSoftRange( double flMinimum, double flMaximum )
 {
 	m_flSoftMinimum = std::min( flMinimum, flMaximum );

@@ -18,6 +18,7 @@ public:
 	static constexpr double SLIDER_RANGE = 10000.0;
 
 	explicit CQSliderLineEditFloat( QWidget *pParent = nullptr );
+	~CQSliderLineEditFloat() override;
 
 	void SetSoftRange( double flMinimum, double flMaximum );
 	void SetHardLimits( bool bHasMinimum, double flMinimum, bool bHasMaximum, double flMaximum );

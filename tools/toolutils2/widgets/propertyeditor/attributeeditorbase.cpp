@@ -6,7 +6,13 @@ CQAttributeEditor_Base::CQAttributeEditor_Base( QWidget *pParent ) : CQPoolableW
 	qRegisterMetaType<PropEdModifyType_t>( "PropEdModifyType_t" );
 }
 
-CQAttributeEditor_Base::~CQAttributeEditor_Base() = default;
+CQAttributeEditor_Base::~CQAttributeEditor_Base()
+{
+	// Child fields lose focus as they go, and would finish their edits into a half-gone
+	// editor.
+	for ( const QMetaObject::Connection &connection : m_Connections )
+		disconnect( connection );
+}
 
 void CQAttributeEditor_Base::DisconnectAndClear()
 {

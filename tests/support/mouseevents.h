@@ -1,0 +1,32 @@
+#pragma once
+// Mouse and wheel events as a user's hand makes them, sent straight to a widget: drags need
+// the held buttons and modifiers on every move, which QTest's helpers don't carry.
+
+#include <QApplication>
+#include <QMouseEvent>
+#include <QWheelEvent>
+#include <QWidget>
+
+inline void SendMouse( QWidget *pWidget, QEvent::Type eType, const QPoint &pos, Qt::MouseButton eButton, Qt::MouseButtons buttons,
+	Qt::KeyboardModifiers modifiers = Qt::NoModifier )
+{
+	QMouseEvent event( eType, QPointF( pos ), QPointF( pWidget->mapTo( pWidget->window(), pos ) ), QPointF( pWidget->mapToGlobal( pos ) ), eButton, buttons,
+		modifiers );
+	QApplication::sendEvent( pWidget, &event );
+}
+
+// Press at from, moves in steps to to, release there; modifiers held throughout.
+inline void DragMouse( QWidget *pWidget, const QPoint &from, const QPoint &to, Qt::MouseButton eButton = Qt::LeftButton,
+	Qt::KeyboardModifiers modifiers = Qt::NoModifier, int nSteps = 4 )
+{
+	SendMouse( pWidget, QEvent::MouseButtonPress, from, eButton, eButton, modifiers );
+	for ( int i = 1; i <= nSteps; ++i )
+		SendMouse( pWidget, QEvent::MouseMove, from + ( to - from ) * i / nSteps, Qt::NoButton, eButton, modifiers );
+	SendMouse( pWidget, QEvent::MouseButtonRelease, to, eButton, Qt::NoButton, modifiers );
+}
+
+inline void SendWheel( QWidget *pWidget, const QPoint &pos, int nDeltaY, Qt::KeyboardModifiers modifiers = Qt::NoModifier )
+{
+	QWheelEvent event( QPointF( pos ), QPointF( pWidget->mapToGlobal( pos ) ), QPoint(), QPoint( 0, nDeltaY ), Qt::NoButton, modifiers, Qt::NoScrollPhase, false );
+	QApplication::sendEvent( pWidget, &event );
+}
