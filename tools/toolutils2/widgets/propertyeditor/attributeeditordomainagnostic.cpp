@@ -253,14 +253,16 @@ bool CQAttributeEditor_DomainAgnostic::IsIntegerRow() const
 
 void CQAttributeEditor_DomainAgnostic::Initialize( const PropertyEditorInit_t &init )
 {
+	if ( m_bInitialized )
+		DisconnectAndClear();
+	// The kind is chosen with the new targets in place; the widgets follow it, and the
+	// base connects them last.
 	m_KV3Path = init.m_KV3Path;
-	// The kind is chosen with the new targets in place, then the widgets follow it.
 	m_pHost = init.m_pHost;
 	m_Targets = init.m_Targets;
 	m_Info = init.m_Info;
 	int nComponents = 0;
 	Kind_t eKind = ChooseKind( init, &nComponents );
-	CQAttributeEditor_Base::Initialize( init );
 	BuildWidgets( eKind, nComponents );
 
 	// The row's limits and kinds.
@@ -318,6 +320,7 @@ void CQAttributeEditor_DomainAgnostic::Initialize( const PropertyEditorInit_t &i
 			pEdit->SetMaximum( 255 );
 		}
 	}
+	CQAttributeEditor_Base::Initialize( init );
 }
 
 void CQAttributeEditor_DomainAgnostic::ConnectSignals()
