@@ -121,6 +121,7 @@ void CQSliderLineEditFloat::ShowValue()
 	QString text = m_bMixed ? QString() : m_bIntegral ? QString::number( qint64( m_flValue ) ) : QString::number( m_flValue, 'g', 6 );
 	if ( m_pEdit->text() != text )
 		m_pEdit->setText( text );
+	m_pEdit->setModified( false );
 }
 
 void CQSliderLineEditFloat::Take( double flValue )

@@ -249,8 +249,30 @@ void CQSmartLineEdit::mouseReleaseEvent( QMouseEvent *pEvent )
 	}
 }
 
+bool CQSmartLineEdit::PassesHistoryKey( QKeyEvent *pEvent ) const
+{
+	return !isModified() && ( pEvent->matches( QKeySequence::Undo ) || pEvent->matches( QKeySequence::Redo ) );
+}
+
+bool CQSmartLineEdit::event( QEvent *pEvent )
+{
+	// Not taken as the field's own shortcut: the key goes on as a key press, which the
+	// field then hands to its parents.
+	if ( pEvent->type() == QEvent::ShortcutOverride && PassesHistoryKey( static_cast<QKeyEvent *>( pEvent ) ) )
+	{
+		pEvent->ignore();
+		return false;
+	}
+	return QLineEdit::event( pEvent );
+}
+
 void CQSmartLineEdit::keyPressEvent( QKeyEvent *pEvent )
 {
+	if ( PassesHistoryKey( pEvent ) )
+	{
+		pEvent->ignore();
+		return;
+	}
 	if ( m_bIgnoreBackQuote && pEvent->key() == Qt::Key_QuoteLeft )
 	{
 		pEvent->accept();

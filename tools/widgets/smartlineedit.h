@@ -3,7 +3,9 @@
 // by dragging sideways with the middle mouse button: the step per pixel follows the size
 // of the value or the set limits, Shift makes it finer, and Ctrl lifts both limits when
 // both are set. It also warns of text that ends in blanks, selects all on the first click
-// after focus, refuses the back quote and tells when Escape is pressed.
+// after focus, refuses the back quote and tells when Escape is pressed. While the user
+// hasn't changed its text, the Undo and Redo keys pass on to the window, so that they
+// reach the document's history rather than the field's.
 
 #include <QLineEdit>
 
@@ -62,6 +64,7 @@ private slots:
 	void UpdateWhitespaceWarning();
 
 protected:
+	bool event( QEvent *pEvent ) override;
 	void mousePressEvent( QMouseEvent *pEvent ) override;
 	void mouseMoveEvent( QMouseEvent *pEvent ) override;
 	void mouseReleaseEvent( QMouseEvent *pEvent ) override;
@@ -73,6 +76,7 @@ protected:
 	bool eventFilter( QObject *pWatched, QEvent *pEvent ) override;
 
 private:
+	bool PassesHistoryKey( QKeyEvent *pEvent ) const;
 	void StartDrag( QMouseEvent *pEvent );
 	void StepDrag( QMouseEvent *pEvent );
 	void EndDrag();

@@ -553,6 +553,8 @@ void CQAttributeEditor_DomainAgnostic::OnLineEditFinished()
 		return;
 	}
 	Commit( text.trimmed() == text || !IsNumericRow() ? text : text.trimmed() );
+	// Written: the field's text is the value's again, and Undo means the document's.
+	m_pLineEdit->setModified( false );
 }
 
 void CQAttributeEditor_DomainAgnostic::OnLineEditDragStarted()
@@ -591,6 +593,8 @@ void CQAttributeEditor_DomainAgnostic::OnComponentFinished()
 	if ( !bChanged && !IsInIncrementalUpdate() )
 		return;
 	Commit( components.join( ' ' ) );
+	for ( CQSmartLineEdit *pEdit : m_Components )
+		pEdit->setModified( false );
 }
 
 void CQAttributeEditor_DomainAgnostic::OnCheckBoxClicked()
