@@ -4,7 +4,7 @@
 
 #include "core/schema/schemadeclare.h"
 #include "core/text/utlstring.h"
-#include "particleslib/pulsevaluefulltypetransfer.h"
+#include "pulse_runtime_lib/valuetypes/pulsevaluefulltypetransfer.h"
 
 class CParticleVariableRef
 {

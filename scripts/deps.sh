@@ -10,10 +10,12 @@ packages=(
   qtbase5-dev
   libgtest-dev libgmock-dev libbenchmark-dev
   rapidjson-dev                       # benchmarks only: the reference JSON parser
+  liblua5.4-dev                       # benchmarks only: the reference interpreter for Pulse
   antlr3                              # generates the expression parser; brings its Java runtime and
                                       # StringTemplate 4 (the C target needs neither StringTemplate 3 nor other recommends)
   libantlr3c-dev zlib1g-dev libpng-dev libjpeg-dev libtiff-dev libwebp-dev
   xvfb xauth libgl1-mesa-dri          # OpenGL tests and screenshots without a display
+  python3                             # the command line tests read the JSON lines of zol sim --dump
 )
 
 missing=()

@@ -5,10 +5,10 @@
 #include "core/containers/utlbuffer.h"
 #include "core/kv3/keyvalues3.h"
 #include "core/kv3/kv3serialize.h"
+#include "core/platform/platformfile.h"
 #include "core/text/strtools.h"
 #include "core/text/utlstring.h"
 #include "zoldoc_lib/zoldoc.h"
-#include "zoldoc_lib/zolfileio.h"
 #include "zoldoc_lib/zolfunctioncatalogue.h"
 
 namespace
@@ -17,9 +17,10 @@ namespace
 // the editor's words, when it can't be read or parsed.
 bool ReadRootClass( const char *pPath, CUtlBuffer *pBuffer, CUtlString *pClass, CUtlString *pError )
 {
-	if ( !ZolReadWholeFile( pPath, "", pBuffer ) )
+	CUtlString reason;
+	if ( !Plat_ReadWholeFile( pPath, pBuffer, &reason, PLAT_MAX_READ_FILE_BYTES, PLAT_READ_ALLOW_PIPE ) )
 	{
-		pError->Set( "Failed to read file" );
+		pError->Format( "Failed to read file: %s", reason.Get() );
 		return false;
 	}
 	KeyValues3 tree;

@@ -140,6 +140,41 @@ void ReadConfigurations( KeyValues3 *pTree, CUtlString *pWarnings )
 	pWarnings->Append( context.GetErrorText() );
 }
 
+// Functions the version's sanitising leaves out are told, so that a save never drops one
+// without a word: a class this build doesn't know, or one outside the file's version.
+void WarnOfDroppedFunctions( CZolRootNode *pRoot, int nVersion, bool bKeepUnknownClasses, CUtlString *pWarnings )
+{
+	for ( int nType = 0; nType < PARTICLE_FUNCTION_CLASS_LIST_COUNT; ++nType )
+	{
+		const ParticleFunctionType_t eType = ParticleFunctionType_t( nType );
+		for ( int i = 0; i < pRoot->GetNodeCount( eType ); ++i )
+		{
+			const char *pClass = pRoot->GetNode( eType, i )->GetClassName();
+			const char *pReplacement = GetReplacementForVersion( eType, pClass, nVersion );
+			if ( ( pReplacement && *pReplacement ) || IsFunctionValidForVersion( eType, pClass, nVersion ) )
+				continue;
+			if ( bKeepUnknownClasses && FindParticleFunctionClass( eType, pClass ) < 0 )
+				continue;
+			int nBelongs = -1;
+			for ( int nOther = 0; nOther < PARTICLE_FUNCTION_CLASS_LIST_COUNT && nBelongs < 0 && pClass && *pClass; ++nOther )
+			{
+				if ( nOther != nType && FindParticleFunctionSchemaClass( ParticleFunctionType_t( nOther ), pClass ) )
+					nBelongs = nOther;
+			}
+			if ( !pClass || !*pClass )
+				pWarnings->AppendFormat( "%s[%d]: a function without a _class; it is left out, and a save drops it\n", GetParticleFunctionListKey( nType ), i );
+			else if ( nBelongs >= 0 )
+				pWarnings->AppendFormat( "%s[%d]: '%s' belongs in %s; it is left out, and a save drops it\n", GetParticleFunctionListKey( nType ), i, pClass,
+					GetParticleFunctionListKey( nBelongs ) );
+			else if ( FindParticleFunctionSchemaClass( eType, pClass ) )
+				pWarnings->AppendFormat( "%s[%d]: '%s' does not exist at behaviour version %d; it is left out, and a save drops it\n",
+					GetParticleFunctionListKey( nType ), i, pClass, nVersion );
+			else
+				pWarnings->AppendFormat( "%s[%d]: unknown function class '%s'; it is left out, and a save drops it\n", GetParticleFunctionListKey( nType ), i, pClass );
+		}
+	}
+}
+
 // Members in the order their class declares them, the rest after: a node that keeps some
 // members aside writes the same text however it was made.
 void OrderLikeClass( KeyValues3 *pTable, const char *pClassName )
@@ -180,11 +215,12 @@ void CZolDoc::DropRoot()
 bool CZolDoc::LoadFromFile( const char *pPath, const char *pPathId, CUtlString *pError )
 {
 	CUtlBuffer buffer;
-	if ( !ZolReadWholeFile( pPath, pPathId, &buffer ) )
+	CUtlString reason;
+	if ( !ZolReadWholeFile( pPath, pPathId, &buffer, &reason ) )
 	{
 		DropRoot();
 		if ( pError )
-			pError->Set( "Failed to read file" );
+			pError->Format( "Failed to read file: %s", reason.Get() );
 		return false;
 	}
 	return LoadFromBuffer( &buffer, pPath, pError );
@@ -212,6 +248,7 @@ bool CZolDoc::LoadFromBuffer( CUtlBuffer *pBuffer, const char *pSourceName, CUtl
 	m_pRoot = new CZolRootNode( this );
 	m_pRoot->TakeRootFromKV3( &tree );
 	// A file stays at its own version until the user upgrades it.
+	WarnOfDroppedFunctions( m_pRoot, GetBehaviorVersion(), m_bKeepsUnknownFunctions, &m_LoadWarnings );
 	SanitiseForVersion( m_pRoot, GetBehaviorVersion(), m_bKeepsUnknownFunctions );
 	m_Selection.AddToTail( ZolElementRef_t::Root() );
 

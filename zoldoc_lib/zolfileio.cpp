@@ -7,6 +7,8 @@
 #include "core/containers/utlbuffer.h"
 #include "core/host/ifilesystem.h"
 #include "core/host/safefilewrite.h"
+#include "core/platform/platformfile.h"
+#include "core/text/utlstring.h"
 
 namespace
 {
@@ -25,10 +27,14 @@ std::filesystem::path ToFilePath( const char *pPath )
 }
 } // namespace
 
-bool ZolReadWholeFile( const char *pPath, const char *pPathId, CUtlBuffer *pBuffer )
+bool ZolReadWholeFile( const char *pPath, const char *pPathId, CUtlBuffer *pBuffer, CUtlString *pReason )
 {
 	if ( !pPath || !*pPath )
+	{
+		if ( pReason )
+			pReason->Set( "no file name given" );
 		return false;
+	}
 	// A path id needs the host's search paths; without an id the path is taken as given.
 	if ( pPathId && *pPathId )
 	{
@@ -42,16 +48,7 @@ bool ZolReadWholeFile( const char *pPath, const char *pPathId, CUtlBuffer *pBuff
 			}
 		}
 	}
-	FILE *pFile = fopen( ToFilePath( pPath ).string().c_str(), "rb" );
-	if ( !pFile )
-		return false;
-	char chunk[ 64 * 1024 ];
-	size_t nRead;
-	while ( ( nRead = fread( chunk, 1, sizeof( chunk ), pFile ) ) > 0 )
-		pBuffer->Put( chunk, nRead );
-	bool bFailed = ferror( pFile ) != 0;
-	fclose( pFile );
-	return !bFailed;
+	return Plat_ReadWholeFile( ToFilePath( pPath ).string().c_str(), pBuffer, pReason );
 }
 
 bool ZolWriteWholeFile( const char *pPath, const CUtlBuffer &buffer, CUtlString *pError )

@@ -6,8 +6,9 @@
 class CUtlBuffer;
 class CUtlString;
 
-// Appends the file's bytes to the buffer; false when it can't be opened or read.
-bool ZolReadWholeFile( const char *pPath, const char *pPathId, CUtlBuffer *pBuffer );
+// Appends the file's bytes to the buffer; false with the reason when it can't be read
+// (missing, not a regular file, beyond the size limit of file reads).
+bool ZolReadWholeFile( const char *pPath, const char *pPathId, CUtlBuffer *pBuffer, CUtlString *pReason = nullptr );
 
 // Writes the buffer through the safe write layer (core/host/safefilewrite.h): the
 // directory chain is made, a crash never leaves half a file, read-only files are refused

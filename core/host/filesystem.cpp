@@ -17,6 +17,7 @@
 #include "core/host/hostpaths.h"
 #include "core/host/safefilewrite.h"
 #include "core/logging/logging.h"
+#include "core/platform/platformfile.h"
 #include "core/text/strtools.h"
 
 namespace fs = std::filesystem;
@@ -184,28 +185,12 @@ bool CFileSystem::ReadFile( const char *pFileName, const char *pPathID, CUtlBuff
 		SetError( pError, "Unable to find file '%s' (path id '%s')", pFileName ? pFileName : "", pPathID ? pPathID : "" );
 		return false;
 	}
-	std::error_code error;
-	if ( fs::is_directory( diskPath.Get(), error ) )
-	{
-		SetError( pError, "'%s' is a directory, not a file", diskPath.Get() );
-		return false;
-	}
-	FILE *pFile = fopen( diskPath.Get(), "rb" );
-	if ( !pFile )
-	{
-		SetError( pError, "Unable to open '%s' for reading: %s", diskPath.Get(), strerror( errno ) );
-		return false;
-	}
 	pBuffer->Clear();
-	char chunk[ 65536 ];
-	size_t nRead;
-	while ( ( nRead = fread( chunk, 1, sizeof( chunk ), pFile ) ) > 0 )
-		pBuffer->Put( chunk, nRead );
-	bool bFailed = ferror( pFile ) != 0;
-	fclose( pFile );
-	if ( bFailed )
+	CUtlString reason;
+	if ( !Plat_ReadWholeFile( diskPath.Get(), pBuffer, &reason ) )
 	{
-		SetError( pError, "Error while reading '%s'", diskPath.Get() );
+		pBuffer->Clear();
+		SetError( pError, "Unable to read '%s': %s", diskPath.Get(), reason.Get() );
 		return false;
 	}
 	return true;

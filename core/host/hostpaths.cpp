@@ -1,5 +1,6 @@
 #include "core/host/hostpaths.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <string>
 #include <system_error>
@@ -125,6 +126,43 @@ bool Host_FindOnDisk( const char *pPath, CUtlString *pDiskPath )
 		return false;
 	pDiskPath->Set( resolved.generic_string().c_str() );
 	return true;
+}
+
+HostFindResult_t Host_FindOnDiskBelow( const char *pBase, const char *pRelative, CUtlString *pDiskPath, CUtlString *pClash )
+{
+	fs::path resolved( Normalized( pBase ) );
+	std::string relative = Normalized( pRelative );
+	if ( relative.empty() )
+		return HOST_FIND_MISSING;
+	for ( const fs::path &part : fs::path( relative ) )
+	{
+		const std::string name = part.string();
+		std::error_code error;
+		fs::directory_iterator it( resolved.empty() ? fs::path( "." ) : resolved, error );
+		if ( error )
+			return HOST_FIND_MISSING;
+		std::vector<std::string> matches;
+		for ( const fs::directory_entry &entry : it )
+		{
+			std::string entryName = entry.path().filename().string();
+			if ( V_stricmp_fast( entryName.c_str(), name.c_str() ) == 0 )
+				matches.push_back( entryName );
+		}
+		if ( matches.empty() )
+			return HOST_FIND_MISSING;
+		if ( matches.size() > 1 )
+		{
+			if ( pClash )
+			{
+				std::sort( matches.begin(), matches.end() );
+				pClash->Format( "'%s' and '%s'", ( resolved / matches[ 0 ] ).generic_string().c_str(), ( resolved / matches[ 1 ] ).generic_string().c_str() );
+			}
+			return HOST_FIND_AMBIGUOUS;
+		}
+		resolved /= matches[ 0 ];
+	}
+	pDiskPath->Set( resolved.generic_string().c_str() );
+	return HOST_FIND_FOUND;
 }
 
 CUtlString Host_DiskPathForWrite( const char *pPath )

@@ -15,6 +15,17 @@ CUtlString Host_JoinPath( const char *pDirectory, const char *pRelative );
 // The disk path of what exists at pPath, finding each component ignoring case when its
 // exact spelling isn't there. False when nothing matches.
 bool Host_FindOnDisk( const char *pPath, CUtlString *pDiskPath );
+// Finds pRelative (forward or back slashes, no "..") below the existing directory pBase,
+// each name ignoring case, as Host_FindOnDisk does; unlike it, a name that two entries
+// on disk match ignoring case ("Fire.tfxs" and "fire.tfxs") is not taken as either of
+// them: the answer is HOST_FIND_AMBIGUOUS with both disk paths in pClash ("A" and "B").
+enum HostFindResult_t
+{
+	HOST_FIND_MISSING,
+	HOST_FIND_FOUND,
+	HOST_FIND_AMBIGUOUS,
+};
+HostFindResult_t Host_FindOnDiskBelow( const char *pBase, const char *pRelative, CUtlString *pDiskPath, CUtlString *pClash = nullptr );
 // The disk path to create something at pPath: the existing directories above it are
 // found ignoring case, the rest is taken as spelt.
 CUtlString Host_DiskPathForWrite( const char *pPath );

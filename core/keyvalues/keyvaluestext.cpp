@@ -4,6 +4,7 @@
 
 #include "core/containers/utlbuffer.h"
 #include "core/host/safefilewrite.h"
+#include "core/platform/platformfile.h"
 
 #include <cstdio>
 #include <cstring>
@@ -351,24 +352,12 @@ static std::string NativePath( const char *pPath )
 bool KeyValues::LoadFromFile( const char *pPath, CUtlString *pError )
 {
 	Clear();
-	FILE *pFile = fopen( NativePath( pPath ).c_str(), "rb" );
-	if ( !pFile )
-	{
-		if ( pError )
-			pError->Format( "%s: cannot open the file", pPath ? pPath : "" );
-		return false;
-	}
 	std::string text;
-	char chunk[ 4096 ];
-	size_t nRead;
-	while ( ( nRead = fread( chunk, 1, sizeof( chunk ), pFile ) ) > 0 )
-		text.append( chunk, nRead );
-	bool bReadError = ferror( pFile ) != 0;
-	fclose( pFile );
-	if ( bReadError )
+	CUtlString reason;
+	if ( !Plat_ReadWholeFile( NativePath( pPath ).c_str(), &text, &reason ) )
 	{
 		if ( pError )
-			pError->Format( "%s: cannot read the file", pPath ? pPath : "" );
+			pError->Format( "%s: %s", pPath ? pPath : "", reason.Get() );
 		return false;
 	}
 	return LoadFromBuffer( pPath, text.data(), text.size(), pError );

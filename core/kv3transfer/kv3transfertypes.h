@@ -371,10 +371,11 @@ template <SchemaDeclaredClass C> struct KV3Transfer_t<C>
 };
 
 // A family may keep data of a class it doesn't know by defining
-//	static std::unique_ptr<Base> KV3CreateForUnknownClass( const char *pszClassName );
+//	static std::unique_ptr<Base> KV3CreateForUnknownClass( const char *pszClassName, const KeyValues3 *pTable, CKV3TransferLoadContext *pContext );
+// which sees the whole table (to keep its keys) and reports what it wants to.
 template <typename C>
-concept KV3UnknownClassRule = requires( const char *pszName ) {
-	{ C::KV3CreateForUnknownClass( pszName ) } -> std::same_as<std::unique_ptr<C>>;
+concept KV3UnknownClassRule = requires( const char *pszName, const KeyValues3 *pTable, CKV3TransferLoadContext *pContext ) {
+	{ C::KV3CreateForUnknownClass( pszName, pTable, pContext ) } -> std::same_as<std::unique_ptr<C>>;
 };
 
 void KV3TransferReportUnknownClass( CKV3TransferLoadContext *pContext, const char *pszClassName, const char *pszBaseName );
@@ -411,7 +412,7 @@ template <SchemaDeclaredClass C> struct KV3Transfer_t<std::unique_ptr<C>>
 			if ( !pClass || !pClass->IsA( pBase ) )
 			{
 				if constexpr ( KV3UnknownClassRule<C> )
-					pObject = C::KV3CreateForUnknownClass( pszClassName );
+					pObject = C::KV3CreateForUnknownClass( pszClassName, pValue, pContext );
 				else
 					KV3TransferReportUnknownClass( pContext, pszClassName, pBase->GetName() );
 				return;

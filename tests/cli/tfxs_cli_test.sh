@@ -36,11 +36,40 @@ echo "$out" | grep -qE "^$work/broken.tfxs: .+" || fail "no FILE: message for br
 
 out=$("$zol" tfxs check "$work/missing.tfxs" 2>&1)
 [ $? -eq 1 ] || fail "check did not exit 1 on a missing file"
-[ "$out" = "$work/missing.tfxs: Failed to read file" ] || fail "wrong message for a missing file: $out"
+[ "$out" = "$work/missing.tfxs: Failed to read file: No such file or directory" ] || fail "wrong message for a missing file: $out"
 
 # One bad file among good ones: every file is reported, the status is 1.
 out=$("$zol" tfxs check "${samples[0]}" "$work/other.tfxs" 2>&1)
 [ $? -eq 1 ] || fail "a bad file among good ones did not give status 1"
+
+# check refuses what zol sim refuses: a function's fields and the whole tree of children.
+header='--- kv3 encoding=text:e21c7f3c-8a33-41c5-9977-a76d3a32aa0d format=tfxs63:a6e6a69e-52d3-4527-8b9c-ff3bb91aca3e ---'
+mkdir -p "$work/content/particles"
+printf '%s\n{ _class = "CParticleSystemDefinition" m_Operators = [ { _class = "C_OP_FadeInSimple" m_nFieldOutput = 99 } ] }\n' "$header" > "$work/content/particles/field.tfxs"
+printf '%s\n{ _class = "CParticleSystemDefinition" m_Children = [ { m_ChildRef = "particles/field.tfxs" } ] }\n' "$header" > "$work/content/particles/parent.tfxs"
+printf '%s\n{ _class = "CParticleSystemDefinition" m_Children = [ { m_ChildRef = "particles/gone.tfxs" } ] }\n' "$header" > "$work/content/particles/orphan.tfxs"
+for f in field parent orphan; do
+  out=$("$zol" tfxs check "$work/content/particles/$f.tfxs" 2>&1)
+  [ $? -eq 1 ] || fail "check accepted $f.tfxs, which sim refuses: $out"
+  sim=$("$zol" sim "$work/content/particles/$f.tfxs" 2>&1)
+  [ "$out" = "$sim" ] || fail "check and sim give different reasons for $f.tfxs: $out / $sim"
+done
+echo "$out" | grep -q "orphan.tfxs: Child 'particles/gone.tfxs': no such file in $work/content" || fail "the missing child is not named with where it was looked for: $out"
+out=$("$zol" tfxs check "$work/content/particles/field.tfxs" 2>&1)
+echo "$out" | grep -q 'm_Operators\[0\] (C_OP_FadeInSimple): m_nFieldOutput 99 is not a particle attribute' || fail "the bad field is not named: $out"
+
+# A function of a class this build doesn't know: a warning, since a save drops it.
+printf '%s\n{ _class = "CParticleSystemDefinition" m_Operators = [ { _class = "C_OP_Decay" }, { _class = "C_OP_NoSuchThing" } ] }\n' "$header" > "$work/unknown.tfxs"
+out=$("$zol" tfxs fmt "$work/unknown.tfxs" 2>&1 >/dev/null)
+echo "$out" | grep -q "unknown.tfxs: m_Operators\[1\]: unknown function class 'C_OP_NoSuchThing'; it is left out, and a save drops it" || fail "fmt drops an unknown function without a word: $out"
+
+# --content before or after the command word; a file below it resolves its children there.
+mkdir -p "$work/elsewhere"
+printf '%s\n{ _class = "CParticleSystemDefinition" m_Children = [ { m_ChildRef = "particles/parent.tfxs" } ] }\n' "$header" > "$work/elsewhere/top.tfxs"
+for args in "--content $work/content tfxs check" "tfxs check --content $work/content" "tfxs --content $work/content check"; do
+  out=$("$zol" $args "$work/elsewhere/top.tfxs" 2>&1)
+  echo "$out" | grep -q "Child 'particles/parent.tfxs': Child 'particles/field.tfxs'" || fail "zol $args did not resolve children through the content root: $out"
+done
 
 # The catalogue lists each function list with its classes.
 out=$(cd "$src" && "$zol" catalogue) || fail "catalogue failed"

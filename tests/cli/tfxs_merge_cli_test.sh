@@ -57,7 +57,7 @@ out=$("$zol" tfxs diff "$work/base.tfxs" "$work/broken.tfxs" 2>&1)
 [ $? -eq 2 ] || fail "diff with a broken file did not exit 2"
 echo "$out" | grep -qE "^$work/broken.tfxs: .+" || fail "no FILE: message for a broken file: $out"
 out=$("$zol" tfxs diff "$work/missing.tfxs" "$work/base.tfxs" 2>&1)
-[ $? -eq 2 ] && [ "$out" = "$work/missing.tfxs: Failed to read file" ] || fail "wrong report of a missing file: $out"
+[ $? -eq 2 ] && [ "$out" = "$work/missing.tfxs: Failed to read file: No such file or directory" ] || fail "wrong report of a missing file: $out"
 out=$("$zol" tfxs diff "$work/base.tfxs" "$work/other.tfxs" 2>&1)
 [ $? -eq 2 ] || fail "diff of two root classes did not exit 2"
 [ "$out" = "$work/base.tfxs and $work/other.tfxs have different root classes ('CParticleSystemDefinition' and 'CSomethingElse'); only particle system definitions compare" ] ||
@@ -116,12 +116,12 @@ git add fire.tfxs .gitattributes && git commit -qm "fire"
 git checkout -qb flames
 edit fire.tfxs '{ _class = "C_OP_SpinUpdate" },' '{ _class = "C_OP_SpinUpdate" },
 		{ _class = "C_OP_FadeAndKill" m_flStartFadeOutTime = 0.6 },'
-edit fire.tfxs 'm_Gravity = [ 0.0, 0.0, 30.0 ] m_fDrag = 0.05' 'm_Gravity = [ 0.0, 0.0, 45.0 ] m_fDrag = 0.05'
+edit fire.tfxs 'm_Gravity = [ 0.0, 0.0, 30.0 ] m_fDrag = 0.9539' 'm_Gravity = [ 0.0, 0.0, 45.0 ] m_fDrag = 0.9539'
 git commit -qam "flames fade and rise faster"
 git checkout -q main && git checkout -qb smoke
 edit fire.tfxs '{ _class = "C_OP_SpinUpdate" },' '{ _class = "C_OP_SpinUpdate" },
 		{ _class = "C_OP_LerpScalar" },'
-edit fire.tfxs 'm_Gravity = [ 0.0, 0.0, 30.0 ] m_fDrag = 0.05' 'm_Gravity = [ 0.0, 0.0, 30.0 ] m_fDrag = 0.08'
+edit fire.tfxs 'm_Gravity = [ 0.0, 0.0, 30.0 ] m_fDrag = 0.9539' 'm_Gravity = [ 0.0, 0.0, 30.0 ] m_fDrag = 0.98'
 git commit -qam "more drag, lerp"
 
 # Until the driver is configured git's line merge of these branches conflicts.
@@ -135,7 +135,7 @@ git config merge.tfxs.driver "'$zol' tfxs merge %O %A %B -o %A"
 git merge -q --no-edit smoke > "$work/err" 2>&1 || fail "git merge with the driver failed: $(cat "$work/err")"
 out=$("$zol" tfxs diff <(git show main:fire.tfxs) fire.tfxs)
 expected='Operators #1 Movement Basic: Gravity: [0, 0, 30] -> [0, 0, 45]
-Operators #1 Movement Basic: Drag: 0.05 -> 0.08
+Operators #1 Movement Basic: Drag: 0.9539 -> 0.98
 Operators #8 Alpha Fade and Decay: added
 Operators #9 Lerp Initial Scalar: added'
 [ "$out" = "$expected" ] || fail "the merged sample differs from main by: $out"
@@ -143,7 +143,7 @@ Operators #9 Lerp Initial Scalar: added'
 
 # The text conversion: git diff speaks the artist's terms.
 out=$(git diff main HEAD -- fire.tfxs)
-echo "$out" | grep -qx '+    Drag: 0.08' || fail "git diff lacks the drag line: $out"
+echo "$out" | grep -qx '+    Drag: 0.98' || fail "git diff lacks the drag line: $out"
 echo "$out" | grep -qx '+  Lerp Initial Scalar' || fail "git diff lacks the added function: $out"
 
 # A true conflict under git: the merge stops, the file keeps ours and stays loadable.

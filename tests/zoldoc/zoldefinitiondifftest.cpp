@@ -75,7 +75,7 @@ const DiffCase_t s_DiffCases[] = {
 	// What means the same is no change.
 	{ "BareNumberIsItsLiteral", "fire.tfxs", { { "{ m_nType = \"PF_TYPE_LITERAL\" m_flLiteralValue = 40.0 }", "40" } }, {} },
 	{ "LayoutAndCommentsAreNoChange", "fire.tfxs",
-	  { { "// Flicker: the alpha wobbles a few times over each flame's life.\n", "" }, { "m_Gravity = [ 0.0, 0.0, 30.0 ] m_fDrag = 0.05", "m_fDrag = 0.05\n\t\t\tm_Gravity = [ 0, 0, 30 ]" } },
+	  { { "// Flicker: the alpha wobbles a few times over each flame's life.\n", "" }, { "m_Gravity = [ 0.0, 0.0, 30.0 ] m_fDrag = 0.9539", "m_fDrag = 0.9539\n\t\t\tm_Gravity = [ 0, 0, 30 ]" } },
 	  {} },
 	{ "ValueAtItsDefaultWrittenOutIsNoChange", "fire.tfxs", { { "{ _class = \"C_OP_Decay\" }", "{ _class = \"C_OP_Decay\" m_bDisableOperator = false }" } }, {} },
 	// Files at one old version compare at it: an edit the upgrade would drop still shows.
@@ -166,7 +166,7 @@ TEST_F( ZolSampleFixture, FilesThatDontLoadOrDontMatchAreRefusedByName )
 	EXPECT_FALSE( DiffDefinitionFiles( fire.c_str(), broken.c_str(), &changes, &error ) );
 	EXPECT_EQ( std::string( error.Get() ).rfind( broken + ": ", 0 ), 0u ) << error.Get();
 	EXPECT_FALSE( DiffDefinitionFiles( ( m_Folder + "/missing.tfxs" ).c_str(), fire.c_str(), &changes, &error ) );
-	EXPECT_EQ( std::string( error.Get() ), m_Folder + "/missing.tfxs: Failed to read file" );
+	EXPECT_EQ( std::string( error.Get() ), m_Folder + "/missing.tfxs: Failed to read file: No such file or directory" );
 	EXPECT_FALSE( DiffDefinitionFiles( fire.c_str(), other.c_str(), &changes, &error ) );
 	EXPECT_NE( std::string( error.Get() ).find( "different root classes ('CParticleSystemDefinition' and 'CSomethingElse')" ), std::string::npos ) << error.Get();
 }

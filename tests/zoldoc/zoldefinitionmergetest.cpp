@@ -25,7 +25,7 @@ const SampleEdit_t s_RadiusScaleEnd = { "m_flEndScale = 0.3", "m_flEndScale = 0.
 const SampleEdit_t s_FadeOutShort = { "m_flFadeOutTime = 0.5", "m_flFadeOutTime = 0.4" };
 const SampleEdit_t s_FadeOutLong = { "m_flFadeOutTime = 0.5", "m_flFadeOutTime = 0.7" };
 const SampleEdit_t s_Gravity = { "m_Gravity = [ 0.0, 0.0, 30.0 ]", "m_Gravity = [ 0.0, 0.0, 45.0 ]" };
-const SampleEdit_t s_Drag = { "m_fDrag = 0.05", "m_fDrag = 0.08" };
+const SampleEdit_t s_Drag = { "m_fDrag = 0.9539", "m_fDrag = 0.98" };
 const SampleEdit_t s_MaxParticles = { "m_nMaxParticles = 24", "m_nMaxParticles = 30" };
 const SampleEdit_t s_GroundGrid = { "ZOL_GROUND_PLANE", "ZOL_GROUND_GRID" };
 const SampleEdit_t s_DriverOffset = { "m_vecOffset = [ 0.0, 0.0, 48.0 ]", "m_vecOffset = [ 0.0, 0.0, 60.0 ]" };
@@ -184,7 +184,7 @@ TEST_F( ZolSampleFixture, FunctionsOfUnknownClassesSurviveAMerge )
 	std::vector<std::string> conflicts;
 	const std::string merged = Merge( base, ours, theirs, &conflicts );
 	EXPECT_NE( merged.find( "_class = \"C_OP_FromANewerEditor\"\n\t\t\tm_flStrength = 2.0" ), std::string::npos ) << merged;
-	EXPECT_NE( merged.find( "m_fDrag = 0.08" ), std::string::npos );
+	EXPECT_NE( merged.find( "m_fDrag = 0.98" ), std::string::npos );
 	EXPECT_TRUE( conflicts.empty() );
 }
 

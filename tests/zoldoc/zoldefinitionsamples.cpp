@@ -1,3 +1,4 @@
+#include <unistd.h>
 #include "tests/zoldoc/zoldefinitionsamples.h"
 
 #include <filesystem>
@@ -22,7 +23,7 @@ ZolSampleFixture::ZolSampleFixture()
 		if ( c == '/' )
 			c = '_';
 	}
-	m_Folder = ( std::filesystem::temp_directory_path() / ( "zol_samples_" + name ) ).string();
+	m_Folder = ( std::filesystem::temp_directory_path() / ( "zol_samples_" + name + "_" + std::to_string( getpid() ) ) ).string();
 	std::filesystem::remove_all( m_Folder );
 	std::filesystem::create_directories( m_Folder );
 }

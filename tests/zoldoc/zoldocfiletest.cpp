@@ -51,7 +51,7 @@ TEST_F( ZolCatalogueFixture, MissingFileIsRefusedAndLeavesNoRoot )
 {
 	CUtlString error;
 	EXPECT_FALSE( m_Doc.LoadFromFile( "/nonexistent/dir/none.tfxs", "", &error ) );
-	EXPECT_STREQ( error.Get(), "Failed to read file" );
+	EXPECT_STREQ( error.Get(), "Failed to read file: No such file or directory" );
 	EXPECT_EQ( m_Doc.GetRoot(), nullptr );
 	// A null error text is allowed.
 	EXPECT_FALSE( m_Doc.LoadFromFile( "/nonexistent/dir/none.tfxs", "", nullptr ) );
@@ -84,7 +84,9 @@ TEST_F( ZolCatalogueFixture, FileOfAnotherOrNoRootClassIsRefused )
 	}
 }
 
-TEST_F( ZolCatalogueFixture, UnknownFunctionsAndUndeclaredMembersDisappearWithoutAWord )
+// A save can't keep a function it knows nothing of: it says so when the file is read,
+// so that the loss is never silent. Undeclared members of known classes just go.
+TEST_F( ZolCatalogueFixture, UnknownFunctionsAreToldAndLeftOutUndeclaredMembersDisappear )
 {
 	std::string path = WriteFile( "unknown.tfxs", MakeDefinitionText( R"(_class = "CParticleSystemDefinition"
 m_nBehaviorVersion = 5
@@ -95,7 +97,8 @@ m_Operators = [
 ])" ) );
 	CUtlString error;
 	ASSERT_TRUE( m_Doc.LoadFromFile( path.c_str(), "", &error ) ) << error.Get();
-	EXPECT_TRUE( m_Doc.GetLoadWarnings().IsEmpty() );
+	EXPECT_STREQ( m_Doc.GetLoadWarnings().Get(), "m_Operators[0]: unknown function class 'C_OP_FromAnotherBuild'; it is left out, and a save drops it\n"
+												  "m_Operators[2]: a function without a _class; it is left out, and a save drops it\n" );
 	EXPECT_EQ( ListClasses( PARTICLE_FUNCTION_OPERATOR ), "C_OP_TestNoMax" );
 	const KeyValues3 *pTable = m_Doc.GetRoot()->GetNode( PARTICLE_FUNCTION_OPERATOR, 0 )->GetReadKV3();
 	EXPECT_FLOAT_EQ( pTable->GetMemberFloat( "m_flShared" ), 4.0f );

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cmath>
+#include <limits>
 
 #include "core/logging/logonce.h"
 #include "core/particles/particlemodelresource.h"
@@ -10,6 +12,10 @@
 namespace
 {
 const ParticleControlPoint_t s_UnsetControlPoint;
+// Pre-simulation steps at a fixed rate, as a system would have run before it was seen.
+constexpr double PRESIMULATION_RATE = 30.0;
+// The most sub-steps one frame is split into, whatever its length.
+constexpr int MAX_SUB_STEPS = 128;
 
 uint32_t MixSeed( uint64_t nSeed, uint32_t nSalt )
 {
@@ -501,21 +507,32 @@ void CParticleCollection::RemoveKilledParticles()
 	m_nKilled = 0;
 }
 
+int CParticleCollection::CountToEmit( float flDt )
+{
+	// Emitters may ask for far more than there is room for; the sum is kept wide and cut
+	// to the room, so no count of theirs can overflow it.
+	const auto &emitters = m_pDefinition->GetFunctions( PARTICLE_FUNCTION_EMITTER );
+	int64_t nTotal = 0;
+	for ( size_t e = 0; e < emitters.size(); ++e )
+		nTotal += std::max( 0, emitters[ e ]->Emit( *this, m_EmitterStates[ e ], m_flCurTime, flDt ) );
+	return int( std::min<int64_t>( nTotal, int64_t( m_nCapacity - m_nActive ) ) );
+}
+
 void CParticleCollection::RunStep( float flDt, bool bMove )
 {
 	const CParticleRuntimeDefinition &def = *m_pDefinition;
-	m_flCurTime += flDt;
+	m_flCurTime += double( flDt );
 	for ( const auto &pOperator : def.GetFunctions( PARTICLE_FUNCTION_PRE_EMISSION_OPERATOR ) )
 		pOperator->Operate( *this, flDt );
 
-	if ( !m_bEmissionStopped && m_flCurTime <= def.m_flStopSimulationAfterTime )
-	{
-		const auto &emitters = def.GetFunctions( PARTICLE_FUNCTION_EMITTER );
-		int nToEmit = 0;
-		for ( size_t e = 0; e < emitters.size(); ++e )
-			nToEmit += emitters[ e ]->Emit( *this, m_EmitterStates[ e ], m_flCurTime, flDt );
-		SpawnParticles( nToEmit );
-	}
+	// Lives that are over end before emission, so that an emitter keeping a count refills
+	// the places they free within the same step instead of a step later.
+	for ( const auto &pOperator : def.GetFunctions( PARTICLE_FUNCTION_OPERATOR ) )
+		pOperator->KillExpired( *this );
+	RemoveKilledParticles();
+
+	if ( !m_bEmissionStopped && m_flCurTime <= double( def.m_flStopSimulationAfterTime ) )
+		SpawnParticles( CountToEmit( flDt ) );
 	if ( !bMove )
 	{
 		// A culled step: particles age and die, nothing else.
@@ -544,7 +561,8 @@ void CParticleCollection::RunStep( float flDt, bool bMove )
 void CParticleCollection::Simulate( float flDt )
 {
 	auto tStart = std::chrono::steady_clock::now();
-	if ( !( flDt > 0.0f ) )
+	// A step that is no time at all (negative, NaN, infinite) steps nothing.
+	if ( !( flDt > 0.0f ) || !std::isfinite( flDt ) )
 		flDt = 0.0f;
 
 	// A child waits out its delay; an end-cap child waits for the end cap.
@@ -554,33 +572,40 @@ void CParticleCollection::Simulate( float flDt )
 		bRuns = false;
 	else if ( m_pParent && m_flFirstRunTime > 0.0f )
 	{
-		float flParentTime = m_pParent->GetTime() - ( m_bIsEndCapChild ? m_pParent->m_flEndCapTime : 0.0f );
-		if ( flParentTime < m_flFirstRunTime )
+		double flParentTime = m_pParent->m_flCurTime - ( m_bIsEndCapChild ? m_pParent->m_flEndCapTime : 0.0 );
+		if ( flParentTime < double( m_flFirstRunTime ) )
 			bRuns = false;
 		else if ( !m_bStarted )
-			flStepDt = std::min( flDt, flParentTime - m_flFirstRunTime );
+			flStepDt = float( std::min( double( flDt ), flParentTime - double( m_flFirstRunTime ) ) );
 	}
 	if ( bRuns )
 	{
 		if ( !m_bStarted && m_pDefinition->m_flPreSimulationTime > 0.0f )
 		{
+			// Bounded however the definition was made: the compile cuts it with a warning.
 			m_bStarted = true;
-			for ( float flPre = 0.0f; flPre < m_pDefinition->m_flPreSimulationTime; flPre += 1.0f / 30.0f )
-				Simulate( 1.0f / 30.0f );
+			const double flPreSeconds = std::min( double( m_pDefinition->m_flPreSimulationTime ), double( PARTICLE_MAX_PRESIMULATION_SECONDS ) );
+			int nPreSteps = int( std::ceil( flPreSeconds * PRESIMULATION_RATE - 1e-4 ) );
+			for ( int i = 0; i < nPreSteps; ++i )
+				Simulate( float( 1.0 / PRESIMULATION_RATE ) );
 		}
 		m_bStarted = true;
-		// Long frames are split so that movement stays stable.
-		float flRemaining = flStepDt;
-		do
+		// Long frames are split into equal sub-steps no longer than the maximum time step;
+		// their number is bounded, so that no frame length can stall the step.
+		const float flMaxStep = m_pDefinition->m_flMaximumTimeStep;
+		int nSubSteps = 1;
+		if ( flStepDt > flMaxStep )
+			nSubSteps = int( std::min( std::ceil( double( flStepDt ) / double( flMaxStep ) - 1e-6 ), double( MAX_SUB_STEPS ) ) );
+		nSubSteps = std::max( nSubSteps, 1 );
+		const float flSub = nSubSteps == 1 ? flStepDt : float( double( flStepDt ) / nSubSteps );
+		for ( int i = 0; i < nSubSteps; ++i )
 		{
-			float flSub = std::min( flRemaining, m_pDefinition->m_flMaximumTimeStep );
 			for ( ParticleControlPoint_t &cp : m_ControlPoints )
 				cp.m_vPrevPosition = cp.m_vPosition;
 			RunStep( flSub, true );
 			if ( flSub > 0.0f )
-				m_flPreviousDt = flSub;
-			flRemaining -= flSub;
-		} while ( flRemaining > 1e-7f );
+				m_flPreviousDt = MotionDt( flSub );
+		}
 	}
 	for ( auto &pChild : m_Children )
 		pChild->Simulate( flDt );
@@ -601,9 +626,9 @@ void CParticleCollection::Simulate( float flDt )
 
 void CParticleCollection::SimulateCulled( float flDt )
 {
-	if ( !( flDt > 0.0f ) )
+	if ( !( flDt > 0.0f ) || !std::isfinite( flDt ) )
 		flDt = 0.0f;
-	if ( !( m_bIsEndCapChild && !m_bInEndCap ) && ( !m_pParent || m_pParent->GetTime() >= m_flFirstRunTime ) )
+	if ( !( m_bIsEndCapChild && !m_bInEndCap ) && ( !m_pParent || m_pParent->m_flCurTime >= double( m_flFirstRunTime ) ) )
 	{
 		m_bStarted = true;
 		RunStep( flDt, false );
@@ -649,7 +674,7 @@ void CParticleCollection::StopEmission( bool bInfiniteOnly, bool bRemoveAllParti
 	bool bInfinite = false;
 	const auto &emitters = m_pDefinition->GetFunctions( PARTICLE_FUNCTION_EMITTER );
 	for ( size_t e = 0; e < emitters.size(); ++e )
-		bInfinite |= !emitters[ e ]->IsEmissionFinished( m_EmitterStates[ e ], 1e30f );
+		bInfinite |= !emitters[ e ]->IsEmissionFinished( m_EmitterStates[ e ], 1e30 );
 	if ( !bInfiniteOnly || bInfinite )
 		m_bEmissionStopped = true;
 	if ( bRemoveAllParticles )
@@ -712,24 +737,40 @@ int CParticleCollection::GetActiveParticleCount( bool bIncludeChildren ) const
 
 bool CParticleCollection::RecalculateBounds()
 {
-	Vector vMin( 1e30f, 1e30f, 1e30f ), vMax( -1e30f, -1e30f, -1e30f );
+	// A particle whose extent isn't finite (a NaN or infinite position or radius) has no
+	// place in the bounds; it is counted instead, so that it never passes unseen.
+	constexpr float INF = std::numeric_limits<float>::infinity();
+	Vector vMin( INF, INF, INF ), vMax( -INF, -INF, -INF );
 	bool bAny = false;
+	m_nNonFinite = 0;
 	if ( m_nActive > 0 )
 	{
 		const float *pRadius = m_pStreams[ PARTICLE_ATTRIBUTE_RADIUS ][ 0 ];
-		for ( int k = 0; k < 3; ++k )
+		const float *pPos[ 3 ] = { m_pStreams[ PARTICLE_ATTRIBUTE_POSITION ][ 0 ], m_pStreams[ PARTICLE_ATTRIBUTE_POSITION ][ 1 ], m_pStreams[ PARTICLE_ATTRIBUTE_POSITION ][ 2 ] };
+		for ( int i = 0; i < m_nActive; ++i )
 		{
-			const float *pPos = m_pStreams[ PARTICLE_ATTRIBUTE_POSITION ][ k ];
-			float flLo = vMin[ k ], flHi = vMax[ k ];
-			for ( int i = 0; i < m_nActive; ++i )
+			// A negative radius covers nothing beyond the particle's own point.
+			float flRadius = pRadius[ i ] > 0.0f ? pRadius[ i ] : 0.0f;
+			float flLo[ 3 ], flHi[ 3 ];
+			bool bFinite = std::isfinite( pRadius[ i ] );
+			for ( int k = 0; k < 3; ++k )
 			{
-				flLo = std::min( flLo, pPos[ i ] - pRadius[ i ] );
-				flHi = std::max( flHi, pPos[ i ] + pRadius[ i ] );
+				flLo[ k ] = pPos[ k ][ i ] - flRadius;
+				flHi[ k ] = pPos[ k ][ i ] + flRadius;
+				bFinite = bFinite && std::isfinite( flLo[ k ] ) && std::isfinite( flHi[ k ] );
 			}
-			vMin[ k ] = flLo;
-			vMax[ k ] = flHi;
+			if ( !bFinite )
+			{
+				++m_nNonFinite;
+				continue;
+			}
+			for ( int k = 0; k < 3; ++k )
+			{
+				vMin[ k ] = std::min( vMin[ k ], flLo[ k ] );
+				vMax[ k ] = std::max( vMax[ k ], flHi[ k ] );
+			}
+			bAny = true;
 		}
-		bAny = true;
 	}
 	for ( const auto &pChild : m_Children )
 	{

@@ -75,8 +75,8 @@ public:
 	void StopEmission( bool bInfiniteOnly, bool bRemoveAllParticles, bool bWakeOnStop, bool bPlayEndCap ) override;
 	int GetActiveParticleCount( bool bIncludeChildren ) const override;
 	int GetAllocatedParticleCount() const override { return m_nCapacity; }
-	float GetCurrentTime() const override { return m_flCurTime; }
-	void SetCurrentTime( float flTime ) override { m_flCurTime = flTime; }
+	float GetCurrentTime() const override { return float( m_flCurTime ); }
+	void SetCurrentTime( float flTime ) override { m_flCurTime = double( flTime ); }
 	float GetFirstRunTime() const override { return m_flFirstRunTime; }
 	int GetMaxDetailLevel() const override { return m_nDetailLevel; }
 	void SetMaxDetailLevel( int nLevel ) override;
@@ -105,11 +105,20 @@ public:
 	const std::vector<ParticleCamera_t> &GetCameras() const { return m_Cameras; }
 	// The camera nearest a point, or null without cameras.
 	const ParticleCamera_t *FindClosestCamera( const Vector &vPoint ) const;
-	float GetTime() const { return m_flCurTime; }
-	float GetEndCapTime() const { return m_flEndCapTime; }
+	float GetTime() const { return float( m_flCurTime ); }
+	// The time as it is kept: summed in double precision, so it doesn't drift over a long run.
+	double GetTimeExact() const { return m_flCurTime; }
+	float GetEndCapTime() const { return float( m_flEndCapTime ); }
 	bool IsInEndCap() const { return m_bInEndCap; }
-	// The time step that carried particles to where they are: velocity is (pos - prev) / this.
+	// The time over which a particle's previous position lies behind it: velocity is
+	// (pos - prev) / this. After a step it is the step's length, but never below
+	// MIN_MOTION_DT, so that a very short step (a child starting a hair after its parent's
+	// frame) keeps velocities that a float can still tell apart far from the origin.
 	float GetPreviousDt() const { return m_flPreviousDt; }
+	static constexpr float MIN_MOTION_DT = 1.0e-3f;
+	static float MotionDt( float flStepDt ) { return flStepDt > MIN_MOTION_DT ? flStepDt : MIN_MOTION_DT; }
+	// Particles left out of the last bounds because their position or radius isn't finite.
+	int GetNonFiniteParticleCount() const { return m_nNonFinite; }
 	int GetDetailLevel() const { return m_nDetailLevel; }
 	CParticleRandom &Random() const { return *m_pRandom; }
 	uint32_t GetRandomKey() const { return m_nRandomKey; }
@@ -117,6 +126,8 @@ public:
 	// Force accumulators, zeroed each step when the definition has force generators.
 	float *Force( int nComponent ) { return m_Force[ nComponent ].data(); }
 	bool IsEmissionStopped() const { return m_bEmissionStopped; }
+	// Whether the collection has stepped yet (a child waits out its delay first).
+	bool HasStarted() const { return m_bStarted; }
 	// Scratch arrays as long as the capacity, for a function's per-particle input values.
 	static constexpr int SCRATCH_ARRAYS = 6;
 	float *Scratch( int nIndex ) const { return m_pScratch[ nIndex ]; }
@@ -128,6 +139,7 @@ private:
 	void SpawnParticles( int nCount );
 	void RemoveKilledParticles();
 	void RunStep( float flDt, bool bMove );
+	int CountToEmit( float flDt );
 	void StartEndCap();
 	void SetControlPointModelData( int nPoint, const ParticleModelPtr_t &pModel );
 	void SetNamedValueModelData( uint32_t nToken, const char *pName, const ParticleModelPtr_t &pModel, bool *pFound );
@@ -157,10 +169,10 @@ private:
 	std::vector<ParticleCamera_t> m_Cameras;
 	std::vector<ParticleEmitterState_t> m_EmitterStates;
 
-	float m_flCurTime = 0.0f;
+	double m_flCurTime = 0.0;
 	float m_flFirstRunTime = 0.0f;   // a child waits for its delay
 	float m_flPreviousDt = 1.0f / 60.0f;
-	float m_flEndCapTime = 0.0f;
+	double m_flEndCapTime = 0.0;
 	bool m_bEmissionStopped = false;
 	bool m_bInEndCap = false;
 	bool m_bIsEndCapChild = false;
@@ -169,6 +181,7 @@ private:
 
 	Vector m_vBoundsMin, m_vBoundsMax;
 	bool m_bBoundsValid = false;
+	int m_nNonFinite = 0;
 	bool m_bMeasure = false;
 	ParticleProfileStats_t m_Stats;
 	float m_flLastTotalUS = 0.0f;

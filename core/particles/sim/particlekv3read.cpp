@@ -1,5 +1,6 @@
 #include "core/particles/sim/particlekv3read.h"
 
+#include <climits>
 #include <cstdlib>
 #include <cstring>
 #include <strings.h>
@@ -32,6 +33,26 @@ float ReadFloat( const KeyValues3 *pValue, float flDefault )
 	}
 }
 
+namespace
+{
+// Numbers beyond an int are cut to its range (NaN is 0), never converted out of range.
+int ClampToInt( double flValue )
+{
+	if ( !( flValue == flValue ) )
+		return 0;
+	if ( flValue <= double( INT_MIN ) )
+		return INT_MIN;
+	if ( flValue >= double( INT_MAX ) )
+		return INT_MAX;
+	return int( flValue );
+}
+
+int ClampToInt( long long nValue )
+{
+	return nValue < INT_MIN ? INT_MIN : nValue > INT_MAX ? INT_MAX : int( nValue );
+}
+} // namespace
+
 int ReadInt( const KeyValues3 *pValue, int nDefault )
 {
 	if ( !pValue )
@@ -41,12 +62,13 @@ int ReadInt( const KeyValues3 *pValue, int nDefault )
 	case KV3_TYPE_BOOL:
 		return pValue->GetBool() ? 1 : 0;
 	case KV3_TYPE_INT:
+		return ClampToInt( static_cast<long long>( pValue->GetInt64() ) );
 	case KV3_TYPE_UINT:
-		return int( pValue->GetInt64() );
+		return ClampToInt( pValue->GetDouble() );
 	case KV3_TYPE_DOUBLE:
-		return int( pValue->GetDouble() );
+		return ClampToInt( pValue->GetDouble() );
 	case KV3_TYPE_STRING:
-		return int( strtol( pValue->GetString(), nullptr, 10 ) );
+		return ClampToInt( strtoll( pValue->GetString(), nullptr, 10 ) );
 	default:
 		return nDefault;
 	}
@@ -97,8 +119,8 @@ int ReadEnum( const KeyValues3 *pValue, const char *const *pNames, int nNames, i
 				return nFirst + i;
 		}
 		char *pEnd = nullptr;
-		long nValue = strtol( pText, &pEnd, 10 );
-		return pEnd != pText ? int( nValue ) : nDefault;
+		long long nValue = strtoll( pText, &pEnd, 10 );
+		return pEnd != pText ? ClampToInt( nValue ) : nDefault;
 	}
 	if ( pValue->IsNull() )
 		return 0;

@@ -6,8 +6,10 @@
 
 #include "core/containers/utlbuffer.h"
 #include "core/kv3/keyvalues3.h"
+#include "core/host/hostpaths.h"
 #include "core/kv3/kv3serialize.h"
 #include "core/logging/logonce.h"
+#include "core/particles/hostparticlesystemmgr.h"
 #include "core/particles/particlefunctionclasses.h"
 #include "core/particles/sim/particleattributestorage.h"
 #include "core/particles/sim/particlefunctionreader.h"
@@ -42,6 +44,14 @@ bool IsDeclaredFunctionClass( const char *pClassName )
 {
 	RegisterParticleFunctionClasses();
 	return ParticleTypeScope()->FindDeclaredClass( pClassName ) != nullptr;
+}
+
+// The list a declared function class belongs in; PARTICLE_FUNCTION_ROOT for the family
+// bases and for classes of no list.
+ParticleFunctionType_t DeclaredFunctionList( const char *pClassName )
+{
+	RegisterParticleFunctionClasses();
+	return CHostParticleSystemMgr::GetFunctionClassType( ParticleTypeScope()->FindDeclaredClass( pClassName ) );
 }
 
 void ReadNamedValueLocal( const KeyValues3 *pLocal, CHostNamedValueBindings *pBindings )
@@ -109,6 +119,14 @@ bool CompileFunctionList( const KeyValues3 *pRoot, int nList, CParticleRuntimeDe
 		if ( ReadBool( Member( pElement, "m_bDisableOperator" ), false ) )
 			continue;
 		const char *pClassName = pClass->GetString();
+		// A function runs with what its own list provides (forces, for one): in another
+		// list it has no place.
+		const ParticleFunctionType_t eBelongs = DeclaredFunctionList( pClassName );
+		if ( eBelongs != PARTICLE_FUNCTION_ROOT && eBelongs != nList )
+		{
+			pError->Format( "%s[%d]: '%s' belongs in %s, not in %s", pKey, i, pClassName, GetParticleFunctionListKey( eBelongs ), pKey );
+			return false;
+		}
 		std::unique_ptr<CParticleSimFunction> pFunction;
 		if ( ParticleSimFunctionFactory_t pfnCreate = FindParticleSimFunctionFactory( pClassName ) )
 		{
@@ -170,7 +188,17 @@ bool CompileChildren( const KeyValues3 *pRoot, CParticleRuntimeDefinition *pDef,
 		if ( ReadBool( Member( pElement, "m_bDisableChild" ), false ) )
 			continue;
 		const KeyValues3 *pRef = Member( pElement, "m_ChildRef" );
-		if ( !pRef || !pRef->IsString() || !*pRef->GetString() )
+		if ( !pRef || pRef->IsNull() )
+		{
+			pError->Format( "m_Children[%d] names no system (it has no m_ChildRef)", i );
+			return false;
+		}
+		if ( !pRef->IsString() )
+		{
+			pError->Format( "m_Children[%d]: m_ChildRef is a '%s', not the name of a system file", i, pRef->GetTypeAsString() );
+			return false;
+		}
+		if ( !*pRef->GetString() )
 		{
 			pError->Format( "m_Children[%d] names no system (m_ChildRef is empty)", i );
 			return false;
@@ -185,6 +213,16 @@ bool CompileChildren( const KeyValues3 *pRoot, CParticleRuntimeDefinition *pDef,
 		if ( !pChild )
 		{
 			pError->Format( "Child '%s': %s", pRef->GetString(), childError.IsEmpty() ? "not found" : childError.Get() );
+			return false;
+		}
+		pDef->m_nTreeSystems += pChild->m_nTreeSystems;
+		pDef->m_nTreeParticles += pChild->m_nTreeParticles;
+		if ( pDef->m_nTreeSystems > PARTICLE_TREE_MAX_SYSTEMS || pDef->m_nTreeParticles > PARTICLE_TREE_MAX_PARTICLES )
+		{
+			pError->Format( "with m_Children[%d] ('%s') its tree of children holds more than one preview can afford (at least %lld systems and %lld particles; "
+							"at most %lld systems and %lld particles together)",
+				i, pRef->GetString(), static_cast<long long>( pDef->m_nTreeSystems ), static_cast<long long>( pDef->m_nTreeParticles ),
+				static_cast<long long>( PARTICLE_TREE_MAX_SYSTEMS ), static_cast<long long>( PARTICLE_TREE_MAX_PARTICLES ) );
 			return false;
 		}
 		ParticleChildInfo_t info;
@@ -219,7 +257,11 @@ void ReadBaseProperties( const KeyValues3 *pRoot, CParticleRuntimeDefinition *pD
 	pDef->m_BoundingBoxMin = ReadVector( Member( pRoot, "m_BoundingBoxMin" ), pDef->m_BoundingBoxMin );
 	pDef->m_BoundingBoxMax = ReadVector( Member( pRoot, "m_BoundingBoxMax" ), pDef->m_BoundingBoxMax );
 	pDef->m_flMaximumTimeStep = std::max( 0.001f, ReadFloat( Member( pRoot, "m_flMaximumTimeStep" ), 0.1f ) );
-	pDef->m_flPreSimulationTime = std::max( 0.0f, ReadFloat( Member( pRoot, "m_flPreSimulationTime" ), 0.0f ) );
+	float flPreSimulation = ReadFloat( Member( pRoot, "m_flPreSimulationTime" ), 0.0f );
+	pDef->m_flPreSimulationTime = flPreSimulation > 0.0f ? std::min( flPreSimulation, PARTICLE_MAX_PRESIMULATION_SECONDS ) : 0.0f;
+	if ( flPreSimulation > PARTICLE_MAX_PRESIMULATION_SECONDS )
+		pDef->m_Warnings.AppendFormat( "m_flPreSimulationTime %g is beyond the %g seconds a system may pre-simulate; it pre-simulates %g\n", double( flPreSimulation ),
+			double( PARTICLE_MAX_PRESIMULATION_SECONDS ), double( PARTICLE_MAX_PRESIMULATION_SECONDS ) );
 	pDef->m_flStopSimulationAfterTime = ReadFloat( Member( pRoot, "m_flStopSimulationAfterTime" ), 1e9f );
 	pDef->m_nMaxDetailLevel = std::clamp( ReadInt( Member( pRoot, "m_nMaxDetailLevel" ), 3 ), 0, 3 );
 }
@@ -238,6 +280,7 @@ ParticleDefinitionPtr_t CompileParticleDefinitionFromKV3( const KeyValues3 *pRoo
 	auto pDef = std::make_shared<CParticleRuntimeDefinition>();
 	pDef->m_Name = pName ? pName : "";
 	ReadBaseProperties( pRoot, pDef.get() );
+	pDef->m_nTreeParticles = pDef->m_nMaxParticles;
 	pDef->m_NamedValues.SetSystemName( pDef->m_Name.Get() );
 
 	const KeyValues3 *pLocals = Member( pRoot, "m_NamedValueLocals" );
@@ -291,9 +334,22 @@ ParticleDefinitionPtr_t CompileParticleDefinition( CUtlBuffer *pBuffer, const ch
 	return CompileParticleDefinitionFromKV3( &root, pName, resolver, pError );
 }
 
+CParticleDefinitionFileCompiler::CParticleDefinitionFileCompiler( const char *pContentRoot, ParticleFileReader_t fnRead ) : m_fnRead( std::move( fnRead ) )
+{
+	AddRoot( pContentRoot );
+}
+
+void CParticleDefinitionFileCompiler::AddRoot( const char *pRoot )
+{
+	CUtlString root = Host_DiskPath( pRoot );
+	if ( !root.IsEmpty() )
+		m_Roots.emplace_back( root.Get() );
+}
+
 CUtlString CParticleDefinitionFileCompiler::FindContentRoot( const char *pFilePath )
 {
-	std::filesystem::path path = std::filesystem::absolute( pFilePath ).lexically_normal();
+	std::error_code error;
+	std::filesystem::path path = std::filesystem::absolute( pFilePath, error ).lexically_normal();
 	for ( std::filesystem::path dir = path.parent_path(); !dir.empty() && dir != dir.root_path(); dir = dir.parent_path() )
 	{
 		if ( strcasecmp( dir.filename().string().c_str(), "particles" ) == 0 )
@@ -302,44 +358,134 @@ CUtlString CParticleDefinitionFileCompiler::FindContentRoot( const char *pFilePa
 	return CUtlString( path.parent_path().generic_string().c_str() );
 }
 
-ParticleDefinitionPtr_t CParticleDefinitionFileCompiler::Compile( const char *pPath, CUtlString *pError )
+bool CParticleDefinitionFileCompiler::ResolveChild( const char *pChildRef, std::string *pDiskPath, CUtlString *pError ) const
 {
-	std::filesystem::path path( pPath );
-	if ( path.is_relative() )
-		path = std::filesystem::path( m_ContentRoot.Get() ) / path;
-	std::string key = path.lexically_normal().generic_string();
-	std::string lowerKey = key;
-	std::transform( lowerKey.begin(), lowerKey.end(), lowerKey.begin(), []( unsigned char c ) { return char( tolower( c ) ); } );
-
-	for ( const auto &[ cachedKey, pCached ] : m_Cache )
+	std::string text( pChildRef ? pChildRef : "" );
+	std::replace( text.begin(), text.end(), '\\', '/' );
+	std::filesystem::path reference = std::filesystem::path( text ).lexically_normal();
+	const std::string normal = reference.generic_string();
+	if ( normal.empty() || normal == "." || reference.has_root_path() || normal == ".." || normal.compare( 0, 3, "../" ) == 0 )
 	{
-		if ( cachedKey == lowerKey )
-			return pCached;
+		pError->Set( "outside the content and game roots; a child is named by its path below the content root, as \"particles/fire.tfxs\"" );
+		return false;
 	}
-	if ( std::find( m_InProgress.begin(), m_InProgress.end(), lowerKey ) != m_InProgress.end() )
+	for ( const std::string &root : m_Roots )
+	{
+		CUtlString disk, clash;
+		switch ( Host_FindOnDiskBelow( root.c_str(), normal.c_str(), &disk, &clash ) )
+		{
+		case HOST_FIND_FOUND:
+			*pDiskPath = disk.Get();
+			return true;
+		case HOST_FIND_AMBIGUOUS:
+			pError->Format( "%s differ only in letter case, so the name is ambiguous; rename one of them", clash.Get() );
+			return false;
+		case HOST_FIND_MISSING:
+			break;
+		}
+	}
+	std::string roots;
+	for ( const std::string &root : m_Roots )
+		roots += ( roots.empty() ? "" : " or " ) + root;
+	if ( roots.empty() )
+		pError->Set( "not found: no content root is known" );
+	else
+		pError->Format( "no such file in %s", roots.c_str() );
+	return false;
+}
+
+ParticleDefinitionPtr_t CParticleDefinitionFileCompiler::Compile( const char *pPath, CUtlString *pError, const char *pShownName )
+{
+	CUtlString error;
+	if ( !pPath || !*pPath )
 	{
 		if ( pError )
-			pError->Format( "'%s' is its own child (a system can't contain itself)", pPath );
+			pError->Set( "no file name given" );
+		return nullptr;
+	}
+	std::error_code fsError;
+	std::filesystem::path path( pPath );
+	if ( path.is_relative() && !m_Roots.empty() )
+		path = std::filesystem::path( m_Roots[ 0 ] ) / path;
+	path = std::filesystem::absolute( path, fsError ).lexically_normal();
+	// The file named is found as spelt, or ignoring case; two spellings on disk are a clash
+	// here as they are for children.
+	std::string diskPath = path.generic_string();
+	CUtlString found, clash;
+	if ( Host_FindOnDiskBelow( path.parent_path().generic_string().c_str(), path.filename().string().c_str(), &found, &clash ) == HOST_FIND_AMBIGUOUS )
+	{
+		if ( pError )
+			pError->Format( "%s: %s differ only in letter case; rename one of them", pShownName ? pShownName : pPath, clash.Get() );
+		return nullptr;
+	}
+	if ( !found.IsEmpty() )
+		diskPath = found.Get();
+	ParticleDefinitionPtr_t pDef = CompileFile( diskPath, pPath, pShownName ? pShownName : pPath, &error );
+	if ( !pDef && pError )
+		*pError = error;
+	return pDef;
+}
+
+ParticleDefinitionPtr_t CParticleDefinitionFileCompiler::CompileChild( const char *pChildRef, CUtlString *pError )
+{
+	std::string diskPath;
+	CUtlString error;
+	ParticleDefinitionPtr_t pDef;
+	if ( ResolveChild( pChildRef, &diskPath, &error ) )
+		pDef = CompileFile( diskPath, pChildRef, diskPath.c_str(), &error );
+	if ( !pDef && pError )
+		*pError = error;
+	return pDef;
+}
+
+ParticleDefinitionPtr_t CParticleDefinitionFileCompiler::CompileFile( const std::string &diskPath, const char *pName, const char *pShownName, CUtlString *pError )
+{
+	for ( const auto &[ cachedPath, pCached ] : m_Cache )
+	{
+		if ( cachedPath == diskPath )
+			return pCached;
+	}
+	if ( std::find( m_InProgress.begin(), m_InProgress.end(), diskPath ) != m_InProgress.end() )
+	{
+		pError->Format( "%s is its own child (a system can't contain itself)", pShownName );
+		return nullptr;
+	}
+	// Children are compiled depth first; a chain deeper than any real effect is refused
+	// before it can exhaust the stack.
+	if ( int( m_InProgress.size() ) >= PARTICLE_MAX_CHILD_DEPTH )
+	{
+		pError->Format( "%s: children nest deeper than %d levels", pShownName, PARTICLE_MAX_CHILD_DEPTH );
 		return nullptr;
 	}
 	CUtlBuffer buffer;
 	CUtlString error;
-	if ( !m_fnRead || !m_fnRead( key.c_str(), &buffer, &error ) )
+	if ( !m_fnRead || !m_fnRead( diskPath.c_str(), &buffer, &error ) )
 	{
-		if ( pError )
-			pError->Format( "%s: %s", key.c_str(), error.IsEmpty() ? "cannot read file" : error.Get() );
+		pError->Format( "%s: %s", pShownName, error.IsEmpty() ? "cannot read the file" : error.Get() );
 		return nullptr;
 	}
-	m_InProgress.push_back( lowerKey );
-	ParticleChildResolver_t resolver = [ this ]( const char *pChildPath, CUtlString *pChildError ) { return Compile( pChildPath, pChildError ); };
-	ParticleDefinitionPtr_t pDef = CompileParticleDefinition( &buffer, pPath, resolver, &error );
+	m_InProgress.push_back( diskPath );
+	ParticleChildResolver_t resolver = [ this ]( const char *pChildRef, CUtlString *pChildError ) { return CompileChild( pChildRef, pChildError ); };
+	ParticleDefinitionPtr_t pDef = CompileParticleDefinition( &buffer, pName, resolver, &error );
 	m_InProgress.pop_back();
 	if ( !pDef )
 	{
-		if ( pError )
-			pError->Format( "%s: %s", pPath, error.Get() );
+		// A child failing below a child names itself already: the chain reads
+		// "Child 'a': Child 'b': FILE: reason" rather than naming every file twice.
+		if ( !m_InProgress.empty() && strncmp( error.Get(), "Child '", 7 ) == 0 )
+			*pError = error;
+		else
+			pError->Format( "%s: %s", pShownName, error.Get() );
 		return nullptr;
 	}
-	m_Cache.emplace_back( lowerKey, pDef );
+	// Each warning line names its file.
+	for ( const char *pLine = pDef->m_Warnings.Get(); pLine && *pLine; )
+	{
+		const char *pEnd = strchr( pLine, '\n' );
+		size_t nLength = pEnd ? size_t( pEnd - pLine ) : strlen( pLine );
+		m_Warnings.AppendFormat( "%s: %.*s\n", pShownName, int( nLength ), pLine );
+		pLine = pEnd ? pEnd + 1 : nullptr;
+	}
+	m_Cache.emplace_back( diskPath, pDef );
 	return pDef;
 }

@@ -23,6 +23,14 @@ class CParticleRuntimeDefinition;
 
 using ParticleDefinitionPtr_t = std::shared_ptr<const CParticleRuntimeDefinition>;
 
+// The most one tree of systems (a definition and all its children, each counted as often
+// as it appears) may hold: what a preview can allocate and step. A tree beyond it is
+// refused when it compiles.
+constexpr int64_t PARTICLE_TREE_MAX_SYSTEMS = 1024;
+constexpr int64_t PARTICLE_TREE_MAX_PARTICLES = int64_t( 1 ) << 22;
+// Pre-simulation beyond this is cut to it (with a warning).
+constexpr float PARTICLE_MAX_PRESIMULATION_SECONDS = 60.0f;
+
 // Finds and compiles a child by the path in its m_ChildRef (forward slashes). Answers
 // null with a text when it can't.
 using ParticleChildResolver_t = std::function<ParticleDefinitionPtr_t( const char *pPath, CUtlString *pError )>;
@@ -66,6 +74,12 @@ public:
 	uint64_t m_nInitialAttributeMask = 0;
 	bool m_bHasForces = false;
 
+	// The whole tree below and with this system: what a collection of it allocates.
+	int64_t m_nTreeSystems = 1;
+	int64_t m_nTreeParticles = 0;
+	// What the compile changed or left out, one line each ("m_flPreSimulationTime ...").
+	CUtlString m_Warnings;
+
 	// Live collections of this definition, for the concurrent count input.
 	mutable std::atomic<int> m_nLiveCollections{ 0 };
 
@@ -79,24 +93,42 @@ ParticleDefinitionPtr_t CompileParticleDefinition( CUtlBuffer *pBuffer, const ch
 // The same from a KV3 tree already loaded.
 ParticleDefinitionPtr_t CompileParticleDefinitionFromKV3( const KeyValues3 *pRoot, const char *pName, const ParticleChildResolver_t &resolver, CUtlString *pError );
 
-// Compiles definition files under a content root, children included, with a cache and a
-// guard against a system that is its own descendant. Files come through the reader the
-// caller gives, so the runtime needn't know how a tool reads them.
+// Compiles definition files, children included, with a cache and a guard against a
+// system that is its own descendant. A child's m_ChildRef ("particles/fire.tfxs") is
+// found only inside the roots: the content root, then any added after it, each name
+// ignoring case. A reference that leaves the roots, a name that two files on disk match
+// ignoring case, and children nested deeper than PARTICLE_MAX_CHILD_DEPTH are refused.
+// Files come through the reader the caller gives (with the disk path), so the runtime
+// needn't know how a tool reads them.
 using ParticleFileReader_t = std::function<bool( const char *pPath, CUtlBuffer *pBuffer, CUtlString *pError )>;
+
+constexpr int PARTICLE_MAX_CHILD_DEPTH = 32;
 
 class CParticleDefinitionFileCompiler
 {
 public:
-	CParticleDefinitionFileCompiler( const char *pContentRoot, ParticleFileReader_t fnRead ) : m_ContentRoot( pContentRoot ), m_fnRead( std::move( fnRead ) ) {}
-	// pPath is relative to the content root (forward slashes), or absolute.
-	ParticleDefinitionPtr_t Compile( const char *pPath, CUtlString *pError );
+	CParticleDefinitionFileCompiler( const char *pContentRoot, ParticleFileReader_t fnRead );
+	// Another root children may be found in (the game root), searched after those before.
+	void AddRoot( const char *pRoot );
+	// The file a user names: absolute, or relative to the content root (the working
+	// directory without one). Messages begin with pShownName, else with pPath.
+	ParticleDefinitionPtr_t Compile( const char *pPath, CUtlString *pError, const char *pShownName = nullptr );
+	// A child by its reference, found inside the roots only.
+	ParticleDefinitionPtr_t CompileChild( const char *pChildRef, CUtlString *pError );
+	// What compiling every file so far warned of, one "FILE: text" line each.
+	const CUtlString &GetWarnings() const { return m_Warnings; }
 	// The content root of a definition: the folder above the "particles" folder that holds
 	// it, or the file's own folder when no such folder is on its path.
 	static CUtlString FindContentRoot( const char *pFilePath );
 
 private:
-	CUtlString m_ContentRoot;
+	// pName names the definition (the profiler shows it); pShownName names the file in messages.
+	ParticleDefinitionPtr_t CompileFile( const std::string &diskPath, const char *pName, const char *pShownName, CUtlString *pError );
+	bool ResolveChild( const char *pChildRef, std::string *pDiskPath, CUtlString *pError ) const;
+
+	std::vector<std::string> m_Roots;
 	ParticleFileReader_t m_fnRead;
 	std::vector<std::pair<std::string, ParticleDefinitionPtr_t>> m_Cache;
 	std::vector<std::string> m_InProgress;
+	CUtlString m_Warnings;
 };

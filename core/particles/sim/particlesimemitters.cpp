@@ -1,6 +1,7 @@
 // Emitters: how many particles are born in a step.
 
 #include <algorithm>
+#include <climits>
 #include <cmath>
 
 #include "core/particles/sim/particlecollection.h"
@@ -9,6 +10,15 @@
 
 namespace
 {
+// A count from a float: NaN and negatives are none, anything beyond an int is cut to the
+// largest, so that no definition can make the conversion overflow.
+int CountFromFloat( double flCount )
+{
+	if ( !( flCount > 0.0 ) )
+		return 0;
+	return flCount >= double( INT_MAX ) ? INT_MAX : int( flCount );
+}
+
 class CContinuousEmitter final : public CParticleSimFunction
 {
 public:
@@ -22,25 +32,30 @@ public:
 		m_nLimitPerUpdate = reader.Int( "m_nLimitPerUpdate", -1 );
 	}
 
-	int Emit( CParticleCollection &collection, ParticleEmitterState_t &state, float flTime, float flDt ) const override
+	int Emit( CParticleCollection &collection, ParticleEmitterState_t &state, double flTime, float flDt ) const override
 	{
 		float flDuration = m_EmissionDuration.EvaluateCollection( collection );
-		float flWindowStart = std::max( flTime - flDt, m_flStartTime );
-		float flWindowEnd = flDuration > 0.0f ? std::min( flTime, m_flStartTime + flDuration ) : flTime;
-		if ( flWindowEnd <= flWindowStart )
+		double flWindowStart = std::max( flTime - double( flDt ), double( m_flStartTime ) );
+		double flWindowEnd = flDuration > 0.0f ? std::min( flTime, double( m_flStartTime ) + double( flDuration ) ) : flTime;
+		if ( !( flWindowEnd > flWindowStart ) )
 			return 0;
-		float flRate = std::max( 0.0f, m_EmitRate.EvaluateCollection( collection ) );
-		state.m_flAccumulated += double( flRate ) * double( flWindowEnd - flWindowStart );
+		float flRate = m_EmitRate.EvaluateCollection( collection );
+		if ( !( flRate > 0.0f ) )
+			return 0;
+		// Owed beyond any collection's room is owed no further: the sum stays finite.
+		double flOwed = std::min( state.m_flAccumulated + double( flRate ) * ( flWindowEnd - flWindowStart ), 1e15 );
 		// A hair of slack, so that a rate of one per frame isn't lost to float rounding.
-		double flWhole = std::floor( state.m_flAccumulated + 1e-4 );
-		state.m_flAccumulated = std::max( 0.0, state.m_flAccumulated - flWhole );
-		return m_nLimitPerUpdate >= 0 ? std::min( int( flWhole ), m_nLimitPerUpdate ) : int( flWhole );
+		double flWhole = std::floor( flOwed + 1e-4 );
+		state.m_flAccumulated = std::max( 0.0, flOwed - flWhole );
+		int nEmit = CountFromFloat( flWhole );
+		return m_nLimitPerUpdate >= 0 ? std::min( nEmit, m_nLimitPerUpdate ) : nEmit;
 	}
 
-	bool IsEmissionFinished( const ParticleEmitterState_t &, float flTime ) const override
+	bool IsEmissionFinished( const ParticleEmitterState_t &, double flTime ) const override
 	{
 		// A literal duration is known ahead; anything else runs until stopped.
-		return m_EmissionDuration.IsConstant() && m_EmissionDuration.m_flLiteralValue > 0.0f && flTime >= m_flStartTime + m_EmissionDuration.m_flLiteralValue;
+		return m_EmissionDuration.IsConstant() && m_EmissionDuration.m_flLiteralValue > 0.0f &&
+			   flTime >= double( m_flStartTime ) + double( m_EmissionDuration.m_flLiteralValue );
 	}
 
 private:
@@ -62,11 +77,12 @@ public:
 		m_flEmissionRate = reader.Float( "m_flEmissionRate", 0.0f );
 	}
 
-	int Emit( CParticleCollection &collection, ParticleEmitterState_t &state, float flTime, float flDt ) const override
+	int Emit( CParticleCollection &collection, ParticleEmitterState_t &state, double flTime, float flDt ) const override
 	{
-		if ( flTime < m_flStartTime )
+		if ( flTime < double( m_flStartTime ) )
 			return 0;
-		int nMissing = std::max( 0, int( std::lround( m_Count.EvaluateCollection( collection ) ) ) - collection.Count() );
+		int nTarget = CountFromFloat( std::round( double( m_Count.EvaluateCollection( collection ) ) ) );
+		int nMissing = std::max( 0, std::min( nTarget, collection.Capacity() ) - collection.Count() );
 		if ( m_flEmissionRate <= 0.0f )
 			return nMissing;
 		// A rate spreads the refill out.
@@ -77,7 +93,7 @@ public:
 		return nEmit;
 	}
 
-	bool IsEmissionFinished( const ParticleEmitterState_t &, float ) const override { return false; }
+	bool IsEmissionFinished( const ParticleEmitterState_t &, double ) const override { return false; }
 
 private:
 	CSimFloatInput m_Count;
@@ -96,14 +112,14 @@ public:
 		m_nMaxPerFrame = reader.Int( "m_nMaxEmittedPerFrame", -1 );
 	}
 
-	int Emit( CParticleCollection &collection, ParticleEmitterState_t &state, float flTime, float ) const override
+	int Emit( CParticleCollection &collection, ParticleEmitterState_t &state, double flTime, float ) const override
 	{
-		if ( state.m_bEmittedOnce || flTime < m_StartTime.EvaluateCollection( collection ) )
+		if ( state.m_bEmittedOnce || flTime < double( m_StartTime.EvaluateCollection( collection ) ) )
 			return 0;
 		// The burst may be spread over frames: the accumulator holds what is still owed.
 		if ( state.m_flAccumulated <= 0.0 )
-			state.m_flAccumulated = std::max( 0.0, double( std::lround( m_ParticlesToEmit.EvaluateCollection( collection ) ) ) );
-		int nEmit = int( state.m_flAccumulated );
+			state.m_flAccumulated = double( CountFromFloat( std::round( double( m_ParticlesToEmit.EvaluateCollection( collection ) ) ) ) );
+		int nEmit = CountFromFloat( state.m_flAccumulated );
 		if ( m_nMaxPerFrame >= 0 )
 			nEmit = std::min( nEmit, m_nMaxPerFrame );
 		state.m_flAccumulated -= double( nEmit );
@@ -111,7 +127,7 @@ public:
 		return nEmit;
 	}
 
-	bool IsEmissionFinished( const ParticleEmitterState_t &state, float ) const override { return state.m_bEmittedOnce; }
+	bool IsEmissionFinished( const ParticleEmitterState_t &state, double ) const override { return state.m_bEmittedOnce; }
 
 private:
 	CSimFloatInput m_ParticlesToEmit;

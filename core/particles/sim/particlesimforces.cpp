@@ -290,7 +290,8 @@ public:
 		const float *pRadius = c.Stream( PARTICLE_ATTRIBUTE_RADIUS );
 		float *pX = c.Stream( PARTICLE_ATTRIBUTE_POSITION, 0 ), *pY = c.Stream( PARTICLE_ATTRIBUTE_POSITION, 1 ), *pZ = c.Stream( PARTICLE_ATTRIBUTE_POSITION, 2 );
 		float *pPX = c.Stream( PARTICLE_ATTRIBUTE_PREVIOUS_POSITION, 0 ), *pPY = c.Stream( PARTICLE_ATTRIBUTE_PREVIOUS_POSITION, 1 ), *pPZ = c.Stream( PARTICLE_ATTRIBUTE_PREVIOUS_POSITION, 2 );
-		float flMinMove = m_flMinSpeed * flDt;
+		// The motion of a step spans the collection's motion interval, not always the step.
+		float flMinMove = m_flMinSpeed * CParticleCollection::MotionDt( flDt );
 		for ( int i = 0; i < n; ++i )
 		{
 			float flFloor = flGround + pRadius[ i ] * m_flRadiusScale;

@@ -34,13 +34,17 @@ public:
 	virtual void Read( CParticleFunctionReader &reader ) = 0;
 
 	// Emitters.
-	virtual int Emit( CParticleCollection &, ParticleEmitterState_t &, float /*flTime*/, float /*flDt*/ ) const { return 0; }
+	// The count is at least 0; it may exceed what the collection has room for.
+	virtual int Emit( CParticleCollection &, ParticleEmitterState_t &, double /*flTime*/, float /*flDt*/ ) const { return 0; }
 	// Whether the emitter will make no more particles from this time on.
-	virtual bool IsEmissionFinished( const ParticleEmitterState_t &, float /*flTime*/ ) const { return true; }
+	virtual bool IsEmissionFinished( const ParticleEmitterState_t &, double /*flTime*/ ) const { return true; }
 	// Initializers, on [nStart, nStart + nCount).
 	virtual void InitNewParticles( CParticleCollection &, int /*nStart*/, int /*nCount*/ ) const {}
 	// Pre-emission operators, operators, forces and constraints, on every particle.
 	virtual void Operate( CParticleCollection &, float /*flDt*/ ) const {}
+	// Operators that end lives by age: marks the particles whose life is over at the
+	// collection's time. Runs before emission, so that a refill sees the places they free.
+	virtual void KillExpired( CParticleCollection & ) const {}
 	// Renderers.
 	virtual void FillDrawData( const CParticleCollection &, ParticleDrawData_t * ) const {}
 

@@ -31,10 +31,16 @@ public:
 		if ( flDt <= 0.0f )
 			return;
 		Vector vGravity = m_Gravity.EvaluateCollection( c );
+		// Drag is the share of its speed a particle loses in one second, whatever the rate
+		// of the steps that make up that second.
 		float flDrag = Clamp( m_Drag.EvaluateCollection( c ), 0.0f, 1.0f );
-		// Verlet: the distance moved last step, rescaled to this step's length, damped.
-		float flCarry = ( c.GetPreviousDt() > 0.0f ? flDt / c.GetPreviousDt() : 1.0f ) * ( 1.0f - flDrag );
+		float flKeep = flDrag > 0.0f ? std::pow( 1.0f - flDrag, flDt ) : 1.0f;
+		// Verlet: the distance moved over the previous interval, rescaled to this step's length.
+		const float flFromDt = c.GetPreviousDt();
+		const float flToDt = CParticleCollection::MotionDt( flDt );
+		float flCarry = ( flFromDt > 0.0f ? flDt / flFromDt : 1.0f ) * flKeep;
 		float flDtSq = flDt * flDt;
+		const bool bShortStep = flToDt != flDt;
 		int n = c.Count();
 		for ( int k = 0; k < 3; ++k )
 		{
@@ -42,7 +48,19 @@ public:
 			float *__restrict pPrev = c.Stream( PARTICLE_ATTRIBUTE_PREVIOUS_POSITION, k );
 			const float *__restrict pForce = c.GetDefinition()->m_bHasForces ? c.Force( k ) : nullptr;
 			float flAccel = vGravity[ k ] * flDtSq;
-			if ( pForce )
+			if ( bShortStep )
+			{
+				// A step shorter than the motion interval: the previous position is put back
+				// a whole interval behind, so the velocity it stands for stays exact.
+				const float flInvFromDt = flFromDt > 0.0f ? 1.0f / flFromDt : 0.0f;
+				for ( int i = 0; i < n; ++i )
+				{
+					float flVelocity = ( pPos[ i ] - pPrev[ i ] ) * flInvFromDt * flKeep + ( vGravity[ k ] + ( pForce ? pForce[ i ] : 0.0f ) ) * flDt;
+					pPos[ i ] += flVelocity * flDt;
+					pPrev[ i ] = pPos[ i ] - flVelocity * flToDt;
+				}
+			}
+			else if ( pForce )
 			{
 				for ( int i = 0; i < n; ++i )
 				{
@@ -78,7 +96,9 @@ public:
 		m_bRunsWhenCulled = true;
 	}
 
-	void Operate( CParticleCollection &c, float ) const override
+	void Operate( CParticleCollection &c, float ) const override { KillExpired( c ); }
+
+	void KillExpired( CParticleCollection &c ) const override
 	{
 		const float *pCreation = c.Stream( PARTICLE_ATTRIBUTE_CREATION_TIME );
 		const float *pLife = c.Stream( PARTICLE_ATTRIBUTE_LIFE_DURATION );
@@ -348,6 +368,18 @@ public:
 		reader.Writes( PARTICLE_ATTRIBUTE_ALPHA );
 		reader.ReadsInitial( PARTICLE_ATTRIBUTE_ALPHA );
 		m_bRunsWhenCulled = true;
+	}
+
+	void KillExpired( CParticleCollection &c ) const override
+	{
+		float *pAge = c.Scratch( 0 );
+		NormalizedAge( c, pAge );
+		int n = c.Count();
+		for ( int i = 0; i < n; ++i )
+		{
+			if ( pAge[ i ] >= 1.0f )
+				c.KillParticle( i );
+		}
 	}
 
 	void Operate( CParticleCollection &c, float ) const override

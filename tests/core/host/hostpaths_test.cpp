@@ -53,3 +53,21 @@ TEST( HostPaths, FindsFilesWhateverTheCaseOfEachComponent )
 	CUtlString target = Host_DiskPathForWrite( ( scratch.Content() / "PARTICLES" / "new" / "a.tfxs" ).string().c_str() );
 	EXPECT_EQ( std::filesystem::path( target.Get() ).parent_path().parent_path(), scratch.Content() / "Particles" );
 }
+
+TEST( HostPaths, BelowARootTwoSpellingsOfOneNameAreAClash )
+{
+	CHostScratchDirectory scratch;
+	scratch.Write( "content/particles/Fire.tfxs", "a" );
+	scratch.Write( "content/particles/fire.tfxs", "b" );
+	scratch.Write( "content/Particles2/smoke.tfxs", "c" );
+	const std::string root = scratch.Content().string();
+
+	CUtlString disk, clash;
+	EXPECT_EQ( Host_FindOnDiskBelow( root.c_str(), "particles/FIRE.tfxs", &disk, &clash ), HOST_FIND_AMBIGUOUS );
+	EXPECT_EQ( std::string( clash.Get() ), "'" + root + "/particles/Fire.tfxs' and '" + root + "/particles/fire.tfxs'" );
+	EXPECT_EQ( Host_FindOnDiskBelow( root.c_str(), "particles2\\SMOKE.tfxs", &disk ), HOST_FIND_FOUND );
+	EXPECT_EQ( std::string( disk.Get() ), root + "/Particles2/smoke.tfxs" );
+	// Nothing above the root is reached, and what is missing is missing.
+	EXPECT_EQ( Host_FindOnDiskBelow( root.c_str(), "../game", &disk ), HOST_FIND_MISSING );
+	EXPECT_EQ( Host_FindOnDiskBelow( root.c_str(), "particles/none.tfxs", &disk ), HOST_FIND_MISSING );
+}

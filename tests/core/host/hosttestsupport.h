@@ -1,6 +1,7 @@
 #pragma once
 // A scratch directory for one test, with a game and a content root below it.
 
+#include <unistd.h>
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -16,7 +17,7 @@ public:
 	CHostScratchDirectory()
 	{
 		const ::testing::TestInfo *pInfo = ::testing::UnitTest::GetInstance()->current_test_info();
-		std::string name = std::string( "zol_host_" ) + pInfo->test_suite_name() + "_" + pInfo->name();
+		std::string name = std::string( "zol_host_" ) + pInfo->test_suite_name() + "_" + pInfo->name() + "_" + std::to_string( getpid() );
 		m_Root = std::filesystem::temp_directory_path() / name;
 		std::filesystem::remove_all( m_Root );
 		std::filesystem::create_directories( m_Root / "game" );

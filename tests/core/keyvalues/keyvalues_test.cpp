@@ -245,5 +245,5 @@ TEST( KeyValues, LoadsAndSavesFiles )
 	remove( path );
 
 	EXPECT_FALSE( reread.LoadFromFile( "/nonexistent/dir/gameinfo.gi", &error ) );
-	EXPECT_STREQ( error.Get(), "/nonexistent/dir/gameinfo.gi: cannot open the file" );
+	EXPECT_STREQ( error.Get(), "/nonexistent/dir/gameinfo.gi: No such file or directory" );
 }

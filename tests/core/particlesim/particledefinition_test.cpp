@@ -184,7 +184,7 @@ TEST( ParticleDefinition, CompileErrorsSayWhatIsWrong )
 	EXPECT_NE( CompileError( R"(m_Operators = [ { _class = "C_OP_SetVec" m_InputValue = [ 1.0 ] } ])" ).find( "m_Operators[0] (C_OP_SetVec)" ), std::string::npos );
 	EXPECT_NE( CompileError( R"(m_PreEmissionOperators = [ { _class = "C_OP_SetSingleControlPointPosition" m_nCP1 = 64 } ])" ).find( "out of range" ), std::string::npos );
 	EXPECT_NE( CompileError( R"(m_Children = [ { m_ChildRef = "missing.tfxs" } ])" ).find( "Child 'missing.tfxs': no such file" ), std::string::npos );
-	EXPECT_NE( CompileError( R"(m_Children = [ { m_flDelay = 1.0 } ])" ).find( "m_ChildRef is empty" ), std::string::npos );
+	EXPECT_NE( CompileError( R"(m_Children = [ { m_flDelay = 1.0 } ])" ).find( "it has no m_ChildRef" ), std::string::npos );
 }
 
 TEST( ParticleDefinition, ASystemThatContainsItselfIsRefused )

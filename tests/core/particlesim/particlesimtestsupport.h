@@ -18,7 +18,7 @@ inline std::string DefinitionText( const std::string &body )
 		   body + "\n}\n";
 }
 
-// Children resolve by name among the given texts.
+// Children, and their children, resolve by name among the given texts.
 inline ParticleDefinitionPtr_t CompileText( const std::string &text, CUtlString *pError, const std::map<std::string, std::string> &children = {} )
 {
 	CUtlBuffer buffer( text.data(), text.size() );
@@ -29,7 +29,7 @@ inline ParticleDefinitionPtr_t CompileText( const std::string &text, CUtlString 
 			pChildError->Format( "no such file '%s'", pPath );
 			return nullptr;
 		}
-		return CompileText( it->second, pChildError, {} );
+		return CompileText( it->second, pChildError, children );
 	};
 	return CompileParticleDefinition( &buffer, "test", resolver, pError );
 }

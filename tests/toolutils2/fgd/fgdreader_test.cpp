@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <unistd.h>
+
+#include <chrono>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -188,7 +191,7 @@ TEST( FgdReader, VariablesKeepTypesDefaultsAndBothMetadataForms )
 TEST( FgdReader, IncludeBesideTheIncludingFileIsFound )
 {
 	namespace fs = std::filesystem;
-	fs::path dir = fs::temp_directory_path() / "zol_fgd_include_test";
+	fs::path dir = fs::temp_directory_path() / ( "zol_fgd_include_test_" + std::to_string( getpid() ) );
 	fs::create_directories( dir / "sub" );
 	std::ofstream( dir / "sub" / "base.fgd" ) << "@BaseClass = SharedBase [ m_x(float) : \"X\" : \"1\" ]\n";
 	std::ofstream( dir / "sub" / "main.fgd" ) << "@include \"base.fgd\"\n@PointClass base(SharedBase) = User []\n";
@@ -199,6 +202,36 @@ TEST( FgdReader, IncludeBesideTheIncludingFileIsFound )
 	ASSERT_NE( pUser, nullptr );
 	EXPECT_NE( pUser->FindVariable( "m_x" ), nullptr );
 	fs::remove_all( dir );
+}
+
+// Each file includes the next one twice, 25 deep: read once each, it is 26 files, not 2^25.
+TEST( FgdReader, EachIncludedFileIsReadOnce )
+{
+	namespace fs = std::filesystem;
+	fs::path dir = fs::temp_directory_path() / ( "zol_fgd_include_once_" + std::to_string( ::getpid() ) );
+	fs::create_directories( dir );
+	const int nDepth = 25;
+	for ( int i = 0; i < nDepth; ++i )
+		std::ofstream( dir / ( "f" + std::to_string( i ) + ".fgd" ) ) << "@include \"f" << i + 1 << ".fgd\"\n@include \"f" << i + 1 << ".fgd\"\n@BaseClass = C" << i << " []\n";
+	std::ofstream( dir / ( "f" + std::to_string( nDepth ) + ".fgd" ) ) << "@BaseClass = Last []\n";
+	CGameData gameData;
+	CFgdReader reader( &gameData, "" );
+	auto tStart = std::chrono::steady_clock::now();
+	EXPECT_TRUE( reader.LoadGameData( ( dir / "f0.fgd" ).string().c_str() ) );
+	EXPECT_LT( std::chrono::duration<double>( std::chrono::steady_clock::now() - tStart ).count(), 5.0 );
+	EXPECT_TRUE( gameData.GetErrors().IsEmpty() );
+	EXPECT_EQ( gameData.GetClassCount(), nDepth + 1 );
+	EXPECT_NE( gameData.FindClass( "Last" ), nullptr );
+	fs::remove_all( dir );
+}
+
+TEST( FgdReader, ADeviceNamedAsAFileIsRefusedWithTheReason )
+{
+	CGameData gameData;
+	CFgdReader reader( &gameData, "" );
+	EXPECT_FALSE( reader.LoadGameData( "/dev/zero" ) );
+	ASSERT_EQ( gameData.GetErrors().Count(), 1 );
+	EXPECT_STREQ( gameData.GetErrors()[ 0 ].m_Message.Get(), "Unable to read fgd file /dev/zero: not a regular file (a device, pipe or socket)" );
 }
 
 TEST( FgdReader, ShippedSampleFilesLoadWithoutErrors )

@@ -1,5 +1,6 @@
 // The class descriptions of a game, loaded from the files its gameinfo.gi names.
 
+#include <unistd.h>
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -18,7 +19,7 @@ class GameInfoFgdLoad : public testing::Test
 protected:
 	void SetUp() override
 	{
-		m_Root = fs::temp_directory_path() / ( std::string( "zol_gameinfo_fgd_" ) + testing::UnitTest::GetInstance()->current_test_info()->name() );
+		m_Root = fs::temp_directory_path() / ( std::string( "zol_gameinfo_fgd_" ) + testing::UnitTest::GetInstance()->current_test_info()->name() + "_" + std::to_string( getpid() ) );
 		fs::remove_all( m_Root );
 		fs::create_directories( m_Root / "mod" );
 		Write( "mod/first.fgd", "@Struct = First [ m_flA(float) : \"A\" : \"1\" ]\n" );

@@ -20,7 +20,7 @@ constexpr const char *s_pszClasses = R"(
 @Struct = SequencePick [
 	m_Model(string) { MPropertyProvidesEditContextString = "model" } : "Model"
 	m_Sequence(string) : "Sequence"
-	m_Fixed(string) { edit_context_override = { model = { value = "models/fixed.vmdl" } } } : "Fixed"
+	m_Fixed(string) { edit_context_override = { model = { value = "models/fixed.tmsh" } } } : "Fixed"
 	m_Linked(string) { edit_context_override = { model = { value = "m_OtherModel" value_is_key_name = true } } } : "Linked"
 ]
 @PointClass = Host [
@@ -89,7 +89,7 @@ TEST_F( KV3FgdEditContext, OverrideWithFixedTextAnswersAsCode )
 	CToolEditContextQuery_String query = Ask( "m_Fixed", "model" );
 	EXPECT_EQ( query.m_eKind, CToolEditContextQuery_String::KIND_CODE );
 	EXPECT_STREQ( query.m_Source, "code" );
-	EXPECT_STREQ( query.m_Value, "models/fixed.vmdl" );
+	EXPECT_STREQ( query.m_Value, "models/fixed.tmsh" );
 }
 
 TEST_F( KV3FgdEditContext, OverrideNamingAKeyAnswersWithThatKey )

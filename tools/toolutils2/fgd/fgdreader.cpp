@@ -2,14 +2,13 @@
 
 #include <cstdio>
 #include <filesystem>
-#include <fstream>
-#include <sstream>
 #include <string>
 
 #include "core/containers/utlbuffer.h"
 #include "core/kv3/keyvalues3.h"
 #include "core/kv3/kv3serialize.h"
 #include "core/logging/logging.h"
+#include "core/platform/platformfile.h"
 #include "core/text/strtools.h"
 #include "tools/toolutils2/fgd/fgdtokenizer.h"
 #include "tools/toolutils2/fgd/fgdvalue.h"
@@ -50,19 +49,6 @@ constexpr const char *s_BracketMetaKeys[] = { "group", "important", "randomizabl
 
 constexpr const char *s_InputOutputTypes[] = { "void", "integer", "int", "float", "string", "bool", "boolean", "vector", "ehandle",
 	"color255", "target_destination", "variant", "script", "cpp" };
-
-bool ReadWholeFile( const char *pszPath, std::string *pOut )
-{
-	std::ifstream file( pszPath, std::ios::binary );
-	if ( !file )
-		return false;
-	std::ostringstream contents;
-	contents << file.rdbuf();
-	if ( file.bad() )
-		return false;
-	*pOut = contents.str();
-	return true;
-}
 
 // One file's parse. Classes go into the set as they end; errors carry the file's name.
 class CFgdFileParser
@@ -1088,20 +1074,27 @@ CFgdReader::CFgdReader( CGameData *pGameData, const char *pszGameRoot ) : m_pGam
 {
 }
 
+// Something that exists and isn't a directory: reading it then says why it can't be read
+// (a device or pipe is refused there, with that reason, rather than reported missing).
+static bool IsFileName( const std::filesystem::path &path )
+{
+	std::error_code ec;
+	return std::filesystem::exists( path, ec ) && !std::filesystem::is_directory( path, ec );
+}
+
 bool CFgdReader::ResolveFileName( const char *pFileName, const char *pFromFile, CUtlString *pOut ) const
 {
 	namespace fs = std::filesystem;
-	std::error_code ec;
 	fs::path name( pFileName );
 	if ( name.is_absolute() )
 	{
 		pOut->Set( name.string().c_str() );
-		return fs::is_regular_file( name, ec );
+		return IsFileName( name );
 	}
 	if ( !m_GameRoot.IsEmpty() )
 	{
 		fs::path inRoot = fs::path( m_GameRoot.Get() ) / name;
-		if ( fs::is_regular_file( inRoot, ec ) )
+		if ( IsFileName( inRoot ) )
 		{
 			pOut->Set( inRoot.lexically_normal().string().c_str() );
 			return true;
@@ -1109,7 +1102,7 @@ bool CFgdReader::ResolveFileName( const char *pFileName, const char *pFromFile, 
 	}
 	fs::path besideIncluder = pFromFile ? fs::path( pFromFile ).parent_path() / name : name;
 	pOut->Set( besideIncluder.lexically_normal().string().c_str() );
-	return fs::is_regular_file( besideIncluder, ec );
+	return IsFileName( besideIncluder );
 }
 
 bool CFgdReader::MakeHelpContextName( const char *pszFullPath, CUtlString *pOut ) const
@@ -1152,14 +1145,19 @@ bool CFgdReader::LoadGameData( const char *pFileName, const char *pFromFile, CUt
 		m_pGameData->AddError( error );
 		return false;
 	}
+	// A file included again (twice by one file, or by several) adds nothing new: it is read
+	// once, so that includes that fan out can't multiply the work.
+	if ( m_pGameData->IsFileIncluded( fullPath ) )
+		return true;
 	std::string text;
-	if ( !ReadWholeFile( fullPath, &text ) )
+	CUtlString reason;
+	if ( !Plat_ReadWholeFile( fullPath, &text, &reason ) )
 	{
-		Log_Warning( LOG_GENERAL, "Unable to read fgd file %s!\n", fullPath.Get() );
+		Log_Warning( LOG_GENERAL, "Unable to read fgd file %s: %s\n", fullPath.Get(), reason.Get() );
 		GameDataError_t error;
 		error.m_File = fullPath;
-		error.m_Message.Format( "Unable to read fgd file %s!", fullPath.Get() );
-		error.m_Text.Format( "Unable to read fgd file %s!\n", fullPath.Get() );
+		error.m_Message.Format( "Unable to read fgd file %s: %s", fullPath.Get(), reason.Get() );
+		error.m_Text.Format( "Unable to read fgd file %s: %s\n", fullPath.Get(), reason.Get() );
 		m_pGameData->AddError( error );
 		return false;
 	}

@@ -2,7 +2,6 @@
 // with friendly name, exclusion group and version limits, as the function picker offers them.
 
 #include <cstdio>
-#include <cstring>
 #include <filesystem>
 #include <string>
 
@@ -10,6 +9,7 @@
 #include "core/particles/iparticlesystemmgr.h"
 #include "core/particles/hostparticlesystemmgr.h"
 #include "core/schema/schemaclassinfo.h"
+#include "tools/zol/cli/cliargs.h"
 #include "tools/zol/cli/clicommand.h"
 #include "zoldoc_lib/particlegamedata.h"
 #include "zoldoc_lib/zolfunctioncatalogue.h"
@@ -42,12 +42,12 @@ static std::string ReadGameName( const std::string &gameRoot )
 
 static int RunCatalogue( int argc, char **argv )
 {
-	if ( argc > 3 || ( argc == 3 && strcmp( argv[ 1 ], "--game" ) ) || argc == 2 )
+	if ( argc > 1 )
 	{
-		fprintf( stderr, "usage: zol catalogue [--game DIR]\n" );
+		fprintf( stderr, "zol catalogue: unexpected argument \"%s\"\nusage: zol catalogue [--game DIR]\n", argv[ 1 ] );
 		return 2;
 	}
-	std::string gameRoot = argc == 3 ? argv[ 2 ] : ( std::filesystem::current_path() / "content" / "game" ).string();
+	std::string gameRoot = ZolCliGameRootFor( nullptr );
 	SetParticleSystemMgr( HostParticleSystemMgr() );
 	SetParticleGameRoot( gameRoot.c_str() );
 	const std::string gameName = ReadGameName( gameRoot );

@@ -4,11 +4,10 @@
 
 #include <cstdio>
 
-// Connects the host's particle manager and the class table's game root: the nearest
-// ancestor folder of the file with "game/gameinfo.gi" (content/content/... files sit
-// beside content/game), else of the working folder (version control hands over copies
-// of old versions in a temporary folder), else none.
+// Connects the host's particle manager and the class table's game root, the one of
+// ZolCliGameRootFor: --game, else found above the file or the working folder.
 void ConnectParticleHostForDefinition( const char *pFirstFile );
 
-// Each line of a text, as "FILE: line"; empty lines are left out.
+// Each line of a text, as "FILE: line" (the line alone without a file, for lines that
+// name their file); empty lines are left out.
 void PrintFileLines( FILE *pOut, const char *pFile, const char *pText );

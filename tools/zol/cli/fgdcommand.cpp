@@ -10,18 +10,8 @@
 #include "tools/toolutils2/fgd/fgdreader.h"
 #include "tools/toolutils2/fgd/fgdvalue.h"
 #include "tools/toolutils2/fgd/gamedata.h"
+#include "tools/zol/cli/cliargs.h"
 #include "tools/zol/cli/clicommand.h"
-
-// Includes resolve against the game root: the content/game folder that holds the file,
-// else the one below the working directory.
-static std::string FindGameRoot( const char *pszFile )
-{
-	std::string path = std::filesystem::absolute( pszFile ).lexically_normal().generic_string();
-	size_t nAt = path.rfind( "/content/game/" );
-	if ( nAt != std::string::npos )
-		return path.substr( 0, nAt + strlen( "/content/game" ) );
-	return ( std::filesystem::current_path() / "content" / "game" ).string();
-}
 
 // The file the user named is shown as typed; files it includes keep their full path.
 static void PrintErrors( const CGameData &gameData, const char *pszLoadedPath, const char *pszTypedPath )
@@ -87,32 +77,30 @@ static int RunFgd( int argc, char **argv )
 		return 2;
 	}
 	bool bDump = !strcmp( argv[ 1 ], "dump" );
-	const char *pszGameRoot = nullptr;
-	int nFirstFile = 2;
-	if ( !strcmp( argv[ 2 ], "--game" ) )
-	{
-		if ( argc < 5 )
-		{
-			fprintf( stderr, "%s", pszUsage );
-			return 2;
-		}
-		pszGameRoot = argv[ 3 ];
-		nFirstFile = 4;
-	}
-	if ( bDump && argc - nFirstFile != 1 )
+	if ( bDump && argc != 3 )
 	{
 		fprintf( stderr, "%s", pszUsage );
 		return 2;
 	}
+	for ( int i = 2; i < argc; ++i )
+	{
+		if ( !*argv[ i ] || argv[ i ][ 0 ] == '-' )
+		{
+			fprintf( stderr, "zol fgd: %s\n%s", *argv[ i ] ? ( std::string( "unknown option " ) + argv[ i ] ).c_str() : "an empty file name", pszUsage );
+			return 2;
+		}
+	}
 
 	int nStatus = 0;
-	for ( int i = nFirstFile; i < argc; ++i )
+	for ( int i = 2; i < argc; ++i )
 	{
-		// Each file gets a set of its own, as the editor would load it alone.
+		// Each file gets a set of its own, as the editor would load it alone; includes
+		// resolve against the game root (--game, or the one the file lies in).
 		CGameData gameData;
-		std::string root = pszGameRoot ? std::string( pszGameRoot ) : FindGameRoot( argv[ i ] );
+		std::string root = ZolCliGameRootFor( argv[ i ] );
 		CFgdReader reader( &gameData, root.c_str() );
-		std::string loadedPath = std::filesystem::absolute( argv[ i ] ).string();
+		std::error_code error;
+		std::string loadedPath = std::filesystem::absolute( argv[ i ], error ).string();
 		bool bLoaded = reader.LoadGameData( loadedPath.c_str() );
 		PrintErrors( gameData, loadedPath.c_str(), argv[ i ] );
 		if ( !bLoaded || !gameData.GetErrors().IsEmpty() )

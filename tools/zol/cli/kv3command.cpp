@@ -4,10 +4,11 @@
 #include <cstdio>
 #include <cstring>
 
+#include "core/containers/utlbuffer.h"
 #include "core/kv3/keyvalues3.h"
 #include "core/kv3/kv3serialize.h"
+#include "core/platform/platformfile.h"
 #include "tools/zol/cli/clicommand.h"
-#include "tools/zol/cli/clifile.h"
 
 // Parses one file, keeping a definition file's format so that its canonical form stays
 // a definition; on failure prints "FILE:line:col: message" to stderr.
@@ -15,7 +16,7 @@ static bool LoadKV3File( const char *pPath, KeyValues3 *pKV, const KV3ID_t **ppF
 {
 	CUtlBuffer buffer;
 	CUtlString error;
-	if ( !ZolCliReadFile( pPath, &buffer, &error ) )
+	if ( !Plat_ReadWholeFile( pPath, &buffer, &error ) )
 	{
 		fprintf( stderr, "%s: %s\n", pPath, error.Get() );
 		return false;
@@ -39,6 +40,14 @@ static int RunKV3( int argc, char **argv )
 		return 2;
 	}
 	bool bFormat = !strcmp( argv[ 1 ], "fmt" );
+	for ( int i = 2; i < argc; ++i )
+	{
+		if ( !*argv[ i ] )
+		{
+			fprintf( stderr, "zol kv3: an empty file name\nusage: zol kv3 fmt FILE...\n       zol kv3 check FILE...\n" );
+			return 2;
+		}
+	}
 	int nStatus = 0;
 	for ( int i = 2; i < argc; ++i )
 	{

@@ -1,70 +1,59 @@
-// zol sim FILE: compiles a particle system definition (children found under the content
-// root) and steps it headless at a fixed rate, printing a line per simulated second.
-// Cameras and control point models can stand in for what the preview's view gives.
+// zol sim FILE: compiles a particle system definition (children found inside the content
+// and game roots) and steps it headless at a fixed rate, printing a line per simulated
+// second, or every N frames. Cameras and control point models can stand in for what the
+// preview's view gives; --dump writes every particle of every printed step as JSON lines.
 
 #include <cmath>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <string>
 #include <vector>
 
+#include "core/containers/utlbuffer.h"
 #include "core/host/resourcesystem.h"
 #include "core/particles/particlemodelresource.h"
-#include "core/particles/sim/iparticlecollection.h"
-#include "core/particles/sim/particleruntimedefinition.h"
+#include "core/particles/sim/particlecollection.h"
+#include "core/platform/platformfile.h"
+#include "tools/zol/cli/cliargs.h"
 #include "tools/zol/cli/clicommand.h"
-#include "tools/zol/cli/clifile.h"
+#include "tools/zol/cli/clidefinition.h"
+#include "tools/zol/cli/simdump.h"
 
 namespace
 {
+constexpr const char *SIM_USAGE = "sim FILE [--seconds S] [--fps F] [--seed N] [--every N] [--dump FILE.jsonl] [--cp N=x,y,z]... [--camera x,y,z]... [--cp-model N=FILE]...";
+
 struct SimOptions_t
 {
 	const char *m_pFile = nullptr;
 	double m_flSeconds = 5.0;
 	int m_nFps = 60;
+	int m_nEvery = 0; // frames between printed lines; 0: one a second
 	uint64_t m_nSeed = 1;
+	const char *m_pDump = nullptr;
 	std::vector<std::pair<int, Vector>> m_ControlPoints;
 	std::vector<ParticleCamera_t> m_Cameras;
 	std::vector<std::pair<int, std::string>> m_ControlPointModels;
 };
 
-int Usage( const char *pProblem )
+int Usage( const std::string &problem )
 {
-	fprintf( stderr, "zol sim: %s\nusage: zol sim FILE [--seconds S] [--fps F] [--seed N] [--cp N=x,y,z]... [--camera x,y,z]... [--cp-model N=FILE]...\n", pProblem );
+	fprintf( stderr, "zol sim: %s\nusage: zol %s\n", problem.c_str(), SIM_USAGE );
 	return 2;
 }
 
-bool ParseControlPoint( const char *pText, std::pair<int, Vector> *pOut )
+// "N=rest" with N a control point number; answers the rest, or null.
+const char *ParseControlPointNumber( const char *pText, int *pPoint )
 {
-	int nPoint;
-	float x, y, z;
-	char cTrailing;
-	if ( sscanf( pText, "%d=%f,%f,%f%c", &nPoint, &x, &y, &z, &cTrailing ) != 4 || nPoint < 0 || nPoint >= MAX_PARTICLE_CONTROL_POINTS )
-		return false;
-	*pOut = { nPoint, Vector( x, y, z ) };
-	return true;
-}
-
-// A camera at x,y,z looking at control point 0's place at the start (the origin unless --cp moved it).
-bool ParseCamera( const char *pText, ParticleCamera_t *pOut )
-{
-	float x, y, z;
-	char cTrailing;
-	if ( sscanf( pText, "%f,%f,%f%c", &x, &y, &z, &cTrailing ) != 3 || !std::isfinite( x ) || !std::isfinite( y ) || !std::isfinite( z ) )
-		return false;
-	pOut->m_vPosition = Vector( x, y, z );
-	return true;
-}
-
-bool ParseControlPointModel( const char *pText, std::pair<int, std::string> *pOut )
-{
-	int nPoint, nConsumed = 0;
-	if ( sscanf( pText, "%d=%n", &nPoint, &nConsumed ) != 1 || nConsumed == 0 || nPoint < 0 || nPoint >= MAX_PARTICLE_CONTROL_POINTS || !pText[ nConsumed ] )
-		return false;
-	*pOut = { nPoint, std::string( pText + nConsumed ) };
-	return true;
+	const char *pEquals = strchr( pText, '=' );
+	if ( !pEquals )
+		return nullptr;
+	long long nPoint;
+	if ( !ZolCliParseInt( std::string( pText, size_t( pEquals - pText ) ).c_str(), 0, MAX_PARTICLE_CONTROL_POINTS - 1, &nPoint ) )
+		return nullptr;
+	*pPoint = int( nPoint );
+	return pEquals + 1;
 }
 
 // Answers 0 when the options are good, else the exit status.
@@ -72,52 +61,81 @@ int ParseOptions( int argc, char **argv, SimOptions_t *pOptions )
 {
 	for ( int i = 1; i < argc; ++i )
 	{
-		const char *pArg = argv[ i ];
-		bool bHasValue = i + 1 < argc;
-		if ( strcmp( pArg, "--seconds" ) == 0 && bHasValue )
+		const std::string option = argv[ i ];
+		const bool bTakesValue = option == "--seconds" || option == "--fps" || option == "--seed" || option == "--cp" || option == "--camera" ||
+								 option == "--cp-model" || option == "--every" || option == "--dump";
+		if ( bTakesValue && i + 1 >= argc )
+			return Usage( option + " needs a value" );
+		const char *pValue = bTakesValue ? argv[ ++i ] : nullptr;
+		const std::string quoted = pValue ? std::string( " (got \"" ) + pValue + "\")" : std::string();
+		if ( option == "--seconds" )
 		{
-			pOptions->m_flSeconds = atof( argv[ ++i ] );
-			if ( !( pOptions->m_flSeconds > 0.0 ) || pOptions->m_flSeconds > 3600.0 )
-				return Usage( "--seconds takes a number above 0 and at most 3600" );
+			if ( !ZolCliParseDouble( pValue, 0.0, 3600.0, &pOptions->m_flSeconds ) || !( pOptions->m_flSeconds > 0.0 ) )
+				return Usage( "--seconds takes a number above 0 and at most 3600" + quoted );
 		}
-		else if ( strcmp( pArg, "--fps" ) == 0 && bHasValue )
+		else if ( option == "--fps" )
 		{
-			pOptions->m_nFps = atoi( argv[ ++i ] );
-			if ( pOptions->m_nFps < 1 || pOptions->m_nFps > 1000 )
-				return Usage( "--fps takes a whole number from 1 to 1000" );
+			long long nFps;
+			if ( !ZolCliParseInt( pValue, 1, 1000, &nFps ) )
+				return Usage( "--fps takes a whole number from 1 to 1000" + quoted );
+			pOptions->m_nFps = int( nFps );
 		}
-		else if ( strcmp( pArg, "--seed" ) == 0 && bHasValue )
+		else if ( option == "--every" )
 		{
-			pOptions->m_nSeed = strtoull( argv[ ++i ], nullptr, 10 );
+			long long nEvery;
+			if ( !ZolCliParseInt( pValue, 1, 1000000, &nEvery ) )
+				return Usage( "--every takes a whole number of frames from 1 to 1000000" + quoted );
+			pOptions->m_nEvery = int( nEvery );
 		}
-		else if ( strcmp( pArg, "--cp" ) == 0 && bHasValue )
+		else if ( option == "--seed" )
 		{
-			std::pair<int, Vector> point;
-			if ( !ParseControlPoint( argv[ ++i ], &point ) )
-				return Usage( "--cp takes N=x,y,z with N from 0 to 63" );
-			pOptions->m_ControlPoints.push_back( point );
+			if ( !ZolCliParseUInt64( pValue, &pOptions->m_nSeed ) )
+				return Usage( "--seed takes a whole number from 0 to 18446744073709551615" + quoted );
 		}
-		else if ( strcmp( pArg, "--camera" ) == 0 && bHasValue )
+		else if ( option == "--dump" )
 		{
+			if ( !*pValue )
+				return Usage( "--dump needs a file name" );
+			pOptions->m_pDump = pValue;
+		}
+		else if ( option == "--cp" )
+		{
+			int nPoint;
+			const char *pRest = ParseControlPointNumber( pValue, &nPoint );
+			float v[ 3 ];
+			if ( !pRest || !ZolCliParseVector( pRest, v ) )
+				return Usage( "--cp takes N=x,y,z with N from 0 to 63 and finite numbers" + quoted );
+			pOptions->m_ControlPoints.emplace_back( nPoint, Vector( v[ 0 ], v[ 1 ], v[ 2 ] ) );
+		}
+		else if ( option == "--camera" )
+		{
+			// A camera at x,y,z looks at control point 0's place at the start.
+			float v[ 3 ];
+			if ( !ZolCliParseVector( pValue, v ) )
+				return Usage( "--camera takes x,y,z with finite numbers" + quoted );
 			ParticleCamera_t camera;
-			if ( !ParseCamera( argv[ ++i ], &camera ) )
-				return Usage( "--camera takes x,y,z" );
+			camera.m_vPosition = Vector( v[ 0 ], v[ 1 ], v[ 2 ] );
 			pOptions->m_Cameras.push_back( camera );
 		}
-		else if ( strcmp( pArg, "--cp-model" ) == 0 && bHasValue )
+		else if ( option == "--cp-model" )
 		{
-			std::pair<int, std::string> model;
-			if ( !ParseControlPointModel( argv[ ++i ], &model ) )
-				return Usage( "--cp-model takes N=FILE with N from 0 to 63" );
-			pOptions->m_ControlPointModels.push_back( model );
+			int nPoint;
+			const char *pRest = ParseControlPointNumber( pValue, &nPoint );
+			if ( !pRest || !*pRest )
+				return Usage( "--cp-model takes N=FILE with N from 0 to 63" + quoted );
+			pOptions->m_ControlPointModels.emplace_back( nPoint, std::string( pRest ) );
 		}
-		else if ( pArg[ 0 ] == '-' )
+		else if ( option.size() > 1 && option[ 0 ] == '-' )
 		{
-			return Usage( ( std::string( "unknown or incomplete option " ) + pArg ).c_str() );
+			return Usage( "unknown option " + option );
+		}
+		else if ( option.empty() )
+		{
+			return Usage( "an empty file name" );
 		}
 		else if ( !pOptions->m_pFile )
 		{
-			pOptions->m_pFile = pArg;
+			pOptions->m_pFile = argv[ i ];
 		}
 		else
 		{
@@ -131,14 +149,23 @@ int ParseOptions( int argc, char **argv, SimOptions_t *pOptions )
 // the path as given outside it); answers that name, or empty with the reason.
 std::string LoadModel( IResourceSystem *pResources, const std::string &path, CUtlString *pError )
 {
-	std::string absolute = std::filesystem::absolute( path ).lexically_normal().string();
+	std::error_code fsError;
+	std::string absolute = std::filesystem::absolute( path, fsError ).lexically_normal().string();
 	CUtlBuffer buffer;
-	if ( !ZolCliReadFile( absolute.c_str(), &buffer, pError ) )
+	CUtlString reason;
+	if ( !Plat_ReadWholeFile( absolute.c_str(), &buffer, &reason ) )
+	{
+		pError->Format( "%s: %s", path.c_str(), reason.Get() );
 		return {};
+	}
 	std::string name = path;
-	CUtlString root = CParticleDefinitionFileCompiler::FindContentRoot( absolute.c_str() );
-	if ( !root.IsEmpty() )
-		name = std::filesystem::path( absolute ).lexically_relative( root.Get() ).generic_string();
+	std::string root = ZolCliContentRootFor( absolute.c_str() );
+	if ( !root.empty() )
+	{
+		std::string relative = std::filesystem::path( absolute ).lexically_relative( root ).generic_string();
+		if ( !relative.empty() && relative.compare( 0, 2, ".." ) != 0 )
+			name = relative;
+	}
 	std::unique_ptr<CResourceData> pData;
 	CParticleModelCompiler compiler;
 	if ( !compiler.Compile( buffer, name.c_str(), &pData, pError ) )
@@ -147,15 +174,36 @@ std::string LoadModel( IResourceSystem *pResources, const std::string &path, CUt
 	return name;
 }
 
+// Particles of the whole tree left out of the bounds for a position or radius that isn't finite.
+int CountNonFinite( const IParticleCollection &collection )
+{
+	int nCount = static_cast<const CParticleCollection &>( collection ).GetNonFiniteParticleCount();
+	for ( const IParticleCollection *pChild = collection.GetFirstChild(); pChild; pChild = pChild->GetNextSibling() )
+		nCount += CountNonFinite( *pChild );
+	return nCount;
+}
+
 void PrintBounds( const IParticleCollection &collection )
 {
 	if ( !collection.AreBoundsValid() )
-	{
 		printf( "bounds none" );
-		return;
+	else
+	{
+		// Every digit a float holds, so that a check can compare against exact values.
+		Vector vMin = collection.GetBoundsMin(), vMax = collection.GetBoundsMax();
+		printf( "bounds (%.9g %.9g %.9g)-(%.9g %.9g %.9g)", double( vMin.x ), double( vMin.y ), double( vMin.z ), double( vMax.x ), double( vMax.y ), double( vMax.z ) );
 	}
-	Vector vMin = collection.GetBoundsMin(), vMax = collection.GetBoundsMax();
-	printf( "bounds (%.1f %.1f %.1f)-(%.1f %.1f %.1f)", vMin.x, vMin.y, vMin.z, vMax.x, vMax.y, vMax.z );
+	if ( int nNonFinite = CountNonFinite( collection ) )
+		printf( " non-finite %d", nNonFinite );
+}
+
+// Seconds of a frame count: two decimals when they are exact, else every digit needed.
+void PrintTime( int nStep, int nFps )
+{
+	if ( ( int64_t( nStep ) * 100 ) % nFps == 0 )
+		printf( "t=%.2f", double( nStep ) / nFps );
+	else
+		printf( "t=%.9g", double( nStep ) / nFps );
 }
 
 int RunSim( int argc, char **argv )
@@ -164,11 +212,10 @@ int RunSim( int argc, char **argv )
 	if ( int nStatus = ParseOptions( argc, argv, &options ) )
 		return nStatus;
 
-	// The file is named as the user typed it; its children are found under the content root.
-	std::string path = std::filesystem::absolute( options.m_pFile ).lexically_normal().string();
-	CParticleDefinitionFileCompiler compiler( CParticleDefinitionFileCompiler::FindContentRoot( path.c_str() ).Get(), ZolCliReadFile );
-	CUtlString error;
-	ParticleDefinitionPtr_t pDefinition = compiler.Compile( path.c_str(), &error );
+	CUtlString error, warnings;
+	ParticleDefinitionPtr_t pDefinition = ZolCliCompileDefinition( options.m_pFile, &error, &warnings );
+	if ( !warnings.IsEmpty() )
+		fprintf( stderr, "%s", warnings.Get() );
 	if ( !pDefinition )
 	{
 		fprintf( stderr, "%s\n", error.Get() );
@@ -192,6 +239,12 @@ int RunSim( int argc, char **argv )
 		}
 		models.emplace_back( nPoint, name );
 	}
+	CSimDumpWriter dump;
+	if ( options.m_pDump && !dump.Open( options.m_pDump, &error ) )
+	{
+		fprintf( stderr, "zol sim: %s\n", error.Get() );
+		return 1;
+	}
 
 	std::unique_ptr<IParticleCollection> pCollection = CreateParticleCollection( pDefinition, options.m_nSeed );
 	for ( const auto &[ nPoint, vPosition ] : options.m_ControlPoints )
@@ -203,34 +256,48 @@ int RunSim( int argc, char **argv )
 		// Each camera looks at where the system starts.
 		Vector vTarget = pCollection->GetControlPointPosition( 0 );
 		for ( ParticleCamera_t &camera : options.m_Cameras )
-		{
-			Vector d( vTarget.x - camera.m_vPosition.x, vTarget.y - camera.m_vPosition.y, vTarget.z - camera.m_vPosition.z );
-			camera.m_vForward = d;
-		}
+			camera.m_vForward = Vector( vTarget.x - camera.m_vPosition.x, vTarget.y - camera.m_vPosition.y, vTarget.z - camera.m_vPosition.z );
 		pCollection->SetCameras( options.m_Cameras.data(), int( options.m_Cameras.size() ) );
 	}
 
 	const float flDt = 1.0f / float( options.m_nFps );
-	const int nSteps = int( std::lround( options.m_flSeconds * options.m_nFps ) );
+	const int nSteps = std::max( 1, int( std::lround( options.m_flSeconds * options.m_nFps ) ) );
+	const int nEvery = options.m_nEvery > 0 ? options.m_nEvery : options.m_nFps;
 	int nPeak = 0, nPeakWithChildren = 0;
+	bool bToldNonFinite = false;
 	for ( int nStep = 1; nStep <= nSteps; ++nStep )
 	{
 		pCollection->Simulate( flDt );
+		if ( int nNonFinite = bToldNonFinite ? 0 : CountNonFinite( *pCollection ) )
+		{
+			fprintf( stderr, "%s: at frame %d, %d particles have a position or radius that isn't finite (NaN or infinite); the bounds leave them out\n",
+				options.m_pFile, nStep, nNonFinite );
+			bToldNonFinite = true;
+		}
 		nPeak = std::max( nPeak, pCollection->GetActiveParticleCount( false ) );
 		nPeakWithChildren = std::max( nPeakWithChildren, pCollection->GetActiveParticleCount( true ) );
-		if ( nStep % options.m_nFps == 0 || nStep == nSteps )
+		if ( nStep % nEvery == 0 || nStep == nSteps )
 		{
-			printf( "t=%.2f particles %d with children %d ", double( nStep ) / options.m_nFps, pCollection->GetActiveParticleCount( false ),
-				pCollection->GetActiveParticleCount( true ) );
+			PrintTime( nStep, options.m_nFps );
+			printf( " particles %d with children %d ", pCollection->GetActiveParticleCount( false ), pCollection->GetActiveParticleCount( true ) );
 			PrintBounds( *pCollection );
 			printf( "\n" );
+			if ( dump.IsOpen() && !dump.WriteStep( nStep, double( nStep ) / options.m_nFps, *pCollection, &error ) )
+			{
+				fprintf( stderr, "zol sim: %s\n", error.Get() );
+				return 1;
+			}
 		}
+	}
+	if ( dump.IsOpen() && !dump.Close( &error ) )
+	{
+		fprintf( stderr, "zol sim: %s\n", error.Get() );
+		return 1;
 	}
 	printf( "summary: %.2f s at %d fps, seed %llu, peak particles %d, with children %d, %s\n", double( nSteps ) / options.m_nFps, options.m_nFps,
 		static_cast<unsigned long long>( options.m_nSeed ), nPeak, nPeakWithChildren, pCollection->IsFinished() ? "finished" : "still running" );
 	return 0;
 }
 
-CZolCliCommandRegistrar s_SimCommand( { "sim", "sim FILE [--seconds S] [--fps F] [--seed N] [--cp N=x,y,z]... [--camera x,y,z]... [--cp-model N=FILE]...",
-	"compiles a particle system and steps it headless, printing counts and bounds each second", RunSim } );
+CZolCliCommandRegistrar s_SimCommand( { "sim", SIM_USAGE, "compiles a particle system and steps it headless, printing counts and bounds each second", RunSim } );
 } // namespace

@@ -1,11 +1,15 @@
 // zol tfxs check|fmt: load particle system definition files as the editor does, and report
 // why one is refused or what was read leniently, or print the text a save would write.
+// check also compiles each file with its children as zol sim and the preview run it, so
+// that it refuses every file they would.
 
 #include <cstdio>
 #include <cstring>
+#include <string>
 
 #include "core/containers/utlbuffer.h"
 #include "tools/zol/cli/clicommand.h"
+#include "tools/zol/cli/clidefinition.h"
 #include "tools/zol/cli/clitfxs.h"
 #include "zoldoc_lib/zoldoc.h"
 
@@ -19,22 +23,42 @@ static int RunTfxs( int argc, char **argv )
 		fprintf( stderr, "%s", pUsage );
 		return 2;
 	}
+	for ( int i = 2; i < argc; ++i )
+	{
+		if ( !*argv[ i ] || argv[ i ][ 0 ] == '-' )
+		{
+			fprintf( stderr, "zol tfxs: %s\n%s", *argv[ i ] ? ( std::string( "unknown option " ) + argv[ i ] ).c_str() : "an empty file name", pUsage );
+			return 2;
+		}
+	}
 	ConnectParticleHostForDefinition( argv[ 2 ] );
 
 	int nStatus = 0;
+	FILE *pReport = bFormat ? stderr : stdout;
 	for ( int i = 2; i < argc; ++i )
 	{
 		CZolDoc doc( false );
 		CUtlString error;
 		if ( !doc.LoadFromFile( argv[ i ], "", &error ) )
 		{
-			PrintFileLines( bFormat ? stderr : stdout, argv[ i ], error.Get() );
+			PrintFileLines( pReport, argv[ i ], error.Get() );
 			nStatus = 1;
 			continue;
 		}
-		PrintFileLines( bFormat ? stderr : stdout, argv[ i ], doc.GetLoadWarnings().Get() );
-		if ( !bFormat )
+		PrintFileLines( pReport, argv[ i ], doc.GetLoadWarnings().Get() );
+		if ( bCheck )
+		{
+			// What the preview and zol sim would make of it: function fields, inputs and
+			// the whole tree of children. Their messages name their files.
+			CUtlString warnings;
+			if ( !ZolCliCompileDefinition( argv[ i ], &error, &warnings ) )
+			{
+				PrintFileLines( pReport, nullptr, error.Get() );
+				nStatus = 1;
+			}
+			PrintFileLines( pReport, nullptr, warnings.Get() );
 			continue;
+		}
 		CUtlBuffer buffer;
 		if ( !doc.SaveToBuffer( &buffer, &error ) )
 		{
@@ -48,5 +72,5 @@ static int RunTfxs( int argc, char **argv )
 }
 
 static CZolCliSubcommandRegistrar s_TfxsCheck( "tfxs", "check", "tfxs check FILE...",
-	"reports why particle system definitions are refused or read leniently", RunTfxs );
+	"reports why particle system definitions are refused (as zol sim and the preview would) or read leniently", RunTfxs );
 static CZolCliSubcommandRegistrar s_TfxsFormat( "tfxs", "fmt", "tfxs fmt FILE", "prints a definition as a save writes it", RunTfxs );

@@ -3,9 +3,9 @@
 #include "core/containers/utlbuffer.h"
 #include "core/host/ifilesystem.h"
 
-// Children come from their files through the host's file system, found on the content
-// search paths.
-static bool ReadContentFile( const char *pPath, CUtlBuffer *pBuffer, CUtlString *pError )
+// Children come from their files through the host's file system, found inside the content
+// roots, then the game roots.
+static bool ReadChildFile( const char *pPath, CUtlBuffer *pBuffer, CUtlString *pError )
 {
 	IFileSystem *pFileSystem = GetFileSystem();
 	if ( !pFileSystem )
@@ -13,7 +13,7 @@ static bool ReadContentFile( const char *pPath, CUtlBuffer *pBuffer, CUtlString 
 		pError->Format( "Unable to read '%s': no file system", pPath );
 		return false;
 	}
-	return pFileSystem->ReadFile( pPath, PATH_ID_CONTENT, pBuffer, pError );
+	return pFileSystem->ReadFile( pPath, nullptr, pBuffer, pError );
 }
 
 bool CParticleAssetCompiler::Compile( const CUtlBuffer &source, const char *pResourceName, std::unique_ptr<CResourceData> *pResult, CUtlString *pError )
@@ -22,8 +22,16 @@ bool CParticleAssetCompiler::Compile( const CUtlBuffer &source, const char *pRes
 	CUtlBuffer text;
 	text.Put( source.Base(), source.TellPut() );
 
-	CParticleDefinitionFileCompiler children( "", &ReadContentFile );
-	ParticleChildResolver_t fnResolveChild = [ &children ]( const char *pPath, CUtlString *pChildError ) { return children.Compile( pPath, pChildError ); };
+	CParticleDefinitionFileCompiler children( "", &ReadChildFile );
+	if ( IFileSystem *pFileSystem = GetFileSystem() )
+	{
+		CUtlVector<CUtlString> roots;
+		pFileSystem->GetSearchPaths( PATH_ID_CONTENT, &roots );
+		pFileSystem->GetSearchPaths( PATH_ID_GAME, &roots );
+		for ( const CUtlString &root : roots )
+			children.AddRoot( root.Get() );
+	}
+	ParticleChildResolver_t fnResolveChild = [ &children ]( const char *pPath, CUtlString *pChildError ) { return children.CompileChild( pPath, pChildError ); };
 	CUtlString strError;
 	ParticleDefinitionPtr_t pDefinition = CompileParticleDefinition( &text, pResourceName, fnResolveChild, &strError );
 	if ( !pDefinition )

@@ -1,4 +1,4 @@
-#include "particleslib/pulsevaluefulltypetransfer.h"
+#include "pulse_runtime_lib/valuetypes/pulsevaluefulltypetransfer.h"
 
 void KV3Transfer_t<CPulseValueFullType>::Load( CPulseValueFullType &value, const KeyValues3 *pValue, CKV3TransferLoadContext *pContext )
 {
