@@ -289,6 +289,10 @@ TEST_F( PropertyPanelTest, CheckBoxComboAndVectorWriteTheirValues )
 	Type( Plain( "m_vOffset" )->GetComponentEdits()[ 0 ], "up" );
 	EXPECT_EQ( Value( 0, "m_vOffset" ), "0 0 40" );
 	EXPECT_EQ( m_Listener.m_nSteps, 3 );
+	// A colour's component stops at its limit.
+	Type( Plain( "m_Tint" )->GetComponentEdits()[ 1 ], "300" );
+	EXPECT_EQ( Value( 0, "m_Tint" ), "255 255 0" );
+	EXPECT_EQ( Plain( "m_Tint" )->GetComponentEdits()[ 1 ]->text(), QStringLiteral( "255" ) );
 }
 
 TEST_F( PropertyPanelTest, SeveralTargetsShowWhatTheyShareAndWriteAll )

@@ -60,19 +60,42 @@ void DescribeValue( const KeyValues3 *pValue, CUtlString *pOut )
 	else
 		pOut->Format( "(%s)", pValue->GetTypeAsString() );
 }
+// A list named by its word in any case, with or without blanks and a plural "s"
+// ("Emitter", "emitters", "Pre Emission Operator", "Children"), or by its key.
+bool NamesList( const std::string &name, int nType )
+{
+	auto normal = []( std::string text ) {
+		std::string out;
+		for ( char c : text )
+		{
+			if ( c != ' ' )
+				out += char( tolower( (unsigned char)c ) );
+		}
+		if ( out.size() > 1 && out.back() == 's' )
+			out.pop_back();
+		return out;
+	};
+	std::string wanted = normal( name );
+	return wanted == normal( GetParticleFunctionTypeWord( nType ) ) || !V_stricmp_fast( name.c_str(), GetParticleFunctionListKey( nType ) ) ||
+		( nType == PARTICLE_FUNCTION_CHILDREN && wanted == "child" );
+}
 } // namespace
 
 bool CZolApp::RunSelectStep( const char *pArgs, CUtlString *pOutput )
 {
 	CZolSession *pSession = GetActiveZolSession();
 	CZolDoc *pDoc = pSession ? pSession->GetDoc() : nullptr;
-	std::string word, index;
-	if ( !pDoc || !pDoc->GetRoot() || !SplitWords( pArgs, &word, &index ) )
+	// The last word is the index; the words before it name the list.
+	std::string args( pArgs );
+	size_t nLast = args.find_last_of( ' ' );
+	std::string word = nLast == std::string::npos ? args : args.substr( 0, nLast );
+	std::string index = nLast == std::string::npos ? std::string() : args.substr( nLast + 1 );
+	if ( !pDoc || !pDoc->GetRoot() || word.empty() )
 	{
 		pOutput->Set( "\"select\" needs an open definition and \"base\" or a list word and an index, such as \"select Emitter 0\"" );
 		return false;
 	}
-	if ( !V_stricmp_fast( word.c_str(), "base" ) )
+	if ( !V_stricmp_fast( args.c_str(), "base" ) )
 	{
 		pDoc->SelectBaseProperties();
 		pOutput->Set( "selected the base properties" );
@@ -81,7 +104,7 @@ bool CZolApp::RunSelectStep( const char *pArgs, CUtlString *pOutput )
 	int nType = -1;
 	for ( int nList = 0; nList < PARTICLE_FUNCTION_LIST_COUNT && nType < 0; ++nList )
 	{
-		if ( !V_stricmp_fast( word.c_str(), GetParticleFunctionTypeWord( nList ) ) || !V_stricmp_fast( word.c_str(), GetParticleFunctionListKey( nList ) ) )
+		if ( NamesList( word, nList ) )
 			nType = nList;
 	}
 	char *pEnd = nullptr;

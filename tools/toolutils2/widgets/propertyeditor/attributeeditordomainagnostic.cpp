@@ -9,6 +9,7 @@
 #include <QSignalBlocker>
 #include <QToolTip>
 
+#include <algorithm>
 #include <cmath>
 
 #include "core/host/iprompt.h"
@@ -585,6 +586,9 @@ void CQAttributeEditor_DomainAgnostic::OnComponentFinished()
 			Refuse( QStringLiteral( "\"%1\" is not a number" ).arg( text ) );
 			return;
 		}
+		// A colour's components stop at their limits.
+		if ( bInteger && !text.isEmpty() )
+			text = QString::number( std::clamp( text.toLongLong(), 0LL, 255LL ) );
 		components.append( text );
 	}
 	QStringList shown = SplitComponents( m_ShownText );

@@ -5,6 +5,7 @@
 #include "core/host/ipropertyeditorsystem.h"
 #include "core/kv3/keyvalues3.h"
 #include "core/particles/particlefunctiontype.h"
+#include "core/text/bufferstring.h"
 #include "tools/toolutils2/toolattr/ibasetoolattr.h"
 #include "tools/zol/editor/zolsession.h"
 #include "zoldoc_lib/zoldoc.h"
@@ -60,6 +61,22 @@ bool CZolKV3PropertyDomain::IsFieldHidden( IBaseToolAttr *pAttr ) const
 	if ( pMeta->HasMember( "particle_max_version" ) && nVersion > pMeta->GetMemberInt64( "particle_max_version" ) )
 		return true;
 	return false;
+}
+
+bool CZolKV3PropertyDomain::GetTargetDisplayName( const ZolPropertyTarget &target, CUtlString *pOut )
+{
+	CBaseZolNode *pNode = dynamic_cast<CBaseZolNode *>( target.m_hTable.m_pNotifyRoot );
+	if ( !pNode || !target.m_hTable.IsValid() || pNode->IsFunctionNode() )
+		return CToolAttrPropertyDomain::GetTargetDisplayName( target, pOut );
+	if ( pNode->IsRootNode() )
+	{
+		pOut->Set( "Base Properties" );
+		return true;
+	}
+	CBufferString name, value, hint;
+	pNode->GetDisplayStrings( &name, &value, &hint );
+	pOut->Format( "%s %s", pNode->IsChildNode() ? "Child" : "Variable", name.Get() );
+	return true;
 }
 
 bool CZolKV3PropertyDomain::IsPropertyFiltered( IBaseToolAttr *pAttr, HToolAttrTableInstance handle )

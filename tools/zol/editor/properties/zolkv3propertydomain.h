@@ -24,7 +24,9 @@ public:
 	// or "particle_max_version" below it, is not the document's. False without a session.
 	bool IsFieldHidden( IBaseToolAttr *pAttr ) const;
 
-	// CToolAttrPropertyDomain
+	// CToolAttrPropertyDomain. A node is named as the artist knows it: "Base Properties",
+	// "Child fire", "Variable FireHeight", or its function's name.
+	bool GetTargetDisplayName( const ZolPropertyTarget &target, CUtlString *pOut ) override;
 	bool IsPropertyFiltered( IBaseToolAttr *pAttr, HToolAttrTableInstance handle ) override;
 	void FillEditContext( const ZolPropertyTarget &property, CToolEditContextQuery_Base *pQuery ) override;
 
