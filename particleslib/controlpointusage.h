@@ -5,6 +5,7 @@
 #include <cstdint>
 
 #include "core/containers/utlvector.h"
+#include "core/particles/controlpointusagekind.h"
 #include "core/particles/particleparamid.h"
 #include "pulse_runtime_lib/valuetypes/pulsevaluefulltype.h"
 
@@ -16,11 +17,6 @@ constexpr uint8_t CONTROL_POINT_ACCESS_READ = 1 << 0;
 constexpr uint8_t CONTROL_POINT_ACCESS_WRITE = 1 << 1;
 constexpr uint8_t CONTROL_POINT_ACCESS_WRITE_SPECIAL = 1 << 2; // written with a special role
 
-// The usage kinds that inputs report.
-constexpr int32_t CONTROL_POINT_USAGE_POSITION = 2;         // a position is enough
-constexpr int32_t CONTROL_POINT_USAGE_TRANSFORM = 4;        // position and orientation
-constexpr int32_t CONTROL_POINT_USAGE_MODEL = 10;           // a model at the control point
-
 struct ControlPointUsage_t
 {
 	ParticleParamID_t m_ID;        // the number, or -1 with a name token
@@ -31,7 +27,8 @@ struct ControlPointUsage_t
 	CPulseValueFullType m_ValueType; // empty unless a named value's type is known
 };
 
-// A usage of a numbered control point, with the default values its kind implies.
+// A usage of a numbered control point, with the default values its kind implies
+// (ControlPointUsageKind_t).
 ControlPointUsage_t MakeControlPointUsage( int32_t nControlPoint, int32_t nUsageKind, uint8_t nAccessFlags );
 // Appends a read of a control point; a negative number appends nothing.
 void AddControlPointRead( CUtlVector<ControlPointUsage_t> &list, int32_t nControlPoint, int32_t nUsageKind );

@@ -10,6 +10,7 @@
 #include "zoldoc_lib/particlegamedata.h"
 #include "zoldoc_lib/zoldoc.h"
 #include "zoldoc_lib/zolnode.h"
+#include "zoldoc_lib/zolvariableconfiguration.h"
 
 namespace
 {
@@ -131,6 +132,7 @@ bool GetParticleAttributeChoices( const char *pName, const CZolDoc *pDoc, CUtlVe
 
 void RegisterParticleChoiceProviders( CToolAttrHost *pHost )
 {
+	RegisterZolVariableChoiceProviders( pHost );
 	for ( const char *pName : s_ChoiceNames )
 	{
 		pHost->RegisterChoiceProvider( pName, [ pName ]( HToolAttrTableInstance handle, const IBaseToolAttr *, CUtlVector<ToolAttrGenericChoice_t> *pChoices ) {

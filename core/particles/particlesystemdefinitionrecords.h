@@ -31,14 +31,16 @@ struct ParticleChildrenInfo_t
 struct ParticleNamedValueConfiguration_t
 {
 	SCHEMA_CLASS( ParticleNamedValueConfiguration_t )
-	SCHEMA_FIELD( CUtlString, m_ConfigName, {}, { "MPropertyFriendlyName", "Configuration Name" } )
+	// Named lists the editor fills: the system's configurations, the attachment points of
+	// the preview's entity, the domain values a variable may be bound to.
+	SCHEMA_FIELD( CUtlString, m_ConfigName, {}, { "MPropertyFriendlyName", "Configuration Name" }, { "MPropertyAttributeChoiceName", "particle_variable_configuration" } )
 	// In the form of the variable's value type.
 	SCHEMA_FIELD( KeyValues3, m_ConfigValue, {}, { "MPropertyFriendlyName", "Value" } )
 	// A binding expression; when set it wins over m_ConfigValue.
-	SCHEMA_FIELD( CUtlString, m_BoundValuePath, {}, { "MPropertyFriendlyName", "Binding Expression" } )
+	SCHEMA_FIELD( CUtlString, m_BoundValuePath, {}, { "MPropertyFriendlyName", "Binding Expression" }, { "MPropertyAttributeSuggestionName", "particle_variable_domain" } )
 	SCHEMA_FIELD( ParticleAttachment_t, m_iAttachType, PATTACH_WORLDORIGIN, { "MPropertyFriendlyName", "Attach Type" } )
 	SCHEMA_FIELD( CUtlString, m_strEntityScope, "self", { "MPropertyFriendlyName", "Attach Entity Scope" } )
-	SCHEMA_FIELD( CUtlString, m_strAttachmentName, {}, { "MPropertyFriendlyName", "Attach Location Name" } )
+	SCHEMA_FIELD( CUtlString, m_strAttachmentName, {}, { "MPropertyFriendlyName", "Attach Location Name" }, { "MPropertyAttributeSuggestionName", "particle_variable_attachment" } )
 };
 
 // A variable of the definition, shared by name with parents and children.

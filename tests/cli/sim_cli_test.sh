@@ -135,5 +135,28 @@ echo "$out" | grep -q '^t=1.00 particles 0 with children 3 ' || fail "the child 
 out=$("$zol" sim "$tmp/roots/elsewhere/top.tfxs" --seconds 1 --content "$tmp/roots/content" 2>&1) || fail "--content after sim: $out"
 echo "$out" | grep -q '^t=1.00 particles 0 with children 3 ' || fail "the child did not run with --content after sim: $out"
 
+# A variable shared by a parent and its child: the child's glow takes the parent's
+# default size (24), and its own (8) when it plays alone.
+out=$("$zol" sim "$src/content/content/particles/samples/beacon.tfxs" --seconds 2 2>&1) || fail "beacon refused: $out"
+echo "$out" | grep -qE '^t=2.00 .*bounds \([^ ]+ [^ ]+ -24\)-\([^ ]+ [^ ]+ 24\)' || fail "the glow did not take the beacon's GlowSize 24: $out"
+out=$("$zol" sim "$src/content/content/particles/samples/beacon_glow.tfxs" --seconds 2 2>&1) || fail "beacon glow refused: $out"
+echo "$out" | grep -q '^t=2.00 .*bounds (-8 -8 -8)-(8 8 8)' || fail "the glow alone did not keep its own GlowSize 8: $out"
+
+# Configurations: the brazier stands on the crate's lid (32 up) in one, on the ground in
+# the other; points given on the command line still win.
+brazier="$src/content/content/particles/samples/brazier.tfxs"
+lowest() { echo "$1" | sed -n 's/^t=1.00 .*bounds ([^ ]* [^ ]* \([-0-9.]*\))-.*/\1/p'; }
+out=$("$zol" sim "$brazier" --seconds 1 --config "on crate" 2>&1) || fail "--config on crate refused: $out"
+awk -v z="$(lowest "$out")" 'BEGIN { exit !(z > 20 && z < 32) }' || fail "on crate the flame does not start on the lid: $out"
+out=$("$zol" sim "$brazier" --seconds 1 --config GROUND 2>&1) || fail "--config GROUND refused: $out"
+awk -v z="$(lowest "$out")" 'BEGIN { exit !(z < 0) }' || fail "on the ground the flame does not start at the origin: $out"
+out=$("$zol" sim "$brazier" --seconds 1 --config "on crate" --cp 0=0,0,500 2>&1) || fail "--config with --cp refused: $out"
+awk -v z="$(lowest "$out")" 'BEGIN { exit !(z > 450) }' || fail "--cp did not win over the configuration: $out"
+out=$("$zol" sim "$brazier" --config "upside down" 2>&1)
+[ $? -eq 1 ] || fail "an unknown configuration did not exit 1: $out"
+echo "$out" | grep -q "brazier.tfxs: no configuration 'upside down' (there are: ground, on crate)" || fail "the configurations are not named: $out"
+"$zol" sim "$brazier" --config >/dev/null 2>&1
+[ $? -eq 2 ] || fail "--config without a name was not refused"
+
 [ $failures -eq 0 ] && echo "all sim cli checks passed"
 exit $((failures > 0))

@@ -378,7 +378,7 @@ TEST_F( ZolDocFixture, UpdateToCurrentVersionDropsFunctionsTheManagerNoLongerHas
 TEST_F( ZolDocFixture, VariableKeepsTypeAndConfigurationThroughUndo )
 {
 	m_Doc.AddVariable( "Tint", CPulseValueFullType( PVAL_FLOAT ) );
-	m_Doc.GetRoot()->GetNode( PARTICLE_FUNCTION_NAMED_VALUE_LOCALS, 0 )->AsVariableNode()->GetDefaultConfigForModify().SetMemberString( "m_ConfigName", "base" );
+	m_Doc.GetRoot()->GetNode( PARTICLE_FUNCTION_NAMED_VALUE_LOCALS, 0 )->AsVariableNode()->GetDefaultConfigForModify().m_ConfigName = "base";
 	m_Doc.AddChild( nullptr );
 
 	m_Doc.Undo();
@@ -386,7 +386,7 @@ TEST_F( ZolDocFixture, VariableKeepsTypeAndConfigurationThroughUndo )
 	CZolVariableNode *pVariable = m_Doc.GetRoot()->GetNode( PARTICLE_FUNCTION_NAMED_VALUE_LOCALS, 0 )->AsVariableNode();
 	EXPECT_STREQ( pVariable->GetName(), "Tint" );
 	EXPECT_EQ( pVariable->GetValueType(), CPulseValueFullType( PVAL_FLOAT ) );
-	EXPECT_STREQ( pVariable->GetDefaultConfig().GetMemberString( "m_ConfigName" ), "base" );
+	EXPECT_STREQ( pVariable->GetDefaultConfig().m_ConfigName.Get(), "base" );
 	EXPECT_FALSE( pVariable->GetKV3()->HasMember( "m_ValueType" ) );
 }
 

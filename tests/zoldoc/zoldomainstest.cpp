@@ -1,6 +1,7 @@
 #include <cstring>
 #include <string>
 
+#include "pulse_runtime_lib/valuetypes/pulsevaluefulltype.h"
 #include "pulse_runtime_lib/valuetypes/pulsevaluetype.h"
 #include "tests/zoldoc/zoldoctestsupport.h"
 #include "tools/toolutils2/fgd/fgdreader.h"
@@ -8,6 +9,7 @@
 #include "tools/toolutils2/toolattr/toolattrhost.h"
 #include "zoldoc_lib/zolrootnode.h"
 #include "zoldoc_lib/particledomains.h"
+#include "zoldoc_lib/zolnamedvaluetypes.h"
 #include "zoldoc_lib/particlegamedata.h"
 #include "zoldoc_lib/zolchoiceproviders.h"
 
@@ -133,4 +135,19 @@ TEST_F( ZolDocFixture, RegisteredAttributeChoicesFindTheDocumentThroughTheEdited
 	choices.RemoveAll();
 	fnProvider( HToolAttrTableInstance(), nullptr, &choices );
 	EXPECT_EQ( choices.Count(), 0 );
+}
+
+TEST_F( ZolDomainFixture, DomainValuesOfAVariableAreTheDeclarationsItsTypeFits )
+{
+	m_Doc.GetRoot()->GetWriteKV3()->SetMemberString( "m_NamedValueDomain", "zol_weather" );
+	CUtlVector<ToolAttrGenericChoice_t> choices;
+	GetZolDomainValues( m_Doc, CPulseValueFullType( PVAL_FLOAT ), &choices );
+	EXPECT_EQ( JoinChoices( choices ), "=, rain_amount=Rain Amount, wind_speed=Wind Speed" );
+	GetZolDomainValues( m_Doc, CPulseValueFullType( PVAL_TRANSFORM ), &choices );
+	EXPECT_EQ( JoinChoices( choices ), "=, wind_direction=Wind Direction" );
+	GetZolDomainValues( m_Doc, CPulseValueFullType(), &choices );
+	EXPECT_EQ( choices.Count(), 5 ) << "no type asks for every declaration";
+	m_Doc.GetRoot()->GetWriteKV3()->SetMemberString( "m_NamedValueDomain", "zol_nowhere" );
+	GetZolDomainValues( m_Doc, CPulseValueFullType( PVAL_FLOAT ), &choices );
+	EXPECT_EQ( JoinChoices( choices ), "=" );
 }

@@ -23,6 +23,7 @@
 #include "core/host/toolsettingsstore.h"
 #include "core/kv3/keyvalues3.h"
 #include "core/kv3/kv3serialize.h"
+#include "core/particles/controlpointusagekind.h"
 #include "core/particles/hostparticlesystemmgr.h"
 #include "core/platform/platformmode.h"
 #include "particleslib/particleinputclasses.h"
@@ -132,11 +133,7 @@ extern "C" const char *__lsan_default_suppressions()
 
 TEST_F( ZolAppTest, FrameWithoutSessionsStillRunsTheWindowFrame )
 {
-	static int s_nArgc = 1;
-	static char s_szName[] = "zoltool_tests";
-	static char *s_pArgv[] = { s_szName, nullptr };
-	if ( !QApplication::instance() )
-		new QApplication( s_nArgc, s_pArgv );
+	EnsureTestQApplication();
 	m_pApp->SetCreatesMainWindow( true );
 	Start();
 	ASSERT_NE( m_pApp->GetZolMainWindow(), nullptr );
@@ -767,11 +764,7 @@ TEST_F( ZolAppTest, AddChildPicksAFileAndRefusesAParentOrAFileOutsideTheContent 
 
 TEST_F( ZolAppTest, EditMenuRunsTheShownSessionsCommandsAndShowsTheirKeys )
 {
-	static int s_nArgc = 1;
-	static char s_szName[] = "zoltool_tests";
-	static char *s_pArgv[] = { s_szName, nullptr };
-	if ( !QApplication::instance() )
-		new QApplication( s_nArgc, s_pArgv );
+	EnsureTestQApplication();
 	m_pApp->SetCreatesMainWindow( true );
 	Start();
 	CQZolMainWnd *pWindow = m_pApp->GetZolMainWindow();

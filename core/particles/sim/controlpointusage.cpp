@@ -7,12 +7,8 @@ HostControlPointUsage_t HostControlPointUsage_t::Make( const ParticleParamID_t &
 	usage.m_nComponent = nComponent;
 	usage.m_nUsageKind = nUsageKind;
 	usage.m_nAccess = nAccess;
-	float flDefault = 0.0f;
-	if ( nUsageKind == 6 )
-		flDefault = 255.0f;
-	else if ( nUsageKind == 7 || nUsageKind == 8 )
-		flDefault = 1.0f;
-	usage.m_flDefault[ 0 ] = usage.m_flDefault[ 1 ] = flDefault;
-	usage.m_flDefault[ 2 ] = nUsageKind == 5 ? 1.0f : flDefault;
+	const ControlPointUsageKindInfo_t &info = GetControlPointUsageKindInfo( nUsageKind );
+	for ( int i = 0; i < 3; ++i )
+		usage.m_flDefault[ i ] = info.m_flDefaults[ i ];
 	return usage;
 }

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 
+#include "core/particles/controlpointusagekind.h"
 #include "core/particles/particleparamid.h"
 #include "core/text/utlstring.h"
 
@@ -19,7 +20,7 @@ struct HostControlPointUsage_t
 {
 	ParticleParamID_t m_ID;
 	int32_t m_nComponent = -1; // -1: all three components
-	int32_t m_nUsageKind = 0;
+	int32_t m_nUsageKind = CONTROL_POINT_USAGE_GENERIC; // a ControlPointUsageKind_t
 	uint8_t m_nAccess = CONTROL_POINT_ACCESS_READ;
 	float m_flDefault[ 3 ] = { 0.0f, 0.0f, 0.0f };
 	// The named value's type as Pulse writes it ("PVAL_FLOAT", "PVAL_RESOURCE:tmsh"); empty for control points.

@@ -63,6 +63,12 @@ CParticleCollection::CParticleCollection( const ParticleDefinitionPtr_t &pDefini
 			if ( !m_NamedValues[ size_t( nSlot ) ].m_pModel )
 				LoggingSystem_LogOnceByKey( LOG_ZOL, LS_WARNING, entry.m_DefaultResource.Get(), "Model variable '%s': %s\n", entry.m_ID.m_pName ? entry.m_ID.m_pName : "", error.Get() );
 		}
+		m_NamedValues[ size_t( nSlot ) ].m_bDeclared = entry.m_bDeclared;
+		// A variable shared with a system above starts at that system's value: the top
+		// of the tree is what the game sets, and its declaration is the default.
+		const ParticleNamedValue_t *pShared = pParent ? pParent->GetNamedValue( pParent->m_pDefinition->m_NamedValues.Find( entry.m_ID.m_nToken ) ) : nullptr;
+		if ( pShared && pShared->m_bDeclared )
+			m_NamedValues[ size_t( nSlot ) ] = *pShared;
 	}
 	m_EmitterStates.resize( m_pDefinition->GetFunctions( PARTICLE_FUNCTION_EMITTER ).size() );
 	for ( const auto &pRenderer : m_pDefinition->GetFunctions( PARTICLE_FUNCTION_RENDERER ) )

@@ -36,6 +36,8 @@ struct ParticleNamedValue_t
 	// A model variable's model, and the name it was set by.
 	CUtlString m_ModelName;
 	ParticleModelPtr_t m_pModel;
+	// Declared by this system or one above it: children sharing the name take it over.
+	bool m_bDeclared = false;
 };
 
 class CParticleCollection final : public IParticleCollection

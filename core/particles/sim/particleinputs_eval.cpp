@@ -395,7 +395,7 @@ void CSimFloatInput::CollectControlPointUsage( CUtlVector<HostControlPointUsage_
 		pUsage->AddToTail( HostControlPointUsage_t::Make( ParticleParamID_t::ControlPoint( m_nControlPoint ), 2, CONTROL_POINT_ACCESS_READ ) );
 	if ( m_nType == PF_TYPE_NAMED_VALUE && !m_NamedValue.IsEmpty() )
 	{
-		HostControlPointUsage_t usage = HostControlPointUsage_t::Make( ParticleParamID_t::Named( m_NamedValue.Get() ), 0, CONTROL_POINT_ACCESS_READ );
+		HostControlPointUsage_t usage = HostControlPointUsage_t::Make( ParticleParamID_t::Named( m_NamedValue.Get() ), CONTROL_POINT_USAGE_GENERIC, CONTROL_POINT_ACCESS_READ );
 		usage.m_ValueType = "PVAL_FLOAT";
 		pUsage->AddToTail( usage );
 	}
@@ -594,7 +594,7 @@ void CSimVecInput::CollectControlPointUsage( CUtlVector<HostControlPointUsage_t>
 	case PVEC_TYPE_NAMED_VALUE:
 		if ( !m_NamedValue.IsEmpty() )
 		{
-			HostControlPointUsage_t usage = HostControlPointUsage_t::Make( ParticleParamID_t::Named( m_NamedValue.Get() ), 0, CONTROL_POINT_ACCESS_READ );
+			HostControlPointUsage_t usage = HostControlPointUsage_t::Make( ParticleParamID_t::Named( m_NamedValue.Get() ), CONTROL_POINT_USAGE_GENERIC, CONTROL_POINT_ACCESS_READ );
 			usage.m_ValueType = "PVAL_VEC3";
 			pUsage->AddToTail( usage );
 		}
@@ -687,7 +687,7 @@ void CSimTransformInput::CollectControlPointUsage( CUtlVector<HostControlPointUs
 	}
 	else if ( m_nType == PT_TYPE_NAMED_VALUE && !m_NamedValue.IsEmpty() )
 	{
-		HostControlPointUsage_t usage = HostControlPointUsage_t::Make( ParticleParamID_t::Named( m_NamedValue.Get() ), 0, CONTROL_POINT_ACCESS_READ );
+		HostControlPointUsage_t usage = HostControlPointUsage_t::Make( ParticleParamID_t::Named( m_NamedValue.Get() ), CONTROL_POINT_USAGE_GENERIC, CONTROL_POINT_ACCESS_READ );
 		usage.m_ValueType = "PVAL_TRANSFORM";
 		pUsage->AddToTail( usage );
 	}
@@ -721,7 +721,7 @@ void CSimModelInput::CollectControlPointUsage( CUtlVector<HostControlPointUsage_
 		pUsage->AddToTail( HostControlPointUsage_t::Make( ParticleParamID_t::ControlPoint( m_nControlPoint ), 10, CONTROL_POINT_ACCESS_READ ) );
 	else if ( ( m_nType == PM_TYPE_NAMED_VALUE_MODEL || m_nType == PM_TYPE_NAMED_VALUE_EHANDLE ) && !m_NamedValue.IsEmpty() )
 	{
-		HostControlPointUsage_t usage = HostControlPointUsage_t::Make( ParticleParamID_t::Named( m_NamedValue.Get() ), 0, CONTROL_POINT_ACCESS_READ );
+		HostControlPointUsage_t usage = HostControlPointUsage_t::Make( ParticleParamID_t::Named( m_NamedValue.Get() ), CONTROL_POINT_USAGE_GENERIC, CONTROL_POINT_ACCESS_READ );
 		usage.m_ValueType = m_nType == PM_TYPE_NAMED_VALUE_MODEL ? "PVAL_RESOURCE:tmsh" : "PVAL_PARTICLE_EHANDLE";
 		pUsage->AddToTail( usage );
 	}

@@ -110,7 +110,7 @@ public:
 		m_bGlobalOrigin = reader.Bool( "m_bGlobalOrigin", false );
 		m_nControlPoint = reader.Int( "m_nControlPointNumber", 0 );
 		if ( !m_bGlobalOrigin )
-			reader.ReadsControlPoint( m_nControlPoint, 2 );
+			reader.ReadsControlPoint( m_nControlPoint, CONTROL_POINT_USAGE_POSITION );
 		reader.Writes( PARTICLE_ATTRIBUTE_POSITION );
 		reader.Writes( PARTICLE_ATTRIBUTE_PREVIOUS_POSITION );
 	}
@@ -162,7 +162,7 @@ public:
 		m_nControlPoint = reader.Int( "m_nControlPointNumber", 0 );
 		m_bGlobalCenter = reader.Bool( "m_bGlobalCenter", false );
 		if ( !m_bGlobalCenter )
-			reader.ReadsControlPoint( m_nControlPoint, 2 );
+			reader.ReadsControlPoint( m_nControlPoint, CONTROL_POINT_USAGE_POSITION );
 		reader.Writes( PARTICLE_ATTRIBUTE_POSITION );
 	}
 
@@ -227,7 +227,7 @@ public:
 		m_vAxis = Normalized( reader.Vec( "m_TwistAxis", Vector( 0.0f, 0.0f, 1.0f ) ) );
 		m_bLocalSpace = reader.Bool( "m_bLocalSpace", false );
 		m_nControlPoint = reader.Int( "m_nControlPointNumber", 0 );
-		reader.ReadsControlPoint( m_nControlPoint, m_bLocalSpace ? 4 : 2 );
+		reader.ReadsControlPoint( m_nControlPoint, m_bLocalSpace ? CONTROL_POINT_USAGE_TRANSFORM : CONTROL_POINT_USAGE_POSITION );
 		reader.Reads( PARTICLE_ATTRIBUTE_POSITION );
 	}
 
@@ -274,7 +274,7 @@ public:
 		reader.FloatInput( "m_flSlideAmount", &m_Slide, true );
 		m_flRadiusScale = reader.Float( "m_flRadiusScale", 1.0f );
 		m_flMinSpeed = reader.Float( "m_flMinSpeed", 0.0f );
-		reader.ReadsControlPoint( m_nControlPoint, 2 );
+		reader.ReadsControlPoint( m_nControlPoint, CONTROL_POINT_USAGE_POSITION );
 		reader.Reads( PARTICLE_ATTRIBUTE_RADIUS );
 		reader.Writes( PARTICLE_ATTRIBUTE_POSITION );
 		reader.Writes( PARTICLE_ATTRIBUTE_PREVIOUS_POSITION );

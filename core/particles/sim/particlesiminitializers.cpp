@@ -45,7 +45,7 @@ public:
 		m_vLocalSpeedMin = reader.Vec( "m_LocalCoordinateSystemSpeedMin", Vector() );
 		m_vLocalSpeedMax = reader.Vec( "m_LocalCoordinateSystemSpeedMax", Vector() );
 		m_nControlPoint = reader.Int( "m_nControlPointNumber", 0 );
-		reader.ReadsControlPoint( m_nControlPoint, m_vLocalSpeedMin == Vector() && m_vLocalSpeedMax == Vector() ? 2 : 4 );
+		reader.ReadsControlPoint( m_nControlPoint, m_vLocalSpeedMin == Vector() && m_vLocalSpeedMax == Vector() ? CONTROL_POINT_USAGE_POSITION : CONTROL_POINT_USAGE_TRANSFORM );
 		reader.Writes( PARTICLE_ATTRIBUTE_POSITION );
 		reader.Writes( PARTICLE_ATTRIBUTE_PREVIOUS_POSITION );
 	}
@@ -272,7 +272,7 @@ public:
 		m_vMax = reader.Vec( "m_vecMax", Vector() );
 		m_nControlPoint = reader.Int( "m_nControlPointNumber", 0 );
 		m_bLocal = reader.Bool( "m_bLocalSpace", false );
-		reader.ReadsControlPoint( m_nControlPoint, m_bLocal ? 4 : 2 );
+		reader.ReadsControlPoint( m_nControlPoint, m_bLocal ? CONTROL_POINT_USAGE_TRANSFORM : CONTROL_POINT_USAGE_POSITION );
 		reader.Writes( PARTICLE_ATTRIBUTE_POSITION );
 		reader.Writes( PARTICLE_ATTRIBUTE_PREVIOUS_POSITION );
 	}
@@ -400,7 +400,7 @@ public:
 		reader.VecInput( "m_LocalCoordinateSystemSpeedMin", &m_LocalMin, true );
 		reader.VecInput( "m_LocalCoordinateSystemSpeedMax", &m_LocalMax, true );
 		m_nControlPoint = reader.Int( "m_nControlPointNumber", 0 );
-		reader.ReadsControlPoint( m_nControlPoint, 3 );
+		reader.ReadsControlPoint( m_nControlPoint, CONTROL_POINT_USAGE_ORIENTATION );
 		reader.Writes( PARTICLE_ATTRIBUTE_PREVIOUS_POSITION );
 	}
 
@@ -439,7 +439,7 @@ public:
 		m_bLocal = reader.Bool( "m_bLocalCoords", false );
 		m_nControlPoint = reader.Int( "m_nControlPointNumber", 0 );
 		if ( m_bLocal )
-			reader.ReadsControlPoint( m_nControlPoint, 3 );
+			reader.ReadsControlPoint( m_nControlPoint, CONTROL_POINT_USAGE_ORIENTATION );
 		reader.Writes( PARTICLE_ATTRIBUTE_POSITION );
 		reader.Writes( PARTICLE_ATTRIBUTE_PREVIOUS_POSITION );
 	}

@@ -575,7 +575,7 @@ public:
 		m_Position = CSimVecInput( Vector( 128.0f, 0.0f, 0.0f ) );
 		reader.VecInput( "m_vecCP1Pos", &m_Position, false );
 		m_bSetOnce = reader.Bool( "m_bSetOnce", false );
-		reader.WritesControlPoint( m_nControlPoint, 2 );
+		reader.WritesControlPoint( m_nControlPoint, CONTROL_POINT_USAGE_POSITION );
 	}
 
 	void Operate( CParticleCollection &c, float ) const override

@@ -62,6 +62,12 @@ void CBaseToolAttr::ApplySchemaMetadata( std::initializer_list<SchemaMetadataEnt
 		case SCHEMA_METADATA_STRING: m_pMetadata->SetMemberString( pszKey, entry.m_pszValue ); break;
 		case SCHEMA_METADATA_FUNCTION: break; // functions are reached through the schema, not as data
 		}
+		// Named choice lists answer under the keys that GetChoices reads, as they do for
+		// class descriptions made from the schema.
+		if ( entry.m_eType == SCHEMA_METADATA_STRING && is( "MPropertyAttributeChoiceName" ) )
+			m_pMetadata->SetMemberString( "choice_name", entry.m_pszValue );
+		else if ( entry.m_eType == SCHEMA_METADATA_STRING && is( "MPropertyAttributeSuggestionName" ) )
+			m_pMetadata->SetMemberString( "suggestion_name", entry.m_pszValue );
 	}
 	if ( const char *pszEditor = m_pMetadata ? m_pMetadata->GetMemberString( "MPropertyAttributeEditor", nullptr ) : nullptr )
 		m_pMetadata->SetMemberString( "editor", pszEditor );

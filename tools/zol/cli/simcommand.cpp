@@ -12,6 +12,8 @@
 
 #include "core/containers/utlbuffer.h"
 #include "core/host/resourcesystem.h"
+#include "core/kv3/keyvalues3.h"
+#include "core/kv3/kv3serialize.h"
 #include "core/particles/particlemodelresource.h"
 #include "core/particles/sim/particlecollection.h"
 #include "core/platform/platformfile.h"
@@ -19,10 +21,11 @@
 #include "tools/zol/cli/clicommand.h"
 #include "tools/zol/cli/clidefinition.h"
 #include "tools/zol/cli/simdump.h"
+#include "zoldoc_lib/zolconfigurationplayer.h"
 
 namespace
 {
-constexpr const char *SIM_USAGE = "sim FILE [--seconds S] [--fps F] [--seed N] [--every N] [--dump FILE.jsonl] [--cp N=x,y,z]... [--camera x,y,z]... [--cp-model N=FILE]...";
+constexpr const char *SIM_USAGE = "sim FILE [--seconds S] [--fps F] [--seed N] [--every N] [--dump FILE.jsonl] [--config NAME] [--cp N=x,y,z]... [--camera x,y,z]... [--cp-model N=FILE]...";
 
 struct SimOptions_t
 {
@@ -32,6 +35,7 @@ struct SimOptions_t
 	int m_nEvery = 0; // frames between printed lines; 0: one a second
 	uint64_t m_nSeed = 1;
 	const char *m_pDump = nullptr;
+	const char *m_pConfig = nullptr; // a control point configuration of the file to play
 	std::vector<std::pair<int, Vector>> m_ControlPoints;
 	std::vector<ParticleCamera_t> m_Cameras;
 	std::vector<std::pair<int, std::string>> m_ControlPointModels;
@@ -63,7 +67,7 @@ int ParseOptions( int argc, char **argv, SimOptions_t *pOptions )
 	{
 		const std::string option = argv[ i ];
 		const bool bTakesValue = option == "--seconds" || option == "--fps" || option == "--seed" || option == "--cp" || option == "--camera" ||
-								 option == "--cp-model" || option == "--every" || option == "--dump";
+								 option == "--cp-model" || option == "--every" || option == "--dump" || option == "--config";
 		if ( bTakesValue && i + 1 >= argc )
 			return Usage( option + " needs a value" );
 		const char *pValue = bTakesValue ? argv[ ++i ] : nullptr;
@@ -97,6 +101,12 @@ int ParseOptions( int argc, char **argv, SimOptions_t *pOptions )
 			if ( !*pValue )
 				return Usage( "--dump needs a file name" );
 			pOptions->m_pDump = pValue;
+		}
+		else if ( option == "--config" )
+		{
+			if ( !*pValue )
+				return Usage( "--config needs a configuration name" );
+			pOptions->m_pConfig = pValue;
 		}
 		else if ( option == "--cp" )
 		{
@@ -145,19 +155,30 @@ int ParseOptions( int argc, char **argv, SimOptions_t *pOptions )
 	return pOptions->m_pFile ? 0 : Usage( "no file given" );
 }
 
+// Reads and compiles a model file into the resource system under the name given.
+bool RegisterModel( IResourceSystem *pResources, const std::string &path, const std::string &name, CUtlString *pError )
+{
+	CUtlBuffer buffer;
+	CUtlString reason;
+	if ( !Plat_ReadWholeFile( path.c_str(), &buffer, &reason ) )
+	{
+		pError->Format( "%s: %s", path.c_str(), reason.Get() );
+		return false;
+	}
+	std::unique_ptr<CResourceData> pData;
+	CParticleModelCompiler compiler;
+	if ( !compiler.Compile( buffer, name.c_str(), &pData, pError ) )
+		return false;
+	pResources->ReplaceResourceData( pResources->FindOrCreateBinding( name.c_str() ), std::shared_ptr<const CResourceData>( std::move( pData ) ) );
+	return true;
+}
+
 // Loads a model file into the resource system under its name below the content root (or
 // the path as given outside it); answers that name, or empty with the reason.
 std::string LoadModel( IResourceSystem *pResources, const std::string &path, CUtlString *pError )
 {
 	std::error_code fsError;
 	std::string absolute = std::filesystem::absolute( path, fsError ).lexically_normal().string();
-	CUtlBuffer buffer;
-	CUtlString reason;
-	if ( !Plat_ReadWholeFile( absolute.c_str(), &buffer, &reason ) )
-	{
-		pError->Format( "%s: %s", path.c_str(), reason.Get() );
-		return {};
-	}
 	std::string name = path;
 	std::string root = ZolCliContentRootFor( absolute.c_str() );
 	if ( !root.empty() )
@@ -166,12 +187,37 @@ std::string LoadModel( IResourceSystem *pResources, const std::string &path, CUt
 		if ( !relative.empty() && relative.compare( 0, 2, ".." ) != 0 )
 			name = relative;
 	}
-	std::unique_ptr<CResourceData> pData;
-	CParticleModelCompiler compiler;
-	if ( !compiler.Compile( buffer, name.c_str(), &pData, pError ) )
-		return {};
-	pResources->ReplaceResourceData( pResources->FindOrCreateBinding( name.c_str() ), std::shared_ptr<const CResourceData>( std::move( pData ) ) );
-	return name;
+	return RegisterModel( pResources, absolute, name, pError ) ? name : std::string();
+}
+
+// Plays the named configuration of the file on the collection, its preview model loaded
+// from the content root for control points attached to it. False, said on stderr, when the
+// file has no such configuration.
+bool PlayConfiguration( const char *pFile, const char *pName, const CParticleRuntimeDefinition &definition, IResourceSystem *pResources, IParticleCollection *pCollection )
+{
+	CUtlBuffer buffer;
+	KeyValues3 tree;
+	CUtlString error;
+	if ( !Plat_ReadWholeFile( pFile, &buffer, &error ) || !LoadKV3( &tree, &error, &buffer, KV3_FORMAT_TFXS, pFile ) )
+	{
+		fprintf( stderr, "%s: %s\n", pFile, error.Get() );
+		return false;
+	}
+	const KeyValues3 *pConfiguration = FindZolConfiguration( tree, pName );
+	const char *pModel = pConfiguration ? GetZolConfigurationPreviewModel( *pConfiguration ) : "";
+	std::error_code fsError;
+	std::string root = ZolCliContentRootFor( std::filesystem::absolute( pFile, fsError ).lexically_normal().string().c_str() );
+	if ( *pModel && !root.empty() && !RegisterModel( pResources, ( std::filesystem::path( root ) / pModel ).string(), pModel, &error ) )
+		fprintf( stderr, "%s: configuration '%s': the preview model can't be loaded (%s); attached control points stand at their offsets\n", pFile, pName, error.Get() );
+	CUtlString warning;
+	if ( !PlayZolConfiguration( tree, pName, definition.m_Usage, pCollection, &error, &warning ) )
+	{
+		fprintf( stderr, "%s: %s\n", pFile, error.Get() );
+		return false;
+	}
+	if ( !warning.IsEmpty() )
+		fprintf( stderr, "%s: configuration '%s': %s\n", pFile, pName, warning.Get() );
+	return true;
 }
 
 // Particles of the whole tree left out of the bounds for a position or radius that isn't finite.
@@ -247,6 +293,10 @@ int RunSim( int argc, char **argv )
 	}
 
 	std::unique_ptr<IParticleCollection> pCollection = CreateParticleCollection( pDefinition, options.m_nSeed );
+	// A configuration places the system as the preview would; points given on the
+	// command line then stand where they are told.
+	if ( options.m_pConfig && !PlayConfiguration( options.m_pFile, options.m_pConfig, *pDefinition, &resources, pCollection.get() ) )
+		return 1;
 	for ( const auto &[ nPoint, vPosition ] : options.m_ControlPoints )
 		pCollection->SetControlPoint( nPoint, vPosition );
 	for ( const auto &[ nPoint, name ] : models )

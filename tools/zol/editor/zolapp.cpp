@@ -24,6 +24,7 @@
 #include "tools/toolutils2/widgets/inputbind/inputbindmanager.h"
 #include "tools/toolutils2/baseeditorapp/sessionversioncontrol.h"
 #include "tools/toolutils2/toolattr/toolattrhost.h"
+#include "tools/zol/editor/zoladdvariabledialog.h"
 #include "tools/zol/editor/zolattributeeditorfactories.h"
 #include "tools/zol/editor/zolmainwnd.h"
 #include "tools/zol/editor/zolsession.h"
@@ -173,6 +174,7 @@ void CZolApp::DestroySession( CBaseEditorSession *pSession )
 {
 	if ( pSession == m_pPreviewSession )
 		SetPreviewSession( nullptr );
+	m_WorkingSet.Remove( static_cast<CZolSession *>( pSession )->GetAsset() );
 	if ( m_pMainWnd )
 		m_pMainWnd->ForgetSession( static_cast<CZolSession *>( pSession ) );
 	delete pSession;
@@ -180,6 +182,8 @@ void CZolApp::DestroySession( CBaseEditorSession *pSession )
 
 void CZolApp::SessionActivated( CBaseEditorSession *pOld, CBaseEditorSession *pNew )
 {
+	if ( pNew && static_cast<CZolSession *>( pNew )->GetAsset() )
+		m_WorkingSet.Add( static_cast<CZolSession *>( pNew )->GetAsset() );
 	if ( m_pMainWnd )
 		m_pMainWnd->SessionActivated( static_cast<CZolSession *>( pOld ), static_cast<CZolSession *>( pNew ) );
 	if ( !m_bPreviewSessionLocked )
@@ -199,6 +203,9 @@ void CZolApp::SetPreviewSession( CZolSession *pSession )
 		nCarriedMode = m_pPreviewSession->GetControlPointEditMode( carriedKey );
 	}
 	m_pPreviewSession = pSession;
+	// Pinned control points stand where they were pinned in whatever session shows.
+	if ( pSession )
+		pSession->ApplyPersistedControlPoints();
 	if ( CToolEventDispatcher *pHub = m_pEventHub ? m_pEventHub->GetEventDispatcher() : nullptr )
 	{
 		ZolEvent_PreviewSessionChanged_t event;
@@ -273,11 +280,14 @@ void CZolApp::OnSessionSaved( CZolSession *pSession, const char *pOldAssetName )
 {
 	// The asset pane and the preview rebind through the session-activated path; what
 	// stays here is telling the panels that the session's asset changed.
-	(void)pOldAssetName;
+	IAssetSystem *pAssetSystem = GetAssetSystem();
+	if ( pOldAssetName && pAssetSystem )
+		m_WorkingSet.Remove( pAssetSystem->FindAssetByAbsolutePath( pOldAssetName ) );
 	if ( m_pMainWnd && pSession )
 		m_pMainWnd->OnSessionFileChanged( pSession );
 	if ( !pSession || !pSession->GetAsset() )
 		return;
+	m_WorkingSet.Add( pSession->GetAsset() );
 	if ( pSession == m_pPreviewSession )
 	{
 		if ( CToolEventDispatcher *pHub = m_pEventHub ? m_pEventHub->GetEventDispatcher() : nullptr )
@@ -398,6 +408,30 @@ void CZolApp::SetClipboardHooks( ClipboardSetFn_t fnSet, ClipboardGetFn_t fnGet 
 {
 	m_fnClipboardSet = std::move( fnSet );
 	m_fnClipboardGet = std::move( fnGet );
+}
+
+void CZolApp::Beep()
+{
+	++m_nBeepCount;
+	if ( qApp )
+		QApplication::beep();
+}
+
+bool CZolApp::RunAddVariableDialog( CZolNamedValueContext *pContext, CUtlString *pName, CPulseValueFullType *pType )
+{
+	if ( m_fnAddVariableDialog )
+		return m_fnAddVariableDialog( pContext, pName, pType );
+	if ( !m_pMainWnd )
+	{
+		Log_Msg( LOG_ZOL, "Add Variable: there is no window to ask in; no variable was added.\n" );
+		return false;
+	}
+	CQZolAddVariableDialog dialog( pContext, m_pMainWnd );
+	if ( dialog.exec() != QDialog::Accepted )
+		return false;
+	*pName = dialog.GetVariableName();
+	*pType = dialog.GetVariableType();
+	return true;
 }
 
 void CZolApp::SetClipboardText( const char *pText )

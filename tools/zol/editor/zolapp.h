@@ -14,8 +14,11 @@
 #include "tools/zol/editor/particleassetcompiler.h"
 #include "tools/toolutils2/toolevents/tooleventdispatcher.h"
 #include "zoldoc_lib/izoleventhub.h"
+#include "zoldoc_lib/zolworkingset.h"
 
+class CPulseValueFullType;
 class CQZolMainWnd;
+class CZolNamedValueContext;
 class CZolSession;
 
 // The hub: a dispatcher that hears every session's and document's events after their own.
@@ -90,6 +93,8 @@ public:
 	void SetScreenSpaceOverlayShown( bool bShow ) { m_bShowScreenSpaceOverlay = bShow; }
 
 	CZolEventHub *GetEventHub() const { return m_pEventHub.get(); }
+	// The particle systems open in the editor, newest first: the asset pane's view of them.
+	CZolWorkingSet *GetWorkingSet() { return &m_WorkingSet; }
 	IAssetCompiler *GetParticleCompiler() { return &m_ParticleCompiler; }
 	CQZolMainWnd *GetZolMainWindow() const { return m_pMainWnd; }
 	CZolSession *GetPreviewSession() const { return m_pPreviewSession; }
@@ -112,6 +117,17 @@ public:
 	using ClipboardGetFn_t = std::function<CUtlString()>;
 	void SetClipboardHooks( ClipboardSetFn_t fnSet, ClipboardGetFn_t fnGet );
 
+	// A refused command's beep; headless runs have nothing to beep with and only count it.
+	void Beep();
+	int GetBeepCount() const { return m_nBeepCount; }
+
+	// Asks for a new variable's name and type: the add variable dialog over the main
+	// window. Without a window (a batch run) nothing is asked, the log says so, and the
+	// answer is no. Tests install their own way of answering.
+	bool RunAddVariableDialog( CZolNamedValueContext *pContext, CUtlString *pName, CPulseValueFullType *pType );
+	using AddVariableDialogFn_t = std::function<bool( CZolNamedValueContext *, CUtlString *, CPulseValueFullType * )>;
+	void SetAddVariableDialogRunner( AddVariableDialogFn_t fn ) { m_fnAddVariableDialog = std::move( fn ); }
+
 	// Whether the main window is made by Init; tests of the logic run without one.
 	void SetCreatesMainWindow( bool bCreate ) { m_bCreatesMainWindow = bCreate; }
 
@@ -133,6 +149,9 @@ private:
 	CUtlString m_strClipboard;
 	ClipboardSetFn_t m_fnClipboardSet;
 	ClipboardGetFn_t m_fnClipboardGet;
+	AddVariableDialogFn_t m_fnAddVariableDialog;
+	CZolWorkingSet m_WorkingSet;
+	int m_nBeepCount = 0;
 };
 
 // The one application of the module.

@@ -34,10 +34,14 @@ CQZolMainWnd::CQZolMainWnd( QWidget *pParent ) : CQBaseEditorMdiWnd( pParent )
 
 CQZolMainWnd::~CQZolMainWnd()
 {
-	// The panel's editors and rows go before the domain they ask.
+	// The panels that ask the domain (the property panel's editors, the function list's
+	// variable context) go before it; members go before the window's children.
 	delete m_pPropertyDock;
 	m_pPropertyDock = nullptr;
 	m_pPropertyWidget = nullptr;
+	delete m_pFunctionDock;
+	m_pFunctionDock = nullptr;
+	m_pFunctionList = nullptr;
 }
 
 QDockWidget *CQZolMainWnd::MakeDock( const char *pTitle, const char *pObjectName, QWidget *pContent, int nWidth, int nHeight )
@@ -75,8 +79,9 @@ void CQZolMainWnd::CreateChildren()
 	connect( m_pPropertyWidget, &CQZolPropertyWidget::AttributeModified, this, &CQZolMainWnd::OnPropertyAttributeModified );
 	m_pPropertyDock = MakeDock( "Properties", "ZOL2_PropertyDock", m_pPropertyWidget, 300, 500 );
 	m_pAssetPaneDock = MakeDock( "Current assets", "ZOL2_AssetPaneDock", MakePanelPlaceholder( "Current assets" ), 500, 500 );
-	// The function list gets the named value context with the property panel.
-	m_pFunctionList = new CQParticleFunctionList( nullptr );
+	// The function list adds variables through the domain, the named value context of the
+	// shown session.
+	m_pFunctionList = new CQParticleFunctionList( m_pDomain.get() );
 	m_pFunctionDock = MakeDock( "Functions", "ZOL2_FunctionDock", m_pFunctionList, 300, 500 );
 	RegisterParticleSystemThumbnails();
 	m_pControlsDock = MakeDock( "Controls", "ZOL2_PreviewControlsDock", MakePanelPlaceholder( "Controls" ), 500, 500 );

@@ -85,6 +85,8 @@ private:
 	QDockWidget *m_pUndoDock = nullptr;
 	QStatusBar *m_pStatusBar = nullptr;
 	CQParticleFunctionList *m_pFunctionList = nullptr;
+	// The property panel's domain; it is also the named value context of the shown
+	// session for the panels that add or pick variables.
 	std::unique_ptr<CZolKV3PropertyDomain> m_pDomain;
 	CQZolPropertyWidget *m_pPropertyWidget = nullptr;
 	QDockWidget *m_pPropertyDock = nullptr;

@@ -10,8 +10,11 @@
 #include "core/host/iresourcesystem.h"
 #include "core/kv3/keyvalues3.h"
 #include "core/kv3/kv3serialize.h"
+#include "core/kv3transfer/kv3transfercontext.h"
+#include "core/kv3transfer/kv3transferobject.h"
 #include "core/logging/logging.h"
 #include "core/logging/logonce.h"
+#include "core/particles/particlemodelresource.h"
 #include "core/text/pathtools.h"
 #include "core/text/strtools.h"
 #include "tools/toolutils2/baseeditorapp/autosavenames.h"
@@ -20,11 +23,16 @@
 #include "tools/toolutils2/undo/undohistory.h"
 #include "tools/zol/editor/particleassetcompiler.h"
 #include "tools/zol/editor/zolapp.h"
+#include "zoldoc_lib/izolpreviewtarget.h"
+#include "zoldoc_lib/zolconfigurationreader.h"
 #include "tools/zol/editor/zolmainwnd.h"
 #include "zoldoc_lib/zolcontrolpointconfiguration.h"
 #include "zoldoc_lib/zoldoc.h"
+#include "zoldoc_lib/zolnamedvaluecontext.h"
 #include "zoldoc_lib/zolnode.h"
+#include "zoldoc_lib/zolpersistedcontrolpoints.h"
 #include "zoldoc_lib/zolrootnode.h"
+#include "zoldoc_lib/zolvariablenode.h"
 
 CZolSession::CZolSession( CBaseEditorApp *pApp ) : CSimpleSharedWindowEditorSession( pApp ), m_EventMap( this )
 {
@@ -32,6 +40,7 @@ CZolSession::CZolSession( CBaseEditorApp *pApp ) : CSimpleSharedWindowEditorSess
 	m_pEventHub = pZolApp ? pZolApp->GetEventHub() : nullptr;
 	m_pDoc = std::make_unique<CZolDoc>( true );
 	m_pDoc->SetEventHub( m_pEventHub );
+	m_pControlPointState = std::make_unique<CZolControlPointState>( this );
 	m_EventMap.MapEvent( TOOL_EVENT_SLOT_DOCUMENT, &CZolSession::OnDocumentChanged );
 	m_EventMap.MapEvent( TOOL_EVENT_SLOT_DOCUMENT, &CZolSession::OnFunctionEnableDisableChanged );
 	m_EventMap.MapEvent( TOOL_EVENT_SLOT_DOCUMENT, &CZolSession::OnFunctionListChanged );
@@ -44,7 +53,10 @@ CZolSession::~CZolSession()
 	// The resource goes back to what the file holds.
 	ReleaseAsset();
 	m_EventMap.Detach( TOOL_EVENT_SLOT_DOCUMENT );
+	m_pNamedValueContext.reset();
 	m_pDoc.reset();
+	m_pControlPointState->Clear();
+	m_pControlPointState.reset();
 }
 
 void CZolSession::ReleaseAsset()
@@ -86,10 +98,15 @@ void CZolSession::OnFunctionEnableDisableChanged( const ZolEvent_FunctionEnableD
 void CZolSession::OnFunctionListChanged( const ZolEvent_FunctionListChanged_t & )
 {
 	MarkEdited();
+	// Children may have come or gone: the family is found anew on the next query.
+	if ( m_pNamedValueContext )
+		m_pNamedValueContext->ClearNamedValueCache();
 }
 
 void CZolSession::OnDocumentReplaced( const ZolEvent_DocumentReplaced_t & )
 {
+	if ( m_pNamedValueContext )
+		m_pNamedValueContext->ClearNamedValueCache();
 	CZolRootNode *pRoot = m_pDoc->GetRoot();
 	if ( !pRoot || !pRoot->FindConfiguration( m_CurrentConfigName ) )
 		SelectFirstConfiguration();
@@ -245,80 +262,7 @@ bool CZolSession::UpdateDefinitionUsage()
 
 void CZolSession::RebuildKnownControlPoints()
 {
-	CUtlVector<ParticleParamID_t> keys;
-	m_DefinitionUsage.GetKeys( &keys );
-	for ( auto it = m_KnownControlPoints.begin(); it != m_KnownControlPoints.end(); )
-	{
-		if ( !m_DefinitionUsage.Has( it->first ) )
-			it = m_KnownControlPoints.erase( it );
-		else
-			++it;
-	}
-	for ( const ParticleParamID_t &key : keys )
-	{
-		ZolKnownControlPoint_t &known = m_KnownControlPoints[ key ];
-		known.m_Key = key;
-		if ( key.IsNamed() )
-		{
-			known.m_NamedValueType = m_DefinitionUsage.GetNamedValueType( key );
-			continue;
-		}
-		known.m_bDriven = m_DefinitionUsage.IsDriven( key );
-		known.m_nUsageKind = m_DefinitionUsage.GetUsageKind( key, 0 );
-		if ( !DoesControlPointEditModeFit( known.m_nUsageKind, GetControlPointEditMode( key ) ) )
-			SetControlPointEditMode( key, GetControlPointEditModeForUsage( known.m_nUsageKind ) );
-	}
-}
-
-bool DoesControlPointEditModeFit( int nUsageKind, int nMode )
-{
-	switch ( nUsageKind )
-	{
-	case 2: return nMode == 1;
-	case 3: return nMode == 2;
-	case 4: return nMode == 1 || nMode == 2;
-	case 6: return nMode == 3;
-	default: return nMode == 0;
-	}
-}
-
-int GetControlPointEditModeForUsage( int nUsageKind )
-{
-	switch ( nUsageKind )
-	{
-	case 2:
-	case 4: return 1;
-	case 3: return 2;
-	case 6: return 3;
-	default: return 0;
-	}
-}
-
-int CZolSession::GetControlPointEditMode( const ParticleParamID_t &key ) const
-{
-	auto it = m_ControlPointEditModes.find( key );
-	return it == m_ControlPointEditModes.end() ? 0 : it->second;
-}
-
-bool CZolSession::SetControlPointEditMode( const ParticleParamID_t &key, int nMode )
-{
-	auto itKnown = m_KnownControlPoints.find( key );
-	int nUsageKind = itKnown == m_KnownControlPoints.end() ? 0 : itKnown->second.m_nUsageKind;
-	if ( !DoesControlPointEditModeFit( nUsageKind, nMode ) )
-		return false;
-	if ( GetControlPointEditMode( key ) == nMode )
-		return true;
-	m_ControlPointEditModes[ key ] = nMode;
-	ZolEvent_ControlPointValueChanged_t event;
-	event.m_ControlPoint = key;
-	SendEvent( event );
-	if ( key == m_SelectedControlPoint )
-	{
-		ZolEvent_PreviewConfigSelectionChanged_t selection;
-		selection.m_pSession = this;
-		SendEvent( selection );
-	}
-	return true;
+	m_pControlPointState->RebuildKnownControlPoints( m_DefinitionUsage );
 }
 
 void CZolSession::SetSelectedControlPoint( const ParticleParamID_t &key )
@@ -358,11 +302,11 @@ bool CZolSession::PostOpen()
 		// no undo step.
 		m_bSuppressModified = true;
 		CUndoHistory::SetRecordingEnabled( false );
-		if ( ZolControlPointConfiguration_t *pConfig = AddConfiguration( "preview" ) )
-			SelectConfiguration( pConfig );
+		AddConfiguration( "preview" );
 		CUndoHistory::SetRecordingEnabled( true );
 		m_bSuppressModified = false;
 	}
+	ApplyPersistedControlPoints();
 	SetModified( false );
 	return true;
 }
@@ -527,23 +471,33 @@ bool CZolSession::BuildSelectionClipboard( KeyValues3 *pOut ) const
 	return true;
 }
 
-bool CZolSession::CopySelection()
+bool CZolSession::WriteClipboard( const KeyValues3 &clipboard ) const
 {
-	KeyValues3 clipboard;
 	CUtlString strText;
-	if ( !BuildSelectionClipboard( &clipboard ) || !SaveKV3ToString( &clipboard, &strText, KV3_FORMAT_GENERIC ) )
+	if ( !SaveKV3ToString( &clipboard, &strText, KV3_FORMAT_GENERIC ) )
 		return false;
 	GetZolApp()->SetClipboardText( strText );
 	return true;
 }
 
-bool CZolSession::PasteFromClipboard()
+bool CZolSession::ReadClipboard( KeyValues3 *pClipboard ) const
 {
 	CUtlString strText;
 	GetZolApp()->GetClipboardText( &strText );
-	KeyValues3 clipboard;
 	CUtlString strError;
-	if ( strText.IsEmpty() || !LoadKV3FromText( &clipboard, &strError, strText.Get(), strText.Length(), KV3_FORMAT_GENERIC ) || !clipboard.IsTable() )
+	return !strText.IsEmpty() && LoadKV3FromText( pClipboard, &strError, strText.Get(), strText.Length(), KV3_FORMAT_GENERIC );
+}
+
+bool CZolSession::CopySelection()
+{
+	KeyValues3 clipboard;
+	return BuildSelectionClipboard( &clipboard ) && WriteClipboard( clipboard );
+}
+
+bool CZolSession::PasteFromClipboard()
+{
+	KeyValues3 clipboard;
+	if ( !ReadClipboard( &clipboard ) || !clipboard.IsTable() )
 		return false;
 	m_pDoc->Paste( &clipboard );
 	return true;
@@ -566,21 +520,25 @@ void CZolSession::AddUsageDrivers( KeyValues3 *pConfig ) const
 	KeyValues3 *pDrivers = pConfig->FindOrCreateMember( "m_drivers" );
 	if ( !pDrivers->IsArray() )
 		pDrivers->SetToEmptyArray();
+	// New drivers say their attach type: a file without it would read "follow the entity".
 	for ( int nPoint : points )
 	{
 		KeyValues3 *pDriver = pDrivers->ArrayAddToTail();
 		pDriver->SetToEmptyTable();
 		pDriver->SetMemberInt( "m_iControlPoint", nPoint );
+		pDriver->SetMemberString( "m_iAttachType", "PATTACH_WORLDORIGIN" );
+		pDriver->SetMemberString( "m_attachmentName", "" );
 		Vector vecOffset;
-		if ( m_DefinitionUsage.GetDefaultOffset( ParticleParamID_t::ControlPoint( nPoint ), &vecOffset ) )
+		if ( !m_DefinitionUsage.GetDefaultOffset( ParticleParamID_t::ControlPoint( nPoint ), &vecOffset ) )
+			vecOffset = Vector();
+		KeyValues3 *pOffset = pDriver->SetMemberEmptyArray( "m_vecOffset" );
+		KeyValues3 *pAngles = pDriver->SetMemberEmptyArray( "m_angOffset" );
+		for ( int i = 0; i < 3; ++i )
 		{
-			pDriver->SetMemberString( "m_iAttachType", "PATTACH_WORLDORIGIN" );
-			KeyValues3 *pOffset = pDriver->FindOrCreateMember( "m_vecOffset" );
-			pOffset->SetToEmptyArray();
-			for ( int i = 0; i < 3; ++i )
-				pOffset->ArrayAddToTail()->SetDouble( vecOffset[ i ] );
-			pDriver->SetMemberString( "m_entityName", "self" );
+			pOffset->ArrayAddToTail()->SetDouble( vecOffset[ i ] );
+			pAngles->ArrayAddToTail()->SetDouble( 0.0 );
 		}
+		pDriver->SetMemberString( "m_entityName", "self" );
 	}
 }
 
@@ -595,10 +553,34 @@ ZolControlPointConfiguration_t *CZolSession::AddConfiguration( const char *pName
 	pRoot = m_pDoc->GetRoot();
 	ZolControlPointConfiguration_t *pConfig = pRoot->FindOrAddConfiguration( pName );
 	AddUsageDrivers( &pConfig->m_KV3 );
+	// Selected once, so that its drivers reach the state; the replaced handler then finds
+	// the current name standing.
 	if ( V_stricmp_fast( m_CurrentConfigName, pName ) )
+	{
 		m_CurrentConfigName = pName;
+		SelectConfiguration( pConfig );
+	}
 	m_pDoc->SendEvent( ZolEvent_DocumentReplaced_t() );
 	return pRoot->FindConfiguration( pName ) ? pRoot->FindConfiguration( pName ) : pConfig;
+}
+
+ZolControlPointConfiguration_t *CZolSession::AddNewConfiguration()
+{
+	CZolRootNode *pRoot = m_pDoc->GetRoot();
+	if ( !pRoot )
+		return nullptr;
+	for ( const char *pName : { "preview", "game" } )
+	{
+		if ( !pRoot->FindConfiguration( pName ) )
+			return AddConfiguration( pName );
+	}
+	CUtlString strName;
+	for ( int n = pRoot->GetConfigurationCount() + 1;; ++n )
+	{
+		strName.Format( "Config %d", n );
+		if ( !pRoot->FindConfiguration( strName ) )
+			return AddConfiguration( strName );
+	}
 }
 
 void CZolSession::RemoveConfiguration( ZolControlPointConfiguration_t *pConfig )
@@ -618,12 +600,260 @@ void CZolSession::RemoveConfiguration( ZolControlPointConfiguration_t *pConfig )
 	m_pDoc->SendEvent( ZolEvent_DocumentReplaced_t() );
 }
 
-void CZolSession::SelectConfiguration( ZolControlPointConfiguration_t *pConfig )
+ZolControlPointConfiguration_t *CZolSession::GetCurrentConfiguration() const
+{
+	CZolRootNode *pRoot = m_pDoc->GetRoot();
+	return pRoot && !m_CurrentConfigName.IsEmpty() ? pRoot->FindConfiguration( m_CurrentConfigName ) : nullptr;
+}
+
+void CZolSession::SelectConfiguration( const ZolControlPointConfiguration_t *pConfig )
 {
 	if ( !pConfig )
 		return;
-	m_CurrentConfigName = pConfig->GetName();
+	m_PreviewState = ParticlePreviewState_t();
+	if ( const KeyValues3 *pPreviewState = pConfig->m_KV3.FindMember( "m_previewState" ) )
+	{
+		CUtlString strError;
+		CKV3TransferLoadContext context;
+		LoadKV3ObjectInPlace( &m_PreviewState, pPreviewState, &strError, &context );
+	}
+	CUtlString strModel( m_PreviewState.m_previewModel );
+	SetPreviewModel( strModel, true );
+	ZolEvent_PreviewStateChanged_t stateChanged;
+	stateChanged.m_bModelStands = false;
+	SendEvent( stateChanged );
+	m_pControlPointState->ApplyDrivers( pConfig->m_KV3 );
 	SendEvent( ZolEvent_ControlPointListChanged_t() );
+	ApplyToPreview();
+}
+
+void CZolSession::StoreStateInConfiguration( ZolControlPointConfiguration_t *pConfig ) const
+{
+	if ( !pConfig )
+		return;
+	m_pControlPointState->StoreDrivers( &pConfig->m_KV3 );
+	KeyValues3 *pPreviewState = pConfig->m_KV3.FindOrCreateMember( "m_previewState" );
+	CUtlString strError;
+	SaveKV3Object( m_PreviewState, pPreviewState, &strError );
+	// Back to the complete form every configuration of the document has.
+	KeyValues3 stored( pConfig->m_KV3 );
+	CKV3TransferLoadContext context;
+	ReadControlPointConfiguration( &stored, &pConfig->m_KV3, &context );
+}
+
+bool CZolSession::CopyConfiguration() const
+{
+	ZolControlPointConfiguration_t temporary;
+	if ( const ZolControlPointConfiguration_t *pCurrent = GetCurrentConfiguration() )
+		temporary.m_KV3 = pCurrent->m_KV3;
+	else
+	{
+		CKV3TransferLoadContext context;
+		ReadControlPointConfiguration( nullptr, &temporary.m_KV3, &context );
+	}
+	StoreStateInConfiguration( &temporary );
+	KeyValues3 clipboard;
+	clipboard.SetToEmptyTable();
+	*clipboard.FindOrCreateMember( "ControlPointConfiguration" ) = temporary.m_KV3;
+	return WriteClipboard( clipboard );
+}
+
+bool CZolSession::PasteConfiguration()
+{
+	KeyValues3 clipboard;
+	if ( !ReadClipboard( &clipboard ) )
+	{
+		GetZolApp()->Beep();
+		return false;
+	}
+	const KeyValues3 *pPasted = clipboard.IsTable() ? clipboard.FindMember( "ControlPointConfiguration" ) : nullptr;
+	if ( !pPasted )
+		return true;
+	ZolControlPointConfiguration_t temporary;
+	CKV3TransferLoadContext context;
+	ReadControlPointConfiguration( pPasted, &temporary.m_KV3, &context );
+	SelectConfiguration( &temporary );
+	return true;
+}
+
+// ---------------------------------------------------------------------------------------
+// The preview setup
+
+void CZolSession::ApplyToPreview()
+{
+	m_pControlPointState->ApplyToPreview( m_pPreviewTarget );
+}
+
+const char *CZolSession::GetEntityModel( int nEntity ) const
+{
+	return nEntity >= 0 && nEntity < 3 ? m_EntityModels[ nEntity ].Get() : "";
+}
+
+void CZolSession::GetWearableModels( CUtlVector<CUtlString> *pModels ) const
+{
+	*pModels = m_WearableModels;
+}
+
+bool CZolSession::SetPreviewModel( const char *pName, bool bForce )
+{
+	CUtlString strName( pName ? pName : "" );
+	if ( !bForce && strName.IsEqual_CaseInsensitive( m_PreviewState.m_previewModel ) )
+		return false;
+	m_PreviewState.m_previewModel = strName;
+	for ( CUtlString &model : m_EntityModels )
+		model = strName;
+	// The host has no item service: nothing fits a model, nothing is worn.
+	m_WearableModels.RemoveAll();
+
+	CUtlString strError;
+	ParticleModelPtr_t pModel = strName.IsEmpty() ? nullptr : FindParticleModel( strName, &strError );
+	// A hitbox set the model lacks becomes its first set, or none.
+	CUtlVector<CUtlString> sets;
+	if ( pModel )
+	{
+		for ( const ParticleModelHitbox_t &hitbox : pModel->GetHitboxes() )
+		{
+			bool bKnown = false;
+			for ( const CUtlString &set : sets )
+				bKnown = bKnown || set.IsEqual_CaseInsensitive( hitbox.m_SetName );
+			if ( !bKnown )
+				sets.AddToTail( hitbox.m_SetName );
+		}
+	}
+	bool bSetKnown = false;
+	for ( const CUtlString &set : sets )
+		bSetKnown = bSetKnown || set.IsEqual_CaseInsensitive( m_PreviewState.m_hitboxSetName );
+	if ( !bSetKnown )
+		m_PreviewState.m_hitboxSetName = sets.IsEmpty() ? CUtlString() : sets[ 0 ];
+	// The model format has no material groups, body groups or sequences; an animation
+	// clip path stands on its own.
+	m_PreviewState.m_materialGroupName.Clear();
+	m_PreviewState.m_vecBodyGroups.clear();
+	if ( !m_PreviewState.m_bSequenceNameIsAnimClipPath )
+		m_PreviewState.m_sequenceName.Clear();
+	if ( !strName.IsEmpty() )
+		m_pControlPointState->ValidateAttachments();
+	// No items: only "none" stands.
+	m_PreviewState.m_nModSpecificData = 0;
+	return true;
+}
+
+void CZolSession::SetBodyGroup( const char *pName, int nValue )
+{
+	std::vector<ParticlePreviewBodyGroup_t> &groups = m_PreviewState.m_vecBodyGroups;
+	auto it = std::find_if( groups.begin(), groups.end(), [ pName ]( const ParticlePreviewBodyGroup_t &group ) { return group.m_bodyGroupName.IsEqual_CaseInsensitive( pName ); } );
+	if ( nValue == 0 && it == groups.end() )
+		return;
+	if ( it != groups.end() && it->m_nValue == nValue )
+		return;
+	if ( nValue == 0 )
+		groups.erase( it );
+	else if ( it != groups.end() )
+		it->m_nValue = nValue;
+	else
+	{
+		ParticlePreviewBodyGroup_t group;
+		group.m_bodyGroupName = pName;
+		group.m_nValue = nValue;
+		groups.push_back( group );
+	}
+	ZolEvent_PreviewStateChanged_t event;
+	event.m_bModelStands = true;
+	SendEvent( event );
+}
+
+int CZolSession::GetBodyGroup( const char *pName ) const
+{
+	for ( const ParticlePreviewBodyGroup_t &group : m_PreviewState.m_vecBodyGroups )
+	{
+		if ( group.m_bodyGroupName.IsEqual_CaseInsensitive( pName ) )
+			return group.m_nValue;
+	}
+	return 0;
+}
+
+void CZolSession::SetControlPointPersisted( const ParticleParamID_t &key, bool bPersisted )
+{
+	CZolPersistedControlPoints &persisted = CZolPersistedControlPoints::Get();
+	if ( persisted.IsPersisted( key ) == bPersisted )
+		return;
+	CZolSession *pPreview = GetZolApp()->GetPreviewSession();
+	if ( bPersisted && !pPreview )
+		return;
+	if ( bPersisted )
+		persisted.Set( key, pPreview->m_pControlPointState->GetPosition( key ), pPreview->m_pControlPointState->GetAngles( key ) );
+	else
+		persisted.Remove( key );
+	if ( pPreview )
+		pPreview->OnControlPointStateChanged( key );
+}
+
+void CZolSession::ApplyPersistedControlPoints()
+{
+	for ( const auto &[ key, entry ] : CZolPersistedControlPoints::Get().GetEntries() )
+		m_pControlPointState->SetTransform( key, entry.m_vPosition, entry.m_Angles );
+}
+
+// ---------------------------------------------------------------------------------------
+// IZolControlPointStateHost
+
+void CZolSession::OnControlPointStateChanged( const ParticleParamID_t &key )
+{
+	ZolEvent_ControlPointValueChanged_t event;
+	event.m_ControlPoint = key;
+	SendEvent( event );
+}
+
+void CZolSession::OnNamedValueStateChanged( const ParticleParamID_t &key )
+{
+	ZolEvent_NamedValueChanged_t event;
+	event.m_NamedValue = key;
+	SendEvent( event );
+}
+
+void CZolSession::OnEditModeChanged( const ParticleParamID_t &key )
+{
+	if ( key != m_SelectedControlPoint )
+		return;
+	ZolEvent_PreviewConfigSelectionChanged_t selection;
+	selection.m_pSession = this;
+	SendEvent( selection );
+}
+
+bool CZolSession::GetDeclaredValue( const ParticleParamID_t &key, KeyValues3 *pValue ) const
+{
+	const CZolRootNode *pRoot = m_pDoc ? m_pDoc->GetRoot() : nullptr;
+	for ( int i = 0; pRoot && i < pRoot->GetNodeCount( PARTICLE_FUNCTION_NAMED_VALUE_LOCALS ); ++i )
+	{
+		const CZolVariableNode *pVariable = pRoot->GetNode( PARTICLE_FUNCTION_NAMED_VALUE_LOCALS, i )->AsVariableNode();
+		if ( pVariable && ParticleParamID_t::Named( pVariable->GetName() ) == key )
+		{
+			pVariable->GetDefaultConfig().GetValue( pValue );
+			return true;
+		}
+	}
+	return false;
+}
+
+// ---------------------------------------------------------------------------------------
+// Variables and the family
+
+CZolNamedValueContext *CZolSession::GetNamedValueContext()
+{
+	if ( !m_pNamedValueContext )
+		m_pNamedValueContext = std::make_unique<CZolNamedValueContext>( this, m_pControlPointState.get() );
+	return m_pNamedValueContext.get();
+}
+
+const CZolDoc *CZolSession::FindOpenDocument( IAsset *pAsset ) const
+{
+	for ( CBaseEditorSession *pSession : GetZolApp()->GetSessions() )
+	{
+		CZolSession *pZolSession = static_cast<CZolSession *>( pSession );
+		if ( pAsset && pZolSession->GetAsset() == pAsset )
+			return pZolSession->GetDoc();
+	}
+	return nullptr;
 }
 
 // ---------------------------------------------------------------------------------------

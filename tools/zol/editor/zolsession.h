@@ -8,6 +8,7 @@
 
 #include "core/host/resourcebinding.h"
 #include "core/particles/particleparamid.h"
+#include "core/particles/particlesystemdefinitionrecords.h"
 #include "core/particles/sim/particledefinitionusage.h"
 #include "core/text/utlstring.h"
 #include "tools/toolutils2/baseeditorapp/baseeditorsession.h"
@@ -15,34 +16,21 @@
 #include "tools/toolutils2/toolevents/tooleventdispatcher.h"
 #include "tools/toolutils2/toolevents/tooleventmapregistrationhelper.h"
 #include "zoldoc_lib/izoleventhub.h"
+#include "zoldoc_lib/zolcontrolpointstate.h"
 #include "zoldoc_lib/zolevents.h"
+#include "zoldoc_lib/zolnamedvaluecache.h"
 
 class CZolApp;
 class CZolChildNode;
 class CZolDoc;
 class IAsset;
+class IZolPreviewTarget;
+class CZolNamedValueContext;
 class IZolNodeVariableContext;
 class KeyValues3;
 struct ZolControlPointConfiguration_t;
 
-// A control point or named value that the compiled definition uses.
-struct ZolKnownControlPoint_t
-{
-	ParticleParamID_t m_Key;
-	int m_nUsageKind = 0;        // the kind of the first component
-	bool m_bOffsetApplied = false;
-	bool m_bDriven = false;      // the definition sets all three components itself
-	CUtlString m_NamedValueType; // for a key with a token
-};
-
-using ZolKnownControlPointMap_t = std::unordered_map<ParticleParamID_t, ZolKnownControlPoint_t, ParticleParamIDHash_t>;
-
-// Edit modes of a control point: 0 none, 1 translate, 2 rotate, 3 the gizmo's other.
-// Whether a mode fits a usage kind, and the mode a kind falls back to.
-bool DoesControlPointEditModeFit( int nUsageKind, int nMode );
-int GetControlPointEditModeForUsage( int nUsageKind );
-
-class CZolSession : public CSimpleSharedWindowEditorSession, public IBindTarget
+class CZolSession : public CSimpleSharedWindowEditorSession, public IBindTarget, public IZolControlPointStateHost, public IZolDocumentSource
 {
 public:
 	explicit CZolSession( CBaseEditorApp *pApp );
@@ -87,27 +75,69 @@ public:
 	// rebuilds the known control points and tells the widgets; true when it changed.
 	bool UpdateDefinitionUsage();
 	void RebuildKnownControlPoints();
-	const ZolKnownControlPointMap_t &GetKnownControlPoints() const { return m_KnownControlPoints; }
-	bool IsKnownControlPoint( const ParticleParamID_t &key ) const { return m_KnownControlPoints.count( key ) != 0; }
+	const ZolKnownControlPointMap_t &GetKnownControlPoints() const { return m_pControlPointState->GetKnownControlPoints(); }
+	bool IsKnownControlPoint( const ParticleParamID_t &key ) const { return m_pControlPointState->FindKnown( key ) != nullptr; }
 	const CParticleDefinitionUsage &GetDefinitionUsage() const { return m_DefinitionUsage; }
+	// Where the preview stands each control point and what each named value holds.
+	CZolControlPointState *GetControlPointState() const { return m_pControlPointState.get(); }
 
 	// The control point that the preview controls have selected; number -1 for none.
 	const ParticleParamID_t &GetSelectedControlPoint() const { return m_SelectedControlPoint; }
 	void SetSelectedControlPoint( const ParticleParamID_t &key );
-	int GetControlPointEditMode( const ParticleParamID_t &key ) const;
+	int GetControlPointEditMode( const ParticleParamID_t &key ) const { return m_pControlPointState->GetEditMode( key ); }
 	// Refuses a mode that doesn't fit the point's usage kind.
-	bool SetControlPointEditMode( const ParticleParamID_t &key, int nMode );
+	bool SetControlPointEditMode( const ParticleParamID_t &key, int nMode ) { return m_pControlPointState->SetEditMode( key, nMode ); }
+	// A pinned point keeps its transform across configurations and sessions; pinning takes
+	// the preview session's transform of it.
+	void SetControlPointPersisted( const ParticleParamID_t &key, bool bPersisted );
+	void ApplyPersistedControlPoints();
+
+	// The preview that this session's state is applied to; the preview widget sets itself
+	// here while it shows the session, and null when it stops.
+	void SetPreviewTarget( IZolPreviewTarget *pTarget ) { m_pPreviewTarget = pTarget; }
+	IZolPreviewTarget *GetPreviewTarget() const { return m_pPreviewTarget; }
+	// The whole state to the preview target, when there is one.
+	void ApplyToPreview();
+
+	// The preview setup: the model, the entities' models and the rest of the preview state.
+	const ParticlePreviewState_t &GetPreviewState() const { return m_PreviewState; }
+	ParticlePreviewState_t &GetPreviewStateForModify() { return m_PreviewState; }
+	// The model of the preview and of the three entity kinds; without bForce an unchanged
+	// name (ignoring case) does nothing. True when something changed.
+	bool SetPreviewModel( const char *pName, bool bForce );
+	const char *GetEntityModel( int nEntity ) const override;
+	void SetBodyGroup( const char *pName, int nValue );
+	int GetBodyGroup( const char *pName ) const;
 
 	// Clipboard: KV3 text in the "generic" format.
 	bool CopySelection();
 	bool PasteFromClipboard();
 	bool BuildSelectionClipboard( KeyValues3 *pOut ) const;
 
-	// Configurations of control points.
+	// Configurations of control points. Adding one selects it.
 	ZolControlPointConfiguration_t *AddConfiguration( const char *pName );
+	// Adds a configuration under the first free default name: "preview", "game", then
+	// "Config %d" counted from the configuration count plus one.
+	ZolControlPointConfiguration_t *AddNewConfiguration();
 	void RemoveConfiguration( ZolControlPointConfiguration_t *pConfig );
-	void SelectConfiguration( ZolControlPointConfiguration_t *pConfig );
+	// The configuration's preview state, model and drivers take effect in the session's
+	// state; the document doesn't change. Null does nothing.
+	void SelectConfiguration( const ZolControlPointConfiguration_t *pConfig );
+	// The state's drivers and the preview state into the configuration; the caller opens
+	// the undo step ("Commit Control Point And Preview State").
+	void StoreStateInConfiguration( ZolControlPointConfiguration_t *pConfig ) const;
+	ZolControlPointConfiguration_t *GetCurrentConfiguration() const;
 	const char *GetCurrentConfigName() const { return m_CurrentConfigName.Get(); }
+	// The current state as a configuration on the clipboard ("ControlPointConfiguration"
+	// in KV3 text of the format "generic"); the document doesn't change.
+	bool CopyConfiguration() const;
+	// A configuration from the clipboard takes effect in the state; the document doesn't
+	// change. False (the caller beeps) for empty or unreadable text; text without a
+	// configuration does nothing.
+	bool PasteConfiguration();
+
+	// The variables of this file and its family; made on first use.
+	CZolNamedValueContext *GetNamedValueContext();
 
 	// Whether the asset may be a child of this system; asks the user where it must.
 	bool CanBeChild( IAsset *pChild );
@@ -139,6 +169,10 @@ public:
 	void FilterDrivers( KeyValues3 *pRoot ) const;
 
 	CZolDoc *GetDoc() const { return m_pDoc.get(); }
+	// IZolDocumentSource
+	IAsset *GetSourceAsset() const override { return m_pAsset; }
+	const CZolDoc *GetSourceDocument() const override { return m_pDoc.get(); }
+	const CZolDoc *FindOpenDocument( IAsset *pAsset ) const override;
 	bool NeedsRecompile() const { return m_bNeedsRecompile; }
 	int GetCompileCount() const { return m_nCompileCount; }
 	const CUtlString &GetLastCompiledText() const { return m_LastCompiledText; }
@@ -148,6 +182,17 @@ private:
 	void OnFunctionEnableDisableChanged( const ZolEvent_FunctionEnableDisableChanged_t & );
 	void OnFunctionListChanged( const ZolEvent_FunctionListChanged_t & );
 	void OnDocumentReplaced( const ZolEvent_DocumentReplaced_t & );
+	// IZolControlPointStateHost
+	void OnControlPointStateChanged( const ParticleParamID_t &key ) override;
+	void OnNamedValueStateChanged( const ParticleParamID_t &key ) override;
+	void OnEditModeChanged( const ParticleParamID_t &key ) override;
+	const char *GetPreviewModel() const override { return m_PreviewState.m_previewModel.Get(); }
+	void GetWearableModels( CUtlVector<CUtlString> *pModels ) const override;
+	bool GetDeclaredValue( const ParticleParamID_t &key, KeyValues3 *pValue ) const override;
+
+	// KV3 text of the format "generic" on the clipboard; false when there is none to read.
+	bool WriteClipboard( const KeyValues3 &clipboard ) const;
+	bool ReadClipboard( KeyValues3 *pClipboard ) const;
 	void MarkEdited();
 	void SelectFirstConfiguration();
 	CZolApp *GetZolApp() const;
@@ -167,10 +212,15 @@ private:
 	CParticleDefinitionUsage m_DefinitionUsage;
 	// Whether m_DefinitionUsage came from a compiled definition.
 	bool m_bUsageFromResource = false;
-	ZolKnownControlPointMap_t m_KnownControlPoints;
-	std::unordered_map<ParticleParamID_t, int, ParticleParamIDHash_t> m_ControlPointEditModes;
+	// Owns the known control points as well: the state's rules all depend on them.
+	std::unique_ptr<CZolControlPointState> m_pControlPointState;
 	ParticleParamID_t m_SelectedControlPoint;
 	CUtlString m_CurrentConfigName;
+	CUtlString m_EntityModels[ 3 ];
+	CUtlVector<CUtlString> m_WearableModels;
+	ParticlePreviewState_t m_PreviewState;
+	IZolPreviewTarget *m_pPreviewTarget = nullptr;
+	std::unique_ptr<CZolNamedValueContext> m_pNamedValueContext;
 	IAsset *m_pAsset = nullptr;
 	CResourceHandle m_hResource;
 	int m_nFunctionListScroll = 0;

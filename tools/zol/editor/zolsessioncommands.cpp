@@ -19,12 +19,11 @@
 #include "tools/zol/editor/zolsession.h"
 #include "zoldoc_lib/zolchildnode.h"
 #include "zoldoc_lib/zoldoc.h"
+#include "zoldoc_lib/zolnamedvaluecontext.h"
 
 static void Beep()
 {
-	// Headless runs (tests, batch commands) have no application to beep with.
-	if ( qApp )
-		QApplication::beep();
+	ZolApp()->Beep();
 }
 
 static void BeepUnless( bool bDone )
@@ -151,12 +150,16 @@ bool CZolSession::AddElement( ParticleFunctionType_t eType, IZolNodeVariableCont
 		return BrowseAndAddChild() != nullptr;
 	if ( eType == PARTICLE_FUNCTION_NAMED_VALUE_LOCALS )
 	{
-		// Variables are named and typed in their own dialog, which needs the context
-		// that knows the variables around this system.
-		if ( pHint )
-			Log_Msg( LOG_ZOL, "Adding a variable needs the variable dialog, which this editor doesn't have yet.\n" );
-		Beep();
-		return false;
+		// Variables are named and typed in their own dialog, which lists the variables
+		// around this system through the context; without one nothing is asked.
+		if ( !pHint )
+			return false;
+		CZolNamedValueContext *pContext = dynamic_cast<CZolNamedValueContext *>( pHint );
+		CUtlString strName;
+		CPulseValueFullType type;
+		if ( !GetZolApp()->RunAddVariableDialog( pContext ? pContext : GetNamedValueContext(), &strName, &type ) )
+			return false;
+		return m_pDoc->AddVariable( strName, type ) != nullptr;
 	}
 	// The picker is a dialog: headless runs have nobody to choose.
 	CZolApp *pApp = GetZolApp();

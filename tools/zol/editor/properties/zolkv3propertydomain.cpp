@@ -33,7 +33,7 @@ bool IsRootListKey( const char *pName )
 }
 } // namespace
 
-CZolKV3PropertyDomain::CZolKV3PropertyDomain() : CToolAttrPropertyDomain( this )
+CZolKV3PropertyDomain::CZolKV3PropertyDomain() : CToolAttrPropertyDomain( this ), CZolNamedValueContext( nullptr, nullptr )
 {
 	if ( IPropertyEditorSystem *pSystem = GetPropertyEditorSystem() )
 		pSystem->RegisterPropertyDomain( this );
@@ -48,6 +48,8 @@ CZolKV3PropertyDomain::~CZolKV3PropertyDomain()
 void CZolKV3PropertyDomain::SetSession( CZolSession *pSession )
 {
 	m_pSession = pSession;
+	SetSource( pSession, pSession ? pSession->GetControlPointState() : nullptr );
+	ClearNamedValueCache();
 }
 
 bool CZolKV3PropertyDomain::IsFieldHidden( IBaseToolAttr *pAttr ) const

@@ -2,14 +2,17 @@
 // The property edit domain of the particle editor: an edit of a property is an undoable
 // step of the shown session's document, fields the document's behaviour version doesn't
 // have are hidden, and the root's lists (which the function list edits) don't show as
-// rows. It registers with the property editor system for its life.
+// rows. It registers with the property editor system for its life. It is also the named
+// value context of the shown session: the variables of its family, its configurations
+// and attachments, for the editors and pickers that ask the nodes.
 
 #include "tools/toolutils2/toolattr_propertydomain/itoolattrdomainlistener.h"
 #include "tools/toolutils2/toolattr_propertydomain/toolattrpropertydomain.h"
+#include "zoldoc_lib/zolnamedvaluecontext.h"
 
 class CZolSession;
 
-class CZolKV3PropertyDomain : public CToolAttrPropertyDomain, public IToolAttrDomainListener
+class CZolKV3PropertyDomain : public CToolAttrPropertyDomain, public IToolAttrDomainListener, public CZolNamedValueContext
 {
 public:
 	CZolKV3PropertyDomain();
@@ -17,6 +20,7 @@ public:
 	CZolKV3PropertyDomain( const CZolKV3PropertyDomain & ) = delete;
 	CZolKV3PropertyDomain &operator=( const CZolKV3PropertyDomain & ) = delete;
 
+	// The session shown; the family of named values is read anew for it.
 	void SetSession( CZolSession *pSession );
 	CZolSession *GetSession() const { return m_pSession; }
 

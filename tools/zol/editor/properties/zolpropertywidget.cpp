@@ -59,7 +59,11 @@ void CQZolPropertyWidget::ShowSelection( bool bForce )
 		CUtlVector<CBaseZolNode *> nodes;
 		pDoc->GetSelectedNodes( nodes );
 		for ( CBaseZolNode *pNode : nodes )
+		{
+			// The node's editors ask the domain about variables, configurations and models.
+			pNode->SetVariableContext( m_pDomain );
 			targets.AddToTail( ZolPropertyTarget{ pNode->GetTableInstance(), nullptr } );
+		}
 	}
 	if ( bForce )
 		m_pPanel->SetTargets( CUtlVector<ZolPropertyTarget>() );
@@ -74,16 +78,19 @@ void CQZolPropertyWidget::OnSelectionChanged( const ZolEvent_SelectionChanged_t 
 void CQZolPropertyWidget::OnDocumentReplaced( const ZolEvent_DocumentReplaced_t & )
 {
 	// Every node was made anew: nothing of the old rows may be used.
+	m_pDomain->ClearNamedValueCache();
 	ShowSelection( true );
 }
 
 void CQZolPropertyWidget::OnFunctionEnableDisableChanged( const ZolEvent_FunctionEnableDisableChanged_t & )
 {
+	m_pDomain->ClearNamedValueCache();
 	ShowSelection();
 }
 
 void CQZolPropertyWidget::OnFunctionListChanged( const ZolEvent_FunctionListChanged_t & )
 {
+	m_pDomain->ClearNamedValueCache();
 	ShowSelection();
 }
 
