@@ -36,6 +36,7 @@
 #include "zoldoc_lib/zoldefinitiondiff.h"
 #include "zoldoc_lib/zoldoc.h"
 #include "zoldoc_lib/zolnode.h"
+#include "zoldoc_lib/izolnodevariablecontext.h"
 #include "zoldoc_lib/zolrootnode.h"
 
 namespace
@@ -271,5 +272,41 @@ TEST_F( PropertyPanelAppTest, AnEmitRateChangedInThePanelSavedAndReloadedIsTheFi
 	CUtlString line;
 	FormatDiffChange( changes[ 0 ], &line );
 	EXPECT_STREQ( line.Get(), "Emitters #1 Continuous Emitter: Rate: 40 -> 65" );
+}
+} // namespace
+
+namespace
+{
+TEST_F( PropertyPanelAppTest, AVariableKnowsTheDomainAndItsTypeChangeMakesItsRowsAnew )
+{
+	ASSERT_NE( OpenShown( "particles/samples/campfire.tfxs" ), nullptr );
+	Select( PARTICLE_FUNCTION_NAMED_VALUE_LOCALS, 0 );
+	CBaseZolNode *pVariable = Node( PARTICLE_FUNCTION_NAMED_VALUE_LOCALS, 0 );
+	EXPECT_EQ( pVariable->GetVariableContext(), static_cast<IZolNodeVariableContext *>( m_pWindow->GetPropertyDomain() ) );
+	EXPECT_EQ( Panel()->GetTitleLabel()->text(), QStringLiteral( "Variable FireHeight" ) );
+	CQAttributeEditor_DomainAgnostic *pType = Plain( "m_ValueType" );
+	ASSERT_NE( pType, nullptr ) << Panel()->GetRowKeys().join( ' ' ).toStdString();
+	QComboBox *pCombo = pType->GetComboBox();
+	ASSERT_NE( pCombo, nullptr );
+	const QString valueKey = QStringLiteral( "m_DefaultConfig/m_ConfigValue" );
+	ASSERT_NE( Panel()->FindRow( valueKey ), nullptr ) << Panel()->GetRowKeys().join( ' ' ).toStdString();
+	EXPECT_EQ( Plain( "m_DefaultConfig/m_ConfigValue" )->GetKind(), CQAttributeEditor_DomainAgnostic::KIND_LINE_EDIT );
+
+	// A vector type: the value's row turns into three fields, in one undo step.
+	int nVector = pCombo->findData( QStringLiteral( "PVAL_VEC3" ) );
+	ASSERT_GE( nVector, 0 );
+	const int nSteps = UndoSteps();
+	const int nRebuilds = Panel()->GetRebuildCount();
+	pCombo->setCurrentIndex( nVector );
+	emit pCombo->activated( nVector );
+	QApplication::processEvents();
+	EXPECT_EQ( UndoSteps(), nSteps + 1 );
+	EXPECT_GT( Panel()->GetRebuildCount(), nRebuilds );
+	ASSERT_NE( Plain( "m_DefaultConfig/m_ConfigValue" ), nullptr );
+	EXPECT_EQ( Plain( "m_DefaultConfig/m_ConfigValue" )->GetKind(), CQAttributeEditor_DomainAgnostic::KIND_VECTOR );
+	// Undone, the float is back.
+	Doc()->Undo();
+	QApplication::processEvents();
+	EXPECT_EQ( Plain( "m_DefaultConfig/m_ConfigValue" )->GetKind(), CQAttributeEditor_DomainAgnostic::KIND_LINE_EDIT );
 }
 } // namespace
