@@ -32,10 +32,12 @@
 #include "tools/toolutils2/toolattr/itoolattrvalue.h"
 #include "tools/toolutils2/toolattr_propertydomain/itoolattrdomainlistener.h"
 #include "tools/toolutils2/toolattr_propertydomain/toolattrpropertydomain.h"
+#include "tools/toolutils2/widgets/propertyeditor/attributeeditorcurve.h"
 #include "tools/toolutils2/widgets/propertyeditor/attributeeditordomainagnostic.h"
 #include "tools/toolutils2/widgets/propertyeditor/attributeeditorfactory.h"
 #include "tools/toolutils2/widgets/propertyeditor/poolablewidget.h"
 #include "tools/toolutils2/widgets/propertyeditor/propertypanel.h"
+#include "tools/widgets/curveeditorwidget.h"
 #include "tools/widgets/slider.h"
 #include "tools/widgets/sliderlineeditfloat.h"
 #include "tools/widgets/smartlineedit.h"
@@ -63,6 +65,7 @@ constexpr const char *s_pszClasses = R"fgd(
 	m_First(float) { sort_priority = 10 } : "First" : "0"
 	m_Reset(string) { reset_to_default_icon = true } : "Reset" : "abc"
 	m_Custom(string) { editor = "PanelTestEditor( big )" } : "Custom" : "c"
+	m_Fade(curve) : "Fade"
 ]
 )fgd";
 
@@ -447,5 +450,45 @@ TEST_F( PropertyPanelTest, NewTargetsRebuildOnTheNextTurnWithPooledEditors )
 	EXPECT_TRUE( m_pPanel->GetRowKeys().isEmpty() );
 	EXPECT_GT( m_pPanel->GetPool()->GetIdleCount( "DomainAgnostic" ), 10 );
 	EXPECT_EQ( m_pPanel->GetPool()->GetIdleCount( "PanelTestEditor" ), 1 );
+}
+} // namespace
+
+namespace
+{
+// Drags the key of the curve editor from where it is to a curve point, in one drag.
+void DragCurveKey( CQCurveEditorWidget *pCurve, int nKey, double x, double y )
+{
+	const CurveKey_t &key = pCurve->GetShownCurve().GetKey( nKey );
+	QPoint from = pCurve->CurveToScreen( key.x, key.y ).toPoint();
+	DragMouse( pCurve, from, pCurve->CurveToScreen( x, y ).toPoint() );
+}
+
+TEST_F( PropertyPanelTest, CurvesAreEditedWithTheCurveEditorOneStepPerDrag )
+{
+	// A curve field takes the curve editor by its name.
+	auto *pFade = dynamic_cast<CQAttributeEditor_Curve *>( m_pPanel->FindEditor( "m_Fade" ) );
+	ASSERT_NE( pFade, nullptr ) << m_pPanel->GetRowKeys().join( ' ' ).toStdString();
+	CQCurveEditorWidget *pCurve = pFade->GetCurveWidget();
+	ASSERT_EQ( pCurve->GetShownCurve().GetKeyCount(), 2 ) << "no curve yet: the default one";
+	DragCurveKey( pCurve, 1, 1.0, 0.5 );
+	EXPECT_EQ( m_Listener.m_nSteps, 1 );
+	const KeyValues3 *pStored = m_Data[ 0 ]->GetKV3()->FindMember( "m_Fade" );
+	ASSERT_NE( pStored, nullptr );
+	ASSERT_TRUE( CQAttributeEditor_Curve::IsCurveValue( *pStored ) );
+	EXPECT_NEAR( pStored->FindMember( "m_spline" )->GetArrayElement( 1 )->GetMemberDouble( "y" ), 0.5, 0.02 );
+
+	// A curve inside a KV3 value (a float input's mapping curve) is edited alike, and the
+	// rest of the value stays.
+	Type( Plain( "m_Extra" )->GetLineEdit(), "{ m_nMapType = \"PF_MAP_TYPE_CURVE\" m_Curve = { m_spline = [ { x = 0.0 y = 0.0 }, { x = 1.0 y = 1.0 } ] "
+											  "m_tangents = [ {}, {} ] m_vDomainMins = [ 0.0, 0.0 ] m_vDomainMaxs = [ 1.0, 1.0 ] } }" );
+	auto *pInner = dynamic_cast<CQAttributeEditor_Curve *>( m_pPanel->FindEditor( "m_Extra/m_Curve" ) );
+	ASSERT_NE( pInner, nullptr ) << m_pPanel->GetRowKeys().join( ' ' ).toStdString();
+	EXPECT_EQ( m_pPanel->FindRow( "m_Extra/m_Curve/m_spline" ), nullptr ) << "a curve is one row, not its parts";
+	DragCurveKey( pInner->GetCurveWidget(), 0, 0.0, 0.25 );
+	EXPECT_EQ( m_Listener.m_nSteps, 3 );
+	const KeyValues3 *pExtra = m_Data[ 0 ]->GetKV3()->FindMember( "m_Extra" );
+	ASSERT_NE( pExtra, nullptr );
+	EXPECT_STREQ( pExtra->GetMemberString( "m_nMapType" ), "PF_MAP_TYPE_CURVE" );
+	EXPECT_NEAR( pExtra->FindMember( "m_Curve" )->FindMember( "m_spline" )->GetArrayElement( 0 )->GetMemberDouble( "y" ), 0.25, 0.02 );
 }
 } // namespace

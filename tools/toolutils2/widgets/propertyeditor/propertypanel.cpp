@@ -20,6 +20,7 @@
 #include "core/text/friendlyname.h"
 #include "tools/toolutils2/propertyeditor/propertyattributeeditorfactory.h"
 #include "tools/toolutils2/toolattr_propertydomain/ipropertyeditdomain.h"
+#include "tools/toolutils2/widgets/propertyeditor/attributeeditorcurve.h"
 #include "tools/toolutils2/widgets/propertyeditor/attributeeditordomainagnostic.h"
 #include "tools/toolutils2/widgets/propertyeditor/kv3valuepath.h"
 #include "tools/toolutils2/widgets/propertyeditor/poolablewidget.h"
@@ -137,6 +138,8 @@ bool CQPropertyPanel::InstallInPropertyEditorSystem()
 	if ( !pSystem )
 		return false;
 	pSystem->SetPropertyPanelFactory( []( void *pParent ) -> void * { return static_cast<QWidget *>( new CQPropertyPanel( static_cast<QWidget *>( pParent ) ) ); } );
+	// The panel's own editors of general kinds.
+	CQAttributeEditor_Curve::RegisterFactory();
 	return true;
 }
 
@@ -147,6 +150,7 @@ CQPropertyPanel *CQPropertyPanel::CreateFromPropertyEditorSystem( QWidget *pPare
 		return nullptr;
 	if ( !pSystem->HasPropertyPanelFactory() )
 		InstallInPropertyEditorSystem();
+	CQAttributeEditor_Curve::RegisterFactory();
 	void *pPanel = pSystem->CreatePropertyPanel( pParent );
 	return qobject_cast<CQPropertyPanel *>( static_cast<QWidget *>( pPanel ) );
 }
@@ -462,6 +466,7 @@ void CQPropertyPanel::AddKV3PartRows( PropertyPanelRow_t *pRow, const KeyValues3
 		pPart->m_KV3Path = pRow->m_KV3Path;
 		pPart->m_KV3Path.append( step );
 		pPart->m_nKV3Type = part.GetType();
+		pPart->m_bKV3Curve = CQAttributeEditor_Curve::IsCurveValue( part );
 		pPart->m_Key = pRow->m_Key + '/' + step;
 		pPart->m_Label = label;
 		pPart->m_Info.m_Name = step.toUtf8().constData();
@@ -469,7 +474,7 @@ void CQPropertyPanel::AddKV3PartRows( PropertyPanelRow_t *pRow, const KeyValues3
 		pPart->m_Info.m_bReadOnly = pRow->m_Info.m_bReadOnly;
 		pPart->m_nDepth = pRow->m_nDepth + 1;
 		pPart->m_pParent = pRow;
-		if ( part.IsTable() || part.IsArray() )
+		if ( ( part.IsTable() || part.IsArray() ) && !pPart->m_bKV3Curve )
 			AddKV3PartRows( pPart.get(), part );
 		pRow->m_Children.push_back( std::move( pPart ) );
 	};
@@ -608,7 +613,10 @@ void CQPropertyPanel::CreateEditor( PropertyPanelRow_t *pRow )
 	ParseEditorSpec( pRow->m_Info.m_EditorSpec, &name, &init.m_Argument );
 
 	CQAttributeEditor_Base *pEditor = nullptr;
-	CPropertyAttributeEditorFactoryBase *pFactory = pRow->m_eKind == PropertyPanelRow_t::KIND_KV3_PART ? nullptr : FindFactory( name );
+	// A part of a KV3 value has no editor name of its own; a curve in it takes the curve's.
+	if ( pRow->m_eKind == PropertyPanelRow_t::KIND_KV3_PART )
+		name = pRow->m_bKV3Curve ? QString::fromUtf8( CQAttributeEditor_Curve::FACTORY_NAME ) : QString();
+	CPropertyAttributeEditorFactoryBase *pFactory = FindFactory( name );
 	if ( pFactory )
 	{
 		if ( CQPoolableWidget *pPooled = m_pPool->Take( name ) )

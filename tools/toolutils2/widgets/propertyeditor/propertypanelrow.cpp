@@ -22,7 +22,7 @@ QString PropertyPanelRow_t::GetStructureKey() const
 					  .arg( QString::fromUtf8( m_Info.m_EditorSpec.Get() ) )
 					  .arg( m_Info.m_bReadOnly )
 					  .arg( m_nArrayCount )
-					  .arg( m_nKV3Type )
+					  .arg( m_nKV3Type * 2 + ( m_bKV3Curve ? 1 : 0 ) )
 					  .arg( m_Info.m_nHint )
 					  .arg( int( m_Children.size() ) );
 	// The range decides the editor's form; the addresses decide what it writes.

@@ -36,8 +36,9 @@ struct PropertyPanelRow_t
 	CUtlVector<PropEdSpecificAttr_t> m_Targets;
 	ZolPropertyRowInfo m_Info;
 	QStringList m_KV3Path;
-	// KV3 parts: the part's KV3 kind.
+	// KV3 parts: the part's KV3 kind, and whether it is a curve (edited as one).
 	int m_nKV3Type = -1;
+	bool m_bKV3Curve = false;
 	bool m_bIsArray = false;
 	bool m_bArrayResizable = false;
 	// The element count when every target agrees, else -1.
