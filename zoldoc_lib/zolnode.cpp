@@ -12,40 +12,9 @@ namespace
 {
 // How the attributes of a node's class reach its table. A node's handle carries the tag
 // of its own class (or of KV3 data with a class); the node itself is its notify root.
-class CZolNodeKV3Resolver final : public IKV3FGDTargetResolver
+struct ZolNodeTargetTraits_t
 {
-public:
-	static CZolNodeKV3Resolver &Get()
-	{
-		static CZolNodeKV3Resolver s_Resolver;
-		return s_Resolver;
-	}
-
-	const CGameData *GetGameData( HToolAttrTableInstance handle ) const override
-	{
-		const CBaseZolNode *pNode = Node( handle );
-		return pNode ? pNode->GetGameData() : nullptr;
-	}
-	const CGameDataClass *GetFGDClass( HToolAttrTableInstance handle ) const override
-	{
-		const CBaseZolNode *pNode = Node( handle );
-		return pNode ? pNode->GetFGDClass() : nullptr;
-	}
-	KeyValues3 *GetKV3ForModify( HToolAttrTableInstance handle, IBaseToolAttr * ) const override
-	{
-		CBaseZolNode *pNode = Node( handle );
-		return pNode ? pNode->GetKV3ForModify() : nullptr;
-	}
-	const KeyValues3 *GetKV3( HToolAttrTableInstance handle, KV3FGDResolveStatus_t *pStatus ) const override
-	{
-		const CBaseZolNode *pNode = Node( handle );
-		if ( !pNode )
-			return nullptr;
-		return pStatus && pStatus->m_bWantInherited ? pNode->GetKV3ForRead() : pNode->GetKV3();
-	}
-
-private:
-	static CBaseZolNode *Node( HToolAttrTableInstance handle )
+	static CBaseZolNode *Cast( HToolAttrTableInstance handle )
 	{
 		static const uint32_t s_nKV3DataTag = ToolAttrTypeTag( "CBaseKV3DataWithFGDClass" );
 		CBaseZolNode *pNode = dynamic_cast<CBaseZolNode *>( handle.m_pNotifyRoot );
@@ -56,6 +25,7 @@ private:
 		return pNode;
 	}
 };
+using CZolNodeKV3Resolver = CToolAttrKV3FGDProvider<CBaseZolNode, ZolNodeTargetTraits_t>;
 } // namespace
 
 CBaseZolNode::CBaseZolNode( CZolDoc *pDoc ) : m_pDoc( pDoc )

@@ -20,7 +20,7 @@
 #include "core/kv3/keyvalues3.h"
 #include "core/kv3/kv3serialize.h"
 #include "core/text/utlstring.h"
-#include "tests/support/mouseevents.h"
+#include "tests/support/userinput.h"
 #include "tools/widgets/curveeditorwidget.h"
 #include "tools/widgets/modaleditcurvepointdialog.h"
 

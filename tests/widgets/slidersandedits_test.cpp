@@ -10,7 +10,7 @@
 #include <QSignalSpy>
 #include <QtTest/QTest>
 
-#include "tests/support/mouseevents.h"
+#include "tests/support/userinput.h"
 #include "tools/widgets/slider.h"
 #include "tools/widgets/sliderlineeditfloat.h"
 #include "tools/widgets/smartlineedit.h"
@@ -86,58 +86,61 @@ TEST_P( SmartLineEditDrag, MiddleButtonStepsByThePartsRules )
 
 INSTANTIATE_TEST_SUITE_P( Cases, SmartLineEditDrag, testing::ValuesIn( s_DragCases ), []( const testing::TestParamInfo<DragCase_t> &info ) { return std::string( info.param.m_pName ); } );
 
-TEST( SmartLineEdit, TextFieldsDontDragAndTheMiddleButtonNeverPastes )
+// A field 200 pixels wide, shown.
+class SmartLineEditTest : public testing::Test
 {
-	CQSmartLineEdit edit;
-	edit.resize( 200, 22 );
-	edit.show();
-	edit.setText( "12" );
-	QSignalSpy started( &edit, &CQSmartLineEdit::DragStarted );
-	DragMouse( &edit, QPoint( 50, 10 ), QPoint( 150, 10 ), Qt::MiddleButton );
+protected:
+	void SetUp() override
+	{
+		m_Edit.resize( 200, 22 );
+		m_Edit.show();
+	}
+	CQSmartLineEdit m_Edit;
+};
+
+TEST_F( SmartLineEditTest, TextFieldsDontDragAndTheMiddleButtonNeverPastes )
+{
+	m_Edit.setText( "12" );
+	QSignalSpy started( &m_Edit, &CQSmartLineEdit::DragStarted );
+	DragMouse( &m_Edit, QPoint( 50, 10 ), QPoint( 150, 10 ), Qt::MiddleButton );
 	EXPECT_EQ( started.count(), 0 );
-	EXPECT_EQ( edit.text(), QStringLiteral( "12" ) );
+	EXPECT_EQ( m_Edit.text(), QStringLiteral( "12" ) );
 }
 
-TEST( SmartLineEdit, ReleasingTheButtonOutsideAMoveEndsTheDrag )
+TEST_F( SmartLineEditTest, ReleasingTheButtonOutsideAMoveEndsTheDrag )
 {
-	CQSmartLineEdit edit;
-	edit.resize( 200, 22 );
-	edit.show();
-	edit.SetNumberKind( CQSmartLineEdit::NUMBER_KIND_FLOAT );
-	edit.setText( "0" );
-	QSignalSpy ended( &edit, &CQSmartLineEdit::DragEnded );
-	SendMouse( &edit, QEvent::MouseButtonPress, QPoint( 50, 10 ), Qt::MiddleButton, Qt::MiddleButton );
+	m_Edit.SetNumberKind( CQSmartLineEdit::NUMBER_KIND_FLOAT );
+	m_Edit.setText( "0" );
+	QSignalSpy ended( &m_Edit, &CQSmartLineEdit::DragEnded );
+	SendMouse( &m_Edit, QEvent::MouseButtonPress, QPoint( 50, 10 ), Qt::MiddleButton, Qt::MiddleButton );
 	// The button was let go where the field didn't see it: the next move ends the drag.
-	SendMouse( &edit, QEvent::MouseMove, QPoint( 70, 10 ), Qt::NoButton, Qt::NoButton );
-	EXPECT_FALSE( edit.IsDragging() );
+	SendMouse( &m_Edit, QEvent::MouseMove, QPoint( 70, 10 ), Qt::NoButton, Qt::NoButton );
+	EXPECT_FALSE( m_Edit.IsDragging() );
 	EXPECT_EQ( ended.count(), 1 );
-	EXPECT_EQ( edit.text(), QStringLiteral( "0" ) );
+	EXPECT_EQ( m_Edit.text(), QStringLiteral( "0" ) );
 }
 
-TEST( SmartLineEdit, WarnsOfTrailingWhitespaceRefusesTheBackQuoteAndTellsEscape )
+TEST_F( SmartLineEditTest, WarnsOfTrailingWhitespaceRefusesTheBackQuoteAndTellsEscape )
 {
-	CQSmartLineEdit edit;
-	edit.resize( 200, 24 );
-	edit.show();
-	edit.setText( "flame\t" );
-	ASSERT_TRUE( edit.IsWhitespaceWarningShown() );
-	QLabel *pWarning = edit.GetWhitespaceWarningLabel();
+	m_Edit.setText( "flame\t" );
+	ASSERT_TRUE( m_Edit.IsWhitespaceWarningShown() );
+	QLabel *pWarning = m_Edit.GetWhitespaceWarningLabel();
 	EXPECT_EQ( pWarning->text(), QStringLiteral( "***" ) );
 	EXPECT_EQ( pWarning->toolTip(), QStringLiteral( "Warning: This text ends with whitespace" ) );
-	EXPECT_EQ( pWarning->geometry(), QRect( 200 - 33, 2, 32, 24 - 3 ) );
-	edit.setText( "flame" );
-	EXPECT_FALSE( edit.IsWhitespaceWarningShown() );
-	edit.SetWhitespaceWarning( false );
-	edit.setText( "flame " );
-	EXPECT_FALSE( edit.IsWhitespaceWarningShown() );
+	EXPECT_EQ( pWarning->geometry(), QRect( 200 - 33, 2, 32, 22 - 3 ) );
+	m_Edit.setText( "flame" );
+	EXPECT_FALSE( m_Edit.IsWhitespaceWarningShown() );
+	m_Edit.SetWhitespaceWarning( false );
+	m_Edit.setText( "flame " );
+	EXPECT_FALSE( m_Edit.IsWhitespaceWarningShown() );
 
-	edit.clear();
-	edit.setFocus();
-	QTest::keyClicks( &edit, "a`b" );
-	EXPECT_EQ( edit.text(), QStringLiteral( "ab" ) );
+	m_Edit.clear();
+	m_Edit.setFocus();
+	QTest::keyClicks( &m_Edit, "a`b" );
+	EXPECT_EQ( m_Edit.text(), QStringLiteral( "ab" ) );
 
-	QSignalSpy cancelled( &edit, &CQSmartLineEdit::EditCancelled );
-	QTest::keyClick( &edit, Qt::Key_Escape );
+	QSignalSpy cancelled( &m_Edit, &CQSmartLineEdit::EditCancelled );
+	QTest::keyClick( &m_Edit, Qt::Key_Escape );
 	EXPECT_EQ( cancelled.count(), 1 );
 }
 
@@ -282,14 +285,7 @@ protected:
 		m_Widget.show();
 		QApplication::setActiveWindow( &m_Widget );
 	}
-	void Type( const char *pText )
-	{
-		CQSmartLineEdit *pEdit = m_Widget.GetLineEdit();
-		pEdit->setFocus();
-		pEdit->selectAll();
-		QTest::keyClicks( pEdit, pText );
-		QTest::keyClick( pEdit, Qt::Key_Return );
-	}
+	void Type( const char *pText ) { TypeInto( m_Widget.GetLineEdit(), pText ); }
 	CQSliderLineEditFloat m_Widget;
 };
 

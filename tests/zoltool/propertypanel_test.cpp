@@ -18,7 +18,7 @@
 #include <vector>
 
 #include "core/kv3/keyvalues3.h"
-#include "tests/support/mouseevents.h"
+#include "tests/support/userinput.h"
 #include "tests/zoltool/zolapptestsupport.h"
 #include "tools/toolutils2/undo/undohistory.h"
 #include "tools/toolutils2/widgets/propertyeditor/attributeeditordomainagnostic.h"
@@ -43,26 +43,9 @@ namespace
 {
 namespace fs = std::filesystem;
 
-class PropertyPanelAppTest : public ZolAppTest
+class PropertyPanelAppTest : public ZolWindowAppTest
 {
 protected:
-	void SetUp() override
-	{
-		EnsureTestQApplication();
-		ZolAppTest::SetUp();
-		if ( HasFatalFailure() )
-			return;
-		m_pApp->SetCreatesMainWindow( true );
-		Start();
-		if ( HasFatalFailure() )
-			return;
-		m_pWindow = m_pApp->GetZolMainWindow();
-		ASSERT_NE( m_pWindow, nullptr );
-		m_pWindow->show();
-		QApplication::setActiveWindow( m_pWindow );
-		QApplication::processEvents();
-	}
-
 	CZolSession *OpenShown( const char *pContentPath )
 	{
 		CZolSession *pSession = Open( pContentPath );
@@ -90,11 +73,7 @@ protected:
 	void Type( QLineEdit *pEdit, const char *pText )
 	{
 		ASSERT_NE( pEdit, nullptr );
-		pEdit->setFocus();
-		pEdit->selectAll();
-		QTest::keyClicks( pEdit, pText );
-		QTest::keyClick( pEdit, Qt::Key_Return );
-		QApplication::processEvents();
+		TypeInto( pEdit, pText );
 	}
 	// Ctrl+Z where the focus is, as a keyboard sends it.
 	void Undo()
@@ -110,8 +89,6 @@ protected:
 	{
 		return Node( PARTICLE_FUNCTION_EMITTER, 0 )->GetKV3()->FindMember( "m_flEmitRate" )->GetMemberDouble( "m_flLiteralValue" );
 	}
-
-	CQZolMainWnd *m_pWindow = nullptr;
 };
 
 TEST_F( PropertyPanelAppTest, TheSelectionShowsItsFieldsAndTheBasePropertiesLeaveTheListsToTheList )

@@ -113,14 +113,7 @@ void CQCurveEditorWidget::SetCurve( const CPiecewiseCurve &curve, bool bMirrored
 		return;
 	m_bMirrored = bMirrored;
 	m_bEditable = bEditable;
-	if ( bMirrored )
-		curve.FlipVertical( &m_Curve );
-	else
-		m_Curve = curve;
-	if ( m_Curve.GetKeyCount() == 0 )
-		m_Curve.Reset();
-	m_vViewMin = QPointF( m_Curve.m_vDomainMins.x, m_Curve.m_vDomainMins.y );
-	m_vViewMax = QPointF( m_Curve.m_vDomainMaxs.x, m_Curve.m_vDomainMaxs.y );
+	TakeCurve( curve );
 	ResetView();
 	m_Handles.clear();
 	m_GuideLine.clear();
@@ -128,6 +121,18 @@ void CQCurveEditorWidget::SetCurve( const CPiecewiseCurve &curve, bool bMirrored
 	if ( m_bEditable )
 		RebuildHandles();
 	update();
+}
+
+void CQCurveEditorWidget::TakeCurve( const CPiecewiseCurve &curve )
+{
+	if ( m_bMirrored )
+		curve.FlipVertical( &m_Curve );
+	else
+		m_Curve = curve;
+	if ( m_Curve.GetKeyCount() == 0 )
+		m_Curve.Reset();
+	m_vViewMin = QPointF( m_Curve.m_vDomainMins.x, m_Curve.m_vDomainMins.y );
+	m_vViewMax = QPointF( m_Curve.m_vDomainMaxs.x, m_Curve.m_vDomainMaxs.y );
 }
 
 CPiecewiseCurve CQCurveEditorWidget::GetCurve() const
@@ -597,37 +602,38 @@ void CQCurveEditorWidget::resizeEvent( QResizeEvent *pEvent )
 // Tangent modes, point edit, menus
 //-----------------------------------------------------------------------------
 
-void CQCurveEditorWidget::SetIncomingTangent( int nPoint, int nMode )
+bool CQCurveEditorWidget::SetKeyModes( int nPoint, int nIncoming, int nOutgoing )
 {
-	if ( !m_Curve.IsValidIndex( nPoint ) || nMode < 0 || nMode >= CURVE_TANGENT_MODE_COUNT )
-		return;
-	m_Curve.SetTangentModes( nPoint, CurveTangentMode_t( nMode ), m_Curve.GetTangents( nPoint ).m_nOutgoingTangent );
+	auto valid = []( int nMode ) { return nMode >= 0 && nMode < CURVE_TANGENT_MODE_COUNT; };
+	if ( !m_Curve.IsValidIndex( nPoint ) || !valid( nIncoming ) || !valid( nOutgoing ) )
+		return false;
+	m_Curve.SetTangentModes( nPoint, CurveTangentMode_t( nIncoming ), CurveTangentMode_t( nOutgoing ) );
 	RebuildHandles();
 	update();
 	AnnounceChange();
+	return true;
+}
+
+void CQCurveEditorWidget::SetIncomingTangent( int nPoint, int nMode )
+{
+	if ( m_Curve.IsValidIndex( nPoint ) )
+		SetKeyModes( nPoint, nMode, m_Curve.GetTangents( nPoint ).m_nOutgoingTangent );
 }
 
 void CQCurveEditorWidget::SetOutgoingTangent( int nPoint, int nMode )
 {
-	if ( !m_Curve.IsValidIndex( nPoint ) || nMode < 0 || nMode >= CURVE_TANGENT_MODE_COUNT )
-		return;
-	m_Curve.SetTangentModes( nPoint, m_Curve.GetTangents( nPoint ).m_nIncomingTangent, CurveTangentMode_t( nMode ) );
-	RebuildHandles();
-	update();
-	AnnounceChange();
+	if ( m_Curve.IsValidIndex( nPoint ) )
+		SetKeyModes( nPoint, m_Curve.GetTangents( nPoint ).m_nIncomingTangent, nMode );
 }
 
 void CQCurveEditorWidget::SetBothTangents( int nPoint, int nMode )
 {
 	if ( !m_Curve.IsValidIndex( nPoint ) || nMode < 0 || nMode >= CURVE_TANGENT_MODE_COUNT )
 		return;
+	// The incoming side first, its slopes settled with the outgoing side as it was; then
+	// the outgoing side. Free on both sides is a free side and a side that mirrors it.
 	m_Curve.SetTangentModes( nPoint, CurveTangentMode_t( nMode ), m_Curve.GetTangents( nPoint ).m_nOutgoingTangent );
-	// Free on both sides is a free side and a side that mirrors it.
-	CurveTangentMode_t eOutgoing = nMode == CURVE_TANGENT_FREE ? CURVE_TANGENT_MIRROR : CurveTangentMode_t( nMode );
-	m_Curve.SetTangentModes( nPoint, CurveTangentMode_t( nMode ), eOutgoing );
-	RebuildHandles();
-	update();
-	AnnounceChange();
+	SetKeyModes( nPoint, nMode, nMode == CURVE_TANGENT_FREE ? CURVE_TANGENT_MIRROR : nMode );
 }
 
 void CQCurveEditorWidget::SetAllTangents( int nMode, bool bIncoming, bool bOutgoing )
@@ -818,14 +824,7 @@ void CQCurveEditorWidget::PasteCurveFromClipboard()
 		GetPrompt()->Warning( "Failed to paste", QStringLiteral( "Error pasting clipboard data: %1" ).arg( error ).toUtf8().constData(), this );
 		return;
 	}
-	if ( m_bMirrored )
-		pasted.FlipVertical( &m_Curve );
-	else
-		m_Curve = pasted;
-	if ( m_Curve.GetKeyCount() == 0 )
-		m_Curve.Reset();
-	m_vViewMin = QPointF( m_Curve.m_vDomainMins.x, m_Curve.m_vDomainMins.y );
-	m_vViewMax = QPointF( m_Curve.m_vDomainMaxs.x, m_Curve.m_vDomainMaxs.y );
+	TakeCurve( pasted );
 	m_nSelectedHandle = -1;
 	UpdateTransform();
 	RebuildHandles();

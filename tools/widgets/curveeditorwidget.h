@@ -123,6 +123,9 @@ protected:
 	void resizeEvent( QResizeEvent *pEvent ) override;
 
 private:
+	// The curve becomes the widget's (flipped when mirrored; the default one when it has
+	// no keys), and its domain the view's.
+	void TakeCurve( const CPiecewiseCurve &curve );
 	void UpdateTransform();
 	void RebuildHandles();
 	// The nearest handle within its radius (earlier on a tie), marking it hovered; -1.
@@ -133,6 +136,8 @@ private:
 	void MoveKey( Qt::KeyboardModifiers modifiers, int nKey, const QPointF &pixelPos );
 	void MoveTangent( const ZolCurveHandle &handle, const QPointF &pixelPos );
 	void AnnounceChange();
+	// Sets both modes of a key, and tells the change; false for a key or mode out of range.
+	bool SetKeyModes( int nPoint, int nIncoming, int nOutgoing );
 	void ShowContextMenu( int nKey, const QPoint &globalPos );
 	void PaintGrid( QPainter &painter );
 	void PaintCurve( QPainter &painter );

@@ -24,7 +24,7 @@
 #include "core/host/propertyeditorsystem.h"
 #include "core/host/scriptedprompt.h"
 #include "core/kv3/keyvalues3.h"
-#include "tests/support/mouseevents.h"
+#include "tests/support/userinput.h"
 #include "tools/toolutils2/fgd/fgdreader.h"
 #include "tools/toolutils2/fgd/gamedata.h"
 #include "tools/toolutils2/fgd/kv3datawithfgdclass.h"
@@ -170,11 +170,7 @@ protected:
 	void Type( QLineEdit *pEdit, const char *pText )
 	{
 		ASSERT_NE( pEdit, nullptr );
-		pEdit->setFocus();
-		pEdit->selectAll();
-		QTest::keyClicks( pEdit, pText );
-		QTest::keyClick( pEdit, Qt::Key_Return );
-		QApplication::processEvents();
+		TypeInto( pEdit, pText );
 	}
 	QToolButton *Button( const char *pRowKey, const char *pName )
 	{

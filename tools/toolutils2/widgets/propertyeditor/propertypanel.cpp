@@ -365,30 +365,17 @@ void CQPropertyPanel::FillChildren( PropertyPanelRow_t *pRow )
 		pRow->m_bDefaultExpanded = nCount <= EXPANDED_ARRAY_LIMIT;
 		for ( int i = 0; i < nCount; ++i )
 		{
-			auto pElement = std::make_unique<PropertyPanelRow_t>();
-			bool bAll = true;
-			for ( const PropEdSpecificAttr_t &target : pRow->m_Targets )
-			{
-				ZolPropertyTarget element;
-				bAll = bAll && m_pDomain->GetArrayElementProperty( target.m_Property, target.m_Path, i, &element );
-				pElement->m_Targets.AddToTail( PropEdSpecificAttr_t{ element, {} } );
-			}
-			if ( !bAll || !m_pDomain->GetPropertyInfo( pElement->m_Targets[ 0 ].m_Property, &pElement->m_Info ) )
+			PropertyPanelRow_t *pElement = AddNestedRow( pRow, PropertyPanelRow_t::KIND_ELEMENT, QStringLiteral( "[%1]" ).arg( i ),
+				[ & ]( const PropEdSpecificAttr_t &target, ZolPropertyTarget *pOut ) { return m_pDomain->GetArrayElementProperty( target.m_Property, target.m_Path, i, pOut ); } );
+			if ( !pElement )
 				continue;
-			pElement->m_eKind = PropertyPanelRow_t::KIND_ELEMENT;
-			pElement->m_Info.m_bReadOnly = pElement->m_Info.m_bReadOnly || info.m_bReadOnly;
 			pElement->m_nElementIndex = i;
-			pElement->m_Key = pRow->m_Key + QStringLiteral( "/[%1]" ).arg( i );
-			pElement->m_Label = QStringLiteral( "[%1]" ).arg( i );
+			// An element that is a table is named after it as well.
 			ZolPropertyTarget nested;
 			CUtlString name;
 			if ( m_pDomain->GetElementTarget( pElement->m_Targets[ 0 ].m_Property, {}, &nested ) && m_pDomain->GetTargetDisplayName( nested, &name ) &&
 				!name.IsEmpty() )
 				pElement->m_Label += QStringLiteral( " " ) + QString::fromUtf8( name.Get() );
-			pElement->m_nDepth = pRow->m_nDepth + 1;
-			pElement->m_pParent = pRow;
-			FillChildren( pElement.get() );
-			pRow->m_Children.push_back( std::move( pElement ) );
 		}
 		return;
 	}
@@ -400,27 +387,17 @@ void CQPropertyPanel::FillChildren( PropertyPanelRow_t *pRow )
 		pRow->m_bIsMap = true;
 		for ( const CUtlString &key : keys )
 		{
-			auto pEntry = std::make_unique<PropertyPanelRow_t>();
-			bool bAll = true;
-			for ( const PropEdSpecificAttr_t &target : pRow->m_Targets )
-			{
-				CUtlVector<CUtlString> ownKeys;
-				m_pDomain->GetMapKeys( target.m_Property, target.m_Path, &ownKeys );
-				ZolPropertyTarget element;
-				bAll = bAll && ownKeys.HasElement( key ) && m_pDomain->GetMapElementProperty( target.m_Property, target.m_Path, key.Get(), &element );
-				pEntry->m_Targets.AddToTail( PropEdSpecificAttr_t{ element, {} } );
-			}
-			if ( !bAll || !m_pDomain->GetPropertyInfo( pEntry->m_Targets[ 0 ].m_Property, &pEntry->m_Info ) )
+			QString mapKey = QString::fromUtf8( key.Get() );
+			PropertyPanelRow_t *pEntry = AddNestedRow( pRow, PropertyPanelRow_t::KIND_MAP_ENTRY, QStringLiteral( "{%1}" ).arg( mapKey ),
+				[ & ]( const PropEdSpecificAttr_t &target, ZolPropertyTarget *pOut ) {
+					CUtlVector<CUtlString> ownKeys;
+					m_pDomain->GetMapKeys( target.m_Property, target.m_Path, &ownKeys );
+					return ownKeys.HasElement( key ) && m_pDomain->GetMapElementProperty( target.m_Property, target.m_Path, key.Get(), pOut );
+				} );
+			if ( !pEntry )
 				continue;
-			pEntry->m_eKind = PropertyPanelRow_t::KIND_MAP_ENTRY;
-			pEntry->m_Info.m_bReadOnly = pEntry->m_Info.m_bReadOnly || info.m_bReadOnly;
-			pEntry->m_MapKey = QString::fromUtf8( key.Get() );
-			pEntry->m_Key = pRow->m_Key + QStringLiteral( "/{%1}" ).arg( pEntry->m_MapKey );
-			pEntry->m_Label = pEntry->m_MapKey;
-			pEntry->m_nDepth = pRow->m_nDepth + 1;
-			pEntry->m_pParent = pRow;
-			FillChildren( pEntry.get() );
-			pRow->m_Children.push_back( std::move( pEntry ) );
+			pEntry->m_MapKey = mapKey;
+			pEntry->m_Label = mapKey;
 		}
 		return;
 	}
@@ -453,6 +430,30 @@ void CQPropertyPanel::FillChildren( PropertyPanelRow_t *pRow )
 		if ( ReadCommonKV3( pRow->m_Targets, &value, &bDiffer ) )
 			AddKV3PartRows( pRow, value );
 	}
+}
+
+PropertyPanelRow_t *CQPropertyPanel::AddNestedRow( PropertyPanelRow_t *pRow, int eKind, const QString &step, const NestedTargetFn_t &fnTarget )
+{
+	auto pChild = std::make_unique<PropertyPanelRow_t>();
+	for ( const PropEdSpecificAttr_t &target : pRow->m_Targets )
+	{
+		ZolPropertyTarget element;
+		if ( !fnTarget( target, &element ) )
+			return nullptr;
+		pChild->m_Targets.AddToTail( PropEdSpecificAttr_t{ element, {} } );
+	}
+	if ( !m_pDomain->GetPropertyInfo( pChild->m_Targets[ 0 ].m_Property, &pChild->m_Info ) )
+		return nullptr;
+	pChild->m_eKind = PropertyPanelRow_t::Kind_t( eKind );
+	pChild->m_Info.m_bReadOnly = pChild->m_Info.m_bReadOnly || pRow->m_Info.m_bReadOnly;
+	pChild->m_Key = pRow->m_Key + '/' + step;
+	pChild->m_Label = step;
+	pChild->m_nDepth = pRow->m_nDepth + 1;
+	pChild->m_pParent = pRow;
+	PropertyPanelRow_t *pAdded = pChild.get();
+	pRow->m_Children.push_back( std::move( pChild ) );
+	FillChildren( pAdded );
+	return pAdded;
 }
 
 void CQPropertyPanel::AddKV3PartRows( PropertyPanelRow_t *pRow, const KeyValues3 &value )
@@ -896,16 +897,6 @@ const PropertyPanelRow_t *CQPropertyPanel::FindRow( const QString &key ) const
 	const PropertyPanelRow_t *pFound = nullptr;
 	ForEachRow( m_Rows, [ & ]( PropertyPanelRow_t *pRow ) {
 		if ( !pFound && pRow->m_Key == key )
-			pFound = pRow;
-	} );
-	return pFound;
-}
-
-const PropertyPanelRow_t *CQPropertyPanel::FindRowByLabel( const QString &label ) const
-{
-	const PropertyPanelRow_t *pFound = nullptr;
-	ForEachRow( m_Rows, [ & ]( PropertyPanelRow_t *pRow ) {
-		if ( !pFound && pRow->m_Label == label )
 			pFound = pRow;
 	} );
 	return pFound;

@@ -17,6 +17,7 @@
 #include <QPointer>
 #include <QWidget>
 
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -63,8 +64,6 @@ public:
 	const PropertyPanelRow_t *FindRow( const QString &key ) const;
 	CQAttributeEditor_Base *FindEditor( const QString &key ) const;
 	CQPropertyRowWidget *FindRowWidget( const QString &key ) const;
-	// Rows by label, the first match depth first.
-	const PropertyPanelRow_t *FindRowByLabel( const QString &label ) const;
 	QStringList GetRowKeys() const;
 	int GetRebuildCount() const { return m_nRebuildCount; }
 	CQWidgetPool *GetPool() const { return m_pPool.get(); }
@@ -104,6 +103,10 @@ private:
 	void BuildModel( RowList_t *pRows );
 	void AddPropertyRows( const CUtlVector<ZolPropertyTarget> &tables, PropertyPanelRow_t *pParent, const QString &keyPrefix, int nDepth, RowList_t *pOut );
 	void FillChildren( PropertyPanelRow_t *pRow );
+	// A nested row of pRow (an element, a map entry) for the property fnTarget gives each
+	// of its targets, with its rows below; null when a target has none.
+	using NestedTargetFn_t = std::function<bool( const PropEdSpecificAttr_t &target, ZolPropertyTarget *pOut )>;
+	PropertyPanelRow_t *AddNestedRow( PropertyPanelRow_t *pRow, int eKind, const QString &step, const NestedTargetFn_t &fnTarget );
 	void AddKV3PartRows( PropertyPanelRow_t *pRow, const KeyValues3 &value );
 	static void SortRows( RowList_t *pRows );
 	static bool SameStructure( const RowList_t &a, const RowList_t &b );

@@ -1,11 +1,14 @@
 #pragma once
-// Mouse and wheel events as a user's hand makes them, sent straight to a widget: drags need
-// the held buttons and modifiers on every move, which QTest's helpers don't carry.
+// Input as a user's hand makes it, sent straight to a widget: mouse drags carry the held
+// buttons and modifiers on every move (which QTest's helpers don't), wheel turns, and text
+// typed into a field.
 
 #include <QApplication>
+#include <QLineEdit>
 #include <QMouseEvent>
 #include <QWheelEvent>
 #include <QWidget>
+#include <QtTest/QTest>
 
 inline void SendMouse( QWidget *pWidget, QEvent::Type eType, const QPoint &pos, Qt::MouseButton eButton, Qt::MouseButtons buttons,
 	Qt::KeyboardModifiers modifiers = Qt::NoModifier )
@@ -29,4 +32,15 @@ inline void SendWheel( QWidget *pWidget, const QPoint &pos, int nDeltaY, Qt::Key
 {
 	QWheelEvent event( QPointF( pos ), QPointF( pWidget->mapToGlobal( pos ) ), QPoint(), QPoint( 0, nDeltaY ), Qt::NoButton, modifiers, Qt::NoScrollPhase, false );
 	QApplication::sendEvent( pWidget, &event );
+}
+
+// Focus, the field's text selected, the text typed over it and Return; then queued work
+// (the zero timers of panels) runs.
+inline void TypeInto( QLineEdit *pEdit, const char *pText )
+{
+	pEdit->setFocus();
+	pEdit->selectAll();
+	QTest::keyClicks( pEdit, pText );
+	QTest::keyClick( pEdit, Qt::Key_Return );
+	QApplication::processEvents();
 }
