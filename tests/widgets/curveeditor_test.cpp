@@ -174,6 +174,21 @@ TEST_F( CurveEditorTest, TangentHandlesFollowTheKeysModes )
 	EXPECT_FALSE( Tangent( ZolCurveHandle::SIDE_OUTGOING )->m_bActive );
 }
 
+TEST_F( CurveEditorTest, SnappingRoundsWhereCtrlOrAltAreHeld )
+{
+	CQCurveEditorWidget::Options_t options = m_Widget.GetOptions();
+	options.m_bSnap = true;
+	m_Widget.SetOptions( options );
+	// Alt snaps y, to tenths on an axis that shows one unit; x stays where it was dragged.
+	DragMouse( &m_Widget, KeyPos( 1 ), m_Widget.CurveToScreen( 1.23, 0.43 ).toPoint(), Qt::LeftButton, Qt::AltModifier );
+	EXPECT_NEAR( m_Widget.GetShownCurve().GetKey( 1 ).x, 1.23, 0.01 );
+	EXPECT_NEAR( m_Widget.GetShownCurve().GetKey( 1 ).y, 0.4, 1e-6 );
+	// Ctrl snaps x, to whole numbers on an axis that shows three.
+	DragMouse( &m_Widget, KeyPos( 1 ), m_Widget.CurveToScreen( 1.4, 0.66 ).toPoint(), Qt::LeftButton, Qt::ControlModifier );
+	EXPECT_NEAR( m_Widget.GetShownCurve().GetKey( 1 ).x, 1.0, 1e-6 );
+	EXPECT_NEAR( m_Widget.GetShownCurve().GetKey( 1 ).y, 0.66, 0.01 );
+}
+
 TEST_F( CurveEditorTest, ShiftAddsKeysAndDeleteRemovesTheSelectedOne )
 {
 	QSignalSpy updated( &m_Widget, &CQCurveEditorWidget::OnCurveUpdated );

@@ -236,6 +236,14 @@ TEST_F( PropertyPanelTest, TypingWritesOneStepAndTextThatIsNoNumberIsRefused )
 	EXPECT_EQ( m_Listener.m_nSteps, 1 );
 	EXPECT_EQ( m_Prompt.GetBeepCount(), 1 );
 
+	// Escape puts back what the user typed but didn't give.
+	pCount->setFocus();
+	pCount->selectAll();
+	QTest::keyClicks( pCount, "40" );
+	QTest::keyClick( pCount, Qt::Key_Escape );
+	EXPECT_EQ( pCount->text(), QStringLiteral( "12" ) );
+	EXPECT_EQ( m_Listener.m_nSteps, 1 );
+
 	// The slider's field refuses alike; a number goes through, one step.
 	CQSmartLineEdit *pRate = Plain( "m_flRate" )->GetSlider()->GetLineEdit();
 	Type( pRate, "hot" );
