@@ -287,3 +287,23 @@ TEST_F( PropertyPanelAppTest, AVariableKnowsTheDomainAndItsTypeChangeMakesItsRow
 	EXPECT_EQ( Plain( "m_DefaultConfig/m_ConfigValue" )->GetKind(), CQAttributeEditor_DomainAgnostic::KIND_LINE_EDIT );
 }
 } // namespace
+
+namespace
+{
+TEST_F( PropertyPanelAppTest, TextTypedButNotEnteredGoesToItsFunctionWhenAnotherIsClicked )
+{
+	ASSERT_NE( OpenShown( "particles/samples/fire.tfxs" ), nullptr );
+	Select( PARTICLE_FUNCTION_EMITTER, 0 );
+	QLineEdit *pRate = Plain( "m_flEmitRate/m_flLiteralValue" )->GetLineEdit();
+	pRate->setFocus();
+	pRate->selectAll();
+	QTest::keyClicks( pRate, "70" );
+	const int nSteps = UndoSteps();
+	// The click moves the focus first: the field gives its text to the emitter it shows.
+	Select( PARTICLE_FUNCTION_INITIALIZER, 0 );
+	EXPECT_DOUBLE_EQ( EmitRate(), 70.0 );
+	EXPECT_EQ( UndoSteps(), nSteps + 2 ) << "the edit, then the selection";
+	EXPECT_EQ( Panel()->GetTitleLabel()->text(), QStringLiteral( "Create Within Sphere" ) );
+	EXPECT_TRUE( Panel()->GetRowKeys().contains( "m_fRadiusMax" ) );
+}
+} // namespace
