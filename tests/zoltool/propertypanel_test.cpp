@@ -36,6 +36,8 @@
 #include "zoldoc_lib/zoldefinitiondiff.h"
 #include "zoldoc_lib/zoldoc.h"
 #include "zoldoc_lib/zolnode.h"
+#include "core/host/ipropertyeditorsystem.h"
+#include "pulse_runtime_lib/valuetypes/pulsevaluefulltype.h"
 #include "zoldoc_lib/izolnodevariablecontext.h"
 #include "zoldoc_lib/zolrootnode.h"
 
@@ -285,6 +287,21 @@ TEST_F( PropertyPanelAppTest, AVariableKnowsTheDomainAndItsTypeChangeMakesItsRow
 	Doc()->Undo();
 	QApplication::processEvents();
 	EXPECT_EQ( Plain( "m_DefaultConfig/m_ConfigValue" )->GetKind(), CQAttributeEditor_DomainAgnostic::KIND_LINE_EDIT );
+
+	// The domain lists the file's variables for the pickers, and stands registered.
+	CZolKV3PropertyDomain *pDomain = m_pWindow->GetPropertyDomain();
+	EXPECT_TRUE( GetPropertyEditorSystem()->IsPropertyDomainRegistered( pDomain ) );
+	QComboBox picker;
+	picker.setEditable( true );
+	pDomain->FillVariableCombo( &picker, CPulseValueFullType( PVAL_FLOAT ) );
+	EXPECT_FALSE( picker.isEditable() );
+	ASSERT_EQ( picker.count(), 1 );
+	EXPECT_EQ( picker.itemText( 0 ), QStringLiteral( "FireHeight" ) );
+	EXPECT_FALSE( picker.itemData( 0, Qt::ToolTipRole ).toString().isEmpty() );
+	EXPECT_TRUE( CZolKV3PropertyDomain::SelectVariableInCombo( &picker, "FireHeight" ) );
+	EXPECT_FALSE( CZolKV3PropertyDomain::SelectVariableInCombo( &picker, "Missing" ) );
+	pDomain->FillVariableCombo( &picker, CPulseValueFullType( PVAL_VEC3 ) );
+	EXPECT_EQ( picker.count(), 0 ) << "a float doesn't fit a vector";
 }
 } // namespace
 

@@ -496,3 +496,32 @@ TEST_F( PropertyPanelTest, CurvesAreEditedWithTheCurveEditorOneStepPerDrag )
 	EXPECT_NEAR( pExtra->FindMember( "m_Curve" )->FindMember( "m_spline" )->GetArrayElement( 0 )->GetMemberDouble( "y" ), 0.25, 0.02 );
 }
 } // namespace
+
+namespace
+{
+TEST_F( PropertyPanelTest, FoldedRowsStayFoldedThroughRebuildsAndTheWindowsSettings )
+{
+	CQPropertyRowWidget *pLook = m_pPanel->FindRowWidget( "@Look" );
+	ASSERT_NE( pLook, nullptr );
+	EXPECT_TRUE( m_pPanel->FindRowWidget( "m_Tint" )->isVisible() );
+	pLook->GetExpander()->click();
+	EXPECT_FALSE( m_pPanel->FindRowWidget( "m_Tint" )->isVisible() );
+	EXPECT_TRUE( m_pPanel->FindRowWidget( "m_Name" )->isVisible() ) << "other groups stay open";
+	Show( { 1 } );
+	EXPECT_FALSE( m_pPanel->FindRowWidget( "m_Tint" )->isVisible() ) << "a rebuild keeps what was folded";
+
+	KeyValues3 settings;
+	m_pPanel->SaveSettings( &settings );
+	CQPropertyPanel other;
+	other.SetDomain( &m_Domain );
+	other.RestoreSettings( &settings );
+	CUtlVector<ZolPropertyTarget> targets;
+	targets.AddToTail( ZolPropertyTarget{ m_Data[ 0 ]->GetHandle(), nullptr } );
+	other.SetTargets( targets );
+	other.show();
+	QApplication::processEvents();
+	ASSERT_NE( other.FindRowWidget( "m_Tint" ), nullptr );
+	EXPECT_FALSE( other.FindRowWidget( "m_Tint" )->isVisible() );
+	EXPECT_TRUE( other.FindRowWidget( "m_Name" )->isVisible() );
+}
+} // namespace

@@ -1,5 +1,8 @@
 #include "tools/zol/editor/properties/zolkv3propertydomain.h"
 
+#include <QComboBox>
+#include <QSignalBlocker>
+
 #include <cstring>
 
 #include "core/host/ipropertyeditorsystem.h"
@@ -50,6 +53,28 @@ void CZolKV3PropertyDomain::SetSession( CZolSession *pSession )
 	m_pSession = pSession;
 	SetSource( pSession, pSession ? pSession->GetControlPointState() : nullptr );
 	ClearNamedValueCache();
+}
+
+void CZolKV3PropertyDomain::FillVariableCombo( QComboBox *pCombo, const CPulseValueFullType &type )
+{
+	const QSignalBlocker blocker( pCombo );
+	pCombo->clear();
+	pCombo->setEditable( false );
+	CUtlVector<ToolAttrGenericChoice_t> choices;
+	GetCompatibleVariables( type, &choices );
+	for ( const ToolAttrGenericChoice_t &choice : choices )
+	{
+		pCombo->addItem( QString::fromUtf8( choice.m_Value.Get() ) );
+		pCombo->setItemData( pCombo->count() - 1, QString::fromUtf8( choice.m_Description.Get() ), Qt::ToolTipRole );
+	}
+}
+
+bool CZolKV3PropertyDomain::SelectVariableInCombo( QComboBox *pCombo, const char *pName )
+{
+	const QSignalBlocker blocker( pCombo );
+	int nIndex = pCombo->findText( QString::fromUtf8( pName ? pName : "" ) );
+	pCombo->setCurrentIndex( nIndex );
+	return nIndex >= 0;
 }
 
 bool CZolKV3PropertyDomain::IsFieldHidden( IBaseToolAttr *pAttr ) const

@@ -10,7 +10,9 @@
 #include "tools/toolutils2/toolattr_propertydomain/toolattrpropertydomain.h"
 #include "zoldoc_lib/zolnamedvaluecontext.h"
 
+class CPulseValueFullType;
 class CZolSession;
+class QComboBox;
 
 class CZolKV3PropertyDomain : public CToolAttrPropertyDomain, public IToolAttrDomainListener, public CZolNamedValueContext
 {
@@ -23,6 +25,12 @@ public:
 	// The session shown; the family of named values is read anew for it.
 	void SetSession( CZolSession *pSession );
 	CZolSession *GetSession() const { return m_pSession; }
+
+	// The variable pickers' lists: the box is emptied and made non-editable, then holds
+	// the current file's variables that fit the type, each with its type as tool tip.
+	void FillVariableCombo( QComboBox *pCombo, const CPulseValueFullType &type );
+	// Selects the variable of that name, telling no one; false when the box hasn't it.
+	static bool SelectVariableInCombo( QComboBox *pCombo, const char *pName );
 
 	// The version rule: a field with "particle_min_version" above the document's version,
 	// or "particle_max_version" below it, is not the document's. False without a session.
