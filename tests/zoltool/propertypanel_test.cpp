@@ -324,3 +324,28 @@ TEST_F( PropertyPanelAppTest, TextTypedButNotEnteredGoesToItsFunctionWhenAnother
 	EXPECT_TRUE( Panel()->GetRowKeys().contains( "m_fRadiusMax" ) );
 }
 } // namespace
+
+namespace
+{
+TEST_F( PropertyPanelAppTest, ADeletedFunctionLeavesThePanelAndUndoBringsItBack )
+{
+	CZolSession *pSession = OpenShown( "particles/samples/fire.tfxs" );
+	ASSERT_NE( pSession, nullptr );
+	Select( PARTICLE_FUNCTION_OPERATOR, 3 );
+	ASSERT_TRUE( Panel()->GetRowKeys().contains( "m_flFadeOutTime" ) );
+	ASSERT_TRUE( pSession->DeleteSelection() );
+	QApplication::processEvents();
+	EXPECT_FALSE( Panel()->GetRowKeys().contains( "m_flFadeOutTime" ) );
+	// What the panel shows now is the document's: its fields read and write.
+	for ( const QString &key : Panel()->GetRowKeys() )
+	{
+		if ( CQAttributeEditor_Base *pEditor = Panel()->FindEditor( key ) )
+			pEditor->ReadFromAttribute();
+	}
+	Doc()->Undo();
+	QApplication::processEvents();
+	Select( PARTICLE_FUNCTION_OPERATOR, 3 );
+	EXPECT_TRUE( Panel()->GetRowKeys().contains( "m_flFadeOutTime" ) );
+	EXPECT_EQ( Plain( "m_flFadeOutTime" )->GetSlider()->GetLineEdit()->text(), QStringLiteral( "0.5" ) );
+}
+} // namespace
