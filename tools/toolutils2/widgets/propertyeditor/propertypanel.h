@@ -24,6 +24,7 @@
 #include "tools/toolutils2/widgets/propertyeditor/attributeeditorbase.h"
 #include "tools/toolutils2/widgets/propertyeditor/propertypanelrow.h"
 
+class CPropertyAttributeEditorFactoryBase;
 class CQWidgetPool;
 class KeyValues3;
 class QLabel;
@@ -134,7 +135,18 @@ private:
 	void BeginPanelEdit( const PropertyPanelRow_t *pRow );
 	void EndPanelEdit( const PropertyPanelRow_t *pRow, int nModifyType );
 
-	template <typename Fn> void ForEachRow( const RowList_t &rows, Fn &&fn ) const;
+	// Calls fn on every row, depth first.
+	template <typename Fn> void ForEachRow( const RowList_t &rows, Fn &&fn ) const
+	{
+		for ( const std::unique_ptr<PropertyPanelRow_t> &pRow : rows )
+		{
+			fn( pRow.get() );
+			ForEachRow( pRow->m_Children, fn );
+		}
+	}
+	static void ParseEditorSpec( const CUtlString &spec, QString *pName, QString *pArgument );
+	// The factory registered under the editor name, or null.
+	static CPropertyAttributeEditorFactoryBase *FindFactory( const QString &name );
 
 	IPropertyEditDomain *m_pDomain = nullptr;
 	CUtlVector<ZolPropertyTarget> m_Targets;
