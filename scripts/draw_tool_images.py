@@ -357,7 +357,68 @@ def tangent_mode(kind):
     return c
 
 
+# The live preview's tool bar.
+PLAY = rgb(60, 170, 70)
+STOP = rgb(200, 60, 50)
+GLYPH = rgb(70, 70, 80)
+CAMERA_BLUE = rgb(50, 110, 200)
+
+
+def preview_icon(kind):
+    c = Canvas(16, 16)
+    if kind == "play":
+        c.polygon([(4, 2.5), (13.5, 8), (4, 13.5)], PLAY)
+    elif kind == "pause":
+        c.rect(3.5, 2.5, 6.5, 13.5, GLYPH)
+        c.rect(9.5, 2.5, 12.5, 13.5, GLYPH)
+    elif kind == "first":
+        # Back to the start: a bar and a triangle pointing at it.
+        c.rect(2.5, 2.5, 4.5, 13.5, GLYPH)
+        c.polygon([(13.5, 2.5), (5, 8), (13.5, 13.5)], PLAY)
+    elif kind == "stop":
+        c.rect(3, 3, 13, 13, STOP)
+    elif kind == "reload":
+        c.ring(8, 8, 4.8, 2.4, CAMERA_BLUE)
+        c.polygon([(10.5, 1.5), (15, 5.5), (9.5, 7)], CAMERA_BLUE)
+    elif kind == "warning":
+        c.polygon([(8, 1), (15.5, 15), (0.5, 15)], rgb(240, 200, 40))
+        c.rect(7.2, 5, 8.8, 10.5, GLYPH)
+        c.rect(7.2, 12, 8.8, 13.5, GLYPH)
+    elif kind == "restart_global":
+        # Restart, everywhere: the restart glyph on a globe.
+        c.circle(8, 8, 7, CAMERA_BLUE)
+        c.rect(4, 4.5, 5.5, 11.5, WHITE)
+        c.polygon([(12, 4.5), (6.5, 8), (12, 11.5)], WHITE)
+    elif kind == "stop_with_endcap":
+        c.rect(2, 4, 10, 12, STOP)
+        c.circle(12.5, 5, 3, rgb(235, 140, 40))
+    elif kind == "reset_cam":
+        c.rect(1.5, 5, 11, 13, GLYPH)
+        c.polygon([(11, 8), (15, 5.5), (15, 12.5), (11, 10)], GLYPH)
+        c.circle(6.2, 9, 2, CAMERA_BLUE)
+    elif kind == "move_cam_to_origin":
+        c.ring(8, 8, 5.25, 1.5, GLYPH)
+        c.rect(7.3, 0.5, 8.7, 15.5, STOP)
+        c.rect(0.5, 7.3, 15.5, 8.7, PLAY)
+    return c
+
+
+def detail_level_icon(level):
+    # Four bars, as many lit as the level is high.
+    c = Canvas(16, 16)
+    for i in range(4):
+        c.rect(1.5 + i * 3.6, 12.5 - i * 3.0, 4.3 + i * 3.6, 14.5, PLAY if i <= level else rgb(190, 190, 195))
+    return c
+
+
 def main():
+    for kind, path in (("play", "common/control_play_sm.png"), ("pause", "common/control_pause_sm.png"), ("first", "common/control_first_sm.png"),
+                       ("stop", "common/control_stop_sm.png"), ("reload", "common/reload_sm.png"), ("warning", "common/generic_hud_warning.png"),
+                       ("restart_global", "zol/restart_global.png"), ("stop_with_endcap", "zol/stop_with_endcap.png"), ("reset_cam", "zol/reset_cam.png"),
+                       ("move_cam_to_origin", "zol/move_cam_to_origin.png")):
+        preview_icon(kind).save(path)
+    for level, name in enumerate(("Low", "Medium", "High", "Ultra")):
+        detail_level_icon(level).save("zol/detail_level_%s.png" % name)
     plus_badge(rgb(64, 128, 160)).save("common/add_sm.png")
     plus_badge(rgb(82, 150, 64)).save("common/add_sm_green.png")
     remove_cross().save("common/remove_sm.png")

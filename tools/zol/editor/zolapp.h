@@ -71,7 +71,8 @@ public:
 	// IBindTarget: the commands of context "ZolApp" (zolappcommands.cpp).
 	const CBindTargetDescriptorBase *GetBindTargetDescriptor() const override;
 
-	// The preview commands; the preview isn't part of the editor yet, so each tells the log.
+	// The preview commands: they run on the main window's preview (without a window, the
+	// log says that none runs).
 	void RestartPreview();
 	void RestartGlobal();
 	void StopSimulation( bool bPlayEndCaps );

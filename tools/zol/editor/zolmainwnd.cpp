@@ -18,9 +18,10 @@
 #include "tools/widgets/assetthumbnail.h"
 #include "tools/zol/editor/functionlist/particlefunctionlist.h"
 #include "tools/zol/editor/functionlist/particlesystemthumbnail.h"
+#include "tools/toolutils2/widgets/propertyeditor/propertypanel.h"
+#include "tools/zol/editor/particlepreview.h"
 #include "tools/zol/editor/properties/zolkv3propertydomain.h"
 #include "tools/zol/editor/properties/zolpropertywidget.h"
-#include "tools/toolutils2/widgets/propertyeditor/propertypanel.h"
 #include "tools/zol/editor/zolapp.h"
 #include "tools/zol/editor/zolsession.h"
 #include "zoldoc_lib/zoldoc.h"
@@ -69,9 +70,9 @@ void CQZolMainWnd::CreateChildren()
 	setDockNestingEnabled( true );
 	setAnimated( false );
 
-	m_pPreviewPlaceholder = MakePanelPlaceholder( "Preview" );
-	m_pPreviewPlaceholder->setMinimumSize( 320, 240 );
-	ReplaceMdiArea( m_pPreviewPlaceholder );
+	m_pPreview = new CQParticlePreview();
+	m_pPreview->setMinimumSize( 320, 240 );
+	ReplaceMdiArea( m_pPreview );
 
 	m_pUndoHistoryWidget = new CQUndoHistoryWidget();
 	m_pDomain = std::make_unique<CZolKV3PropertyDomain>();
@@ -233,6 +234,8 @@ void CQZolMainWnd::UpdateEditMenu()
 void CQZolMainWnd::RunFrame()
 {
 	++m_nFrameCount;
+	if ( m_pPreview )
+		m_pPreview->Update();
 }
 
 void CQZolMainWnd::SessionActivated( CZolSession *, CZolSession *pNew )

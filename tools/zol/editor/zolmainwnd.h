@@ -10,6 +10,7 @@
 #include "tools/toolutils2/widgets/baseeditorwnd/baseeditormdiwnd.h"
 
 class CQParticleFunctionList;
+class CQParticlePreview;
 class CQZolPropertyWidget;
 class CZolKV3PropertyDomain;
 class CQUndoHistoryWidget;
@@ -36,6 +37,8 @@ public:
 	void OnSessionFileChanged( CZolSession *pSession );
 	void ResetLayout();
 
+	// The live preview in the middle.
+	CQParticlePreview *GetPreview() const { return m_pPreview; }
 	CQParticleFunctionList *GetFunctionList() const { return m_pFunctionList; }
 	QDockWidget *GetFunctionDock() const { return m_pFunctionDock; }
 	CQZolPropertyWidget *GetPropertyWidget() const { return m_pPropertyWidget; }
@@ -95,7 +98,7 @@ private:
 	QAction *m_EditActions[ EDIT_ACTION_COUNT ] = {};
 	CBindTargetProxy m_SessionTarget;
 	CQUndoHistoryWidget *m_pUndoHistoryWidget = nullptr;
-	QLabel *m_pPreviewPlaceholder = nullptr;
+	CQParticlePreview *m_pPreview = nullptr;
 	QAction *m_pOpenDirectoryAction = nullptr;
 	QAction *m_pSaveAllAction = nullptr;
 	QAction *m_pCloseAllAction = nullptr;
