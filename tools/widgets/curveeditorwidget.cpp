@@ -415,27 +415,28 @@ void CQCurveEditorWidget::OnMouseDrag( QMouseEvent *pEvent, Qt::MouseButtons, co
 		update();
 		return;
 	}
+	if ( MoveSelectedHandle( pEvent->modifiers(), pos ) )
+		update();
+}
+
+bool CQCurveEditorWidget::MoveSelectedHandle( Qt::KeyboardModifiers modifiers, const QPoint &pos )
+{
 	if ( m_nSelectedHandle < 0 || m_nSelectedHandle >= int( m_Handles.size() ) )
-		return;
+		return false;
 	ZolCurveHandle handle = m_Handles[ m_nSelectedHandle ];
 	if ( handle.m_nSide == ZolCurveHandle::SIDE_KEY )
-		MoveKey( pEvent->modifiers(), handle.m_nKey, pos );
+		MoveKey( modifiers, handle.m_nKey, pos );
 	else
 		MoveTangent( handle, pos );
-	update();
+	return true;
 }
 
 void CQCurveEditorWidget::OnMouseDragEnd( QMouseEvent *pEvent, Qt::MouseButtons buttons, const QPoint &, const QPoint &pos )
 {
 	if ( !m_bPanning && !( buttons & Qt::RightButton ) )
 	{
-		if ( m_nSelectedHandle < 0 || m_nSelectedHandle >= int( m_Handles.size() ) )
+		if ( !MoveSelectedHandle( pEvent->modifiers(), pos ) )
 			return;
-		ZolCurveHandle handle = m_Handles[ m_nSelectedHandle ];
-		if ( handle.m_nSide == ZolCurveHandle::SIDE_KEY )
-			MoveKey( pEvent->modifiers(), handle.m_nKey, pos );
-		else
-			MoveTangent( handle, pos );
 		RebuildHandles();
 		update();
 		AnnounceChange();

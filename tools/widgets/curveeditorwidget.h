@@ -133,6 +133,8 @@ private:
 	// The first active handle within its radius, in order; -1.
 	int PressTest( const QPointF &pos ) const;
 	QPointF Snap( const QPointF &curvePos, Qt::KeyboardModifiers modifiers ) const;
+	// Moves the selected key or tangent to the pointer; false without a selection.
+	bool MoveSelectedHandle( Qt::KeyboardModifiers modifiers, const QPoint &pos );
 	void MoveKey( Qt::KeyboardModifiers modifiers, int nKey, const QPointF &pixelPos );
 	void MoveTangent( const ZolCurveHandle &handle, const QPointF &pixelPos );
 	void AnnounceChange();

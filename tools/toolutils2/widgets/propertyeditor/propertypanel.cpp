@@ -38,6 +38,22 @@ bool SameTarget( const ZolPropertyTarget &a, const ZolPropertyTarget &b )
 		a.m_hTable.m_nTypeTag == b.m_hTable.m_nTypeTag && a.m_hTable.m_pNotifyRoot == b.m_hTable.m_pNotifyRoot;
 }
 
+// The "+" of an array or map row.
+QToolButton *MakeAddButton( QWidget *pParent, const QString &objectName, const QString &toolTip )
+{
+	QToolButton *pAdd = new QToolButton( pParent );
+	pAdd->setObjectName( objectName );
+	pAdd->setAutoRaise( true );
+	pAdd->setFocusPolicy( Qt::NoFocus );
+	pAdd->setToolTip( toolTip );
+	QIcon icon( ICON_ADD );
+	if ( icon.pixmap( 16, 16 ).isNull() )
+		pAdd->setText( QStringLiteral( "+" ) );
+	else
+		pAdd->setIcon( icon );
+	return pAdd;
+}
+
 // Text that a short button shows when its picture is missing.
 QString FallbackText( const CUtlString &command )
 {
@@ -360,16 +376,7 @@ QWidget *CQPropertyPanel::MakeArraySummary( PropertyPanelRow_t *pRow )
 	pLayout->addStretch( 1 );
 	if ( pRow->m_bArrayResizable && pRow->m_nArrayCount >= 0 )
 	{
-		QToolButton *pAdd = new QToolButton( pSummary );
-		pAdd->setObjectName( QStringLiteral( "AddElement" ) );
-		pAdd->setAutoRaise( true );
-		pAdd->setFocusPolicy( Qt::NoFocus );
-		pAdd->setToolTip( QStringLiteral( "Add an element at the end" ) );
-		QIcon icon( ICON_ADD );
-		if ( icon.pixmap( 16, 16 ).isNull() )
-			pAdd->setText( QStringLiteral( "+" ) );
-		else
-			pAdd->setIcon( icon );
+		QToolButton *pAdd = MakeAddButton( pSummary, QStringLiteral( "AddElement" ), QStringLiteral( "Add an element at the end" ) );
 		const QString key = pRow->m_Key;
 		const int nCount = pRow->m_nArrayCount;
 		connect( pAdd, &QToolButton::clicked, this, [ this, key, nCount ]() { ModifyRowArray( key, PROPED_ARRAY_INSERT, nCount ); } );
@@ -393,15 +400,7 @@ QWidget *CQPropertyPanel::MakeMapSummary( PropertyPanelRow_t *pRow )
 		pKey->setObjectName( QStringLiteral( "NewKey" ) );
 		pKey->setPlaceholderText( QStringLiteral( "New key" ) );
 		pLayout->addWidget( pKey, 1 );
-		QToolButton *pAdd = new QToolButton( pSummary );
-		pAdd->setObjectName( QStringLiteral( "AddEntry" ) );
-		pAdd->setAutoRaise( true );
-		pAdd->setToolTip( QStringLiteral( "Add an entry under the new key" ) );
-		QIcon icon( ICON_ADD );
-		if ( icon.pixmap( 16, 16 ).isNull() )
-			pAdd->setText( QStringLiteral( "+" ) );
-		else
-			pAdd->setIcon( icon );
+		QToolButton *pAdd = MakeAddButton( pSummary, QStringLiteral( "AddEntry" ), QStringLiteral( "Add an entry under the new key" ) );
 		const QString key = pRow->m_Key;
 		auto add = [ this, key, pKey ]() {
 			QString newKey = pKey->text().trimmed();
