@@ -10,8 +10,11 @@ ninja -C build/release
 zol=build/release/bin/zol
 
 mapfile -t samples < <(find content/content -name '*.tfxs' | sort)
+# The editor opens on a sample (the content also ships the error system, shown in place of
+# a missing one).
+first_sample=$(find content/content/particles/samples -name '*.tfxs' | sort | head -n 1)
 if [[ -n "${DISPLAY:-}" && -z "${ZOL_HEADLESS:-}" ]]; then
-  exec "$zol" "${samples[0]}"
+  exec "$zol" "$first_sample"
 fi
 
 mapfile -t fgds < <(find content/game -name '*.fgd' | sort)
@@ -25,6 +28,8 @@ for f in "${samples[@]}"; do
   "$zol" sim "$f" --seconds 3
 done
 if command -v xvfb-run >/dev/null; then
-  echo "== the editor window on ${samples[0]} (offscreen, build/release/zol.png)"
-  xvfb-run -a "$zol" --screenshot build/release/zol.png "${samples[0]}" && echo "wrote build/release/zol.png"
+  echo "== the editor window on $first_sample (offscreen, build/release/zol.png)"
+  xvfb-run -a "$zol" --screenshot build/release/zol.png "$first_sample" && echo "wrote build/release/zol.png"
+  echo "== zol render $first_sample --at 1 (build/release/render.png)"
+  xvfb-run -a "$zol" render "$first_sample" --at 1 --out build/release/render.png
 fi

@@ -32,6 +32,9 @@ public:
 	virtual bool DestroyObject( ISceneObject *pObject ) = 0;
 	virtual int GetObjectCount() const = 0;
 	virtual ISceneObject *GetObject( int nIndex ) const = 0;
+	// The world's clock: what its objects animate against.
+	virtual void SetTime( float flTime ) = 0;
+	virtual float GetTime() const = 0;
 
 protected:
 	~ISceneWorld() = default;

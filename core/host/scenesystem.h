@@ -40,10 +40,13 @@ public:
 	bool DestroyObject( ISceneObject *pObject ) override;
 	int GetObjectCount() const override { return int( m_Objects.size() ); }
 	ISceneObject *GetObject( int nIndex ) const override;
+	void SetTime( float flTime ) override { m_flTime = flTime; }
+	float GetTime() const override { return m_flTime; }
 
 private:
 	CUtlString m_strName;
 	std::vector<std::unique_ptr<CSceneObject>> m_Objects;
+	float m_flTime = 0.0f;
 };
 
 class CSceneSystem final : public ISceneSystem

@@ -11,7 +11,7 @@ constexpr int NODE_KIND_COUNT = int( sizeof( s_NodeKinds ) / sizeof( s_NodeKinds
 
 } // namespace
 
-IToolSceneNode *CToolSceneNode::GetChild( int nIndex ) const
+IToolSceneNode *CHostToolSceneNode::GetChild( int nIndex ) const
 {
 	return nIndex >= 0 && nIndex < int( m_Children.size() ) ? m_Children[ size_t( nIndex ) ].get() : nullptr;
 }
@@ -34,7 +34,7 @@ bool CToolSceneNodeFactory::Holds( const IToolSceneNode *pNode ) const
 	const IToolSceneNode *pTop = pNode;
 	while ( pTop->GetParent() )
 		pTop = pTop->GetParent();
-	return std::any_of( m_Roots.begin(), m_Roots.end(), [ pTop ]( const std::unique_ptr<CToolSceneNode> &p ) { return p.get() == pTop; } );
+	return std::any_of( m_Roots.begin(), m_Roots.end(), [ pTop ]( const std::unique_ptr<CHostToolSceneNode> &p ) { return p.get() == pTop; } );
 }
 
 IToolSceneNode *CToolSceneNodeFactory::CreateNode( const char *pKind, const char *pName, IToolSceneNode *pParent )
@@ -47,9 +47,9 @@ IToolSceneNode *CToolSceneNodeFactory::CreateNode( const char *pKind, const char
 	}
 	if ( !pKnownKind || ( pParent && !Holds( pParent ) ) )
 		return nullptr;
-	CToolSceneNode *pParentNode = static_cast<CToolSceneNode *>( pParent );
-	std::vector<std::unique_ptr<CToolSceneNode>> &siblings = pParentNode ? pParentNode->m_Children : m_Roots;
-	siblings.push_back( std::make_unique<CToolSceneNode>( pKnownKind, pName ? pName : "", pParentNode ) );
+	CHostToolSceneNode *pParentNode = static_cast<CHostToolSceneNode *>( pParent );
+	std::vector<std::unique_ptr<CHostToolSceneNode>> &siblings = pParentNode ? pParentNode->m_Children : m_Roots;
+	siblings.push_back( std::make_unique<CHostToolSceneNode>( pKnownKind, pName ? pName : "", pParentNode ) );
 	return siblings.back().get();
 }
 
@@ -57,9 +57,9 @@ bool CToolSceneNodeFactory::DestroyNode( IToolSceneNode *pNode )
 {
 	if ( !Holds( pNode ) )
 		return false;
-	CToolSceneNode *pParent = static_cast<CToolSceneNode *>( pNode->GetParent() );
-	std::vector<std::unique_ptr<CToolSceneNode>> &siblings = pParent ? pParent->m_Children : m_Roots;
-	auto it = std::find_if( siblings.begin(), siblings.end(), [ pNode ]( const std::unique_ptr<CToolSceneNode> &p ) { return p.get() == pNode; } );
+	CHostToolSceneNode *pParent = static_cast<CHostToolSceneNode *>( pNode->GetParent() );
+	std::vector<std::unique_ptr<CHostToolSceneNode>> &siblings = pParent ? pParent->m_Children : m_Roots;
+	auto it = std::find_if( siblings.begin(), siblings.end(), [ pNode ]( const std::unique_ptr<CHostToolSceneNode> &p ) { return p.get() == pNode; } );
 	if ( it == siblings.end() )
 		return false;
 	siblings.erase( it );

@@ -7,10 +7,10 @@
 #include "core/host/itoolscenenodefactory.h"
 #include "core/text/utlstring.h"
 
-class CToolSceneNode final : public IToolSceneNode
+class CHostToolSceneNode final : public IToolSceneNode
 {
 public:
-	CToolSceneNode( const char *pKind, const char *pName, CToolSceneNode *pParent ) : m_pKind( pKind ), m_strName( pName ), m_pParent( pParent ) {}
+	CHostToolSceneNode( const char *pKind, const char *pName, CHostToolSceneNode *pParent ) : m_pKind( pKind ), m_strName( pName ), m_pParent( pParent ) {}
 	const char *GetKindName() const override { return m_pKind; }
 	const char *GetName() const override { return m_strName.Get(); }
 	IToolSceneNode *GetParent() const override { return m_pParent; }
@@ -21,8 +21,8 @@ private:
 	friend class CToolSceneNodeFactory;
 	const char *m_pKind;
 	CUtlString m_strName;
-	CToolSceneNode *m_pParent;
-	std::vector<std::unique_ptr<CToolSceneNode>> m_Children;
+	CHostToolSceneNode *m_pParent;
+	std::vector<std::unique_ptr<CHostToolSceneNode>> m_Children;
 };
 
 class CToolSceneNodeFactory final : public IToolSceneNodeFactory
@@ -37,5 +37,5 @@ public:
 private:
 	bool Holds( const IToolSceneNode *pNode ) const;
 
-	std::vector<std::unique_ptr<CToolSceneNode>> m_Roots;
+	std::vector<std::unique_ptr<CHostToolSceneNode>> m_Roots;
 };

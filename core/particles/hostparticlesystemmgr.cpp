@@ -1,9 +1,14 @@
 #include "core/particles/hostparticlesystemmgr.h"
 
+#include <algorithm>
 #include <cstring>
 #include <string>
 
 #include "core/kv3/keyvalues3.h"
+#include "core/logging/logonce.h"
+#include "core/particles/particlesystemresource.h"
+#include "core/particles/sim/iparticlecollection.h"
+#include "core/text/strtools.h"
 #include "core/particles/particleattributes.h"
 #include "core/particles/particlebehaviorversion.h"
 #include "core/particles/particlefunctionclasses.h"
@@ -201,9 +206,74 @@ void CHostParticleSystemMgr::GetFunctionInfo( const KeyValues3 *pFunction, Parti
 	}
 }
 
-IParticleSystemMgr *HostParticleSystemMgr()
+IParticleCollection *CHostParticleSystemMgr::CreateParticleCollection( const std::shared_ptr<const CParticleRuntimeDefinition> &pDefinition, uint64_t nSeed )
+{
+	if ( !pDefinition )
+		return nullptr;
+	IParticleCollection *pCollection = ::CreateParticleCollection( pDefinition, nSeed ).release();
+	std::lock_guard lock( m_CollectionsMutex );
+	m_Collections.push_back( pCollection );
+	return pCollection;
+}
+
+void CHostParticleSystemMgr::DestroyParticleCollection( IParticleCollection *pCollection )
+{
+	if ( !pCollection )
+		return;
+	{
+		std::lock_guard lock( m_CollectionsMutex );
+		auto it = std::find( m_Collections.begin(), m_Collections.end(), pCollection );
+		if ( it == m_Collections.end() )
+			return;
+		*it = m_Collections.back();
+		m_Collections.pop_back();
+	}
+	delete pCollection;
+}
+
+int CHostParticleSystemMgr::GetLiveCollectionCount() const
+{
+	std::lock_guard lock( m_CollectionsMutex );
+	return int( m_Collections.size() );
+}
+
+std::shared_ptr<const CParticleRuntimeDefinition> CHostParticleSystemMgr::FindParticleSystemDefinition( const char *pName )
+{
+	CUtlString strError;
+	ParticleDefinitionPtr_t pDefinition = m_fnFindDefinition ? m_fnFindDefinition( pName, &strError ) : ::FindParticleSystemDefinition( pName, &strError );
+	if ( !pDefinition )
+		LoggingSystem_LogOnceByKey( LOG_GENERAL, LS_WARNING, pName ? pName : "", "Unable to find particle system '%s': %s\n", pName ? pName : "", strError.Get() );
+	return pDefinition;
+}
+
+void CHostParticleSystemMgr::DumpParticleList( const char *pSubstring, bool bSimulating ) const
+{
+	std::lock_guard lock( m_CollectionsMutex );
+	Msg( "%s particle systems%s%s:\n", bSimulating ? "Simulating" : "Live", pSubstring ? " matching " : "", pSubstring ? pSubstring : "" );
+	int nListed = 0;
+	for ( const IParticleCollection *pCollection : m_Collections )
+	{
+		const char *pName = pCollection->GetDefinition() ? pCollection->GetDefinition()->m_Name.Get() : "";
+		if ( pSubstring && *pSubstring && !V_stristr_fast( pName, pSubstring ) )
+			continue;
+		// A finished collection no longer steps.
+		if ( bSimulating && pCollection->IsFinished() )
+			continue;
+		Msg( "  %-40s time %7.2f  particles %6d (with children %6d)  allocated %6d\n", pName, pCollection->GetCurrentTime(), pCollection->GetActiveParticleCount( false ),
+			pCollection->GetActiveParticleCount( true ), pCollection->GetAllocatedParticleCount() );
+		++nListed;
+	}
+	Msg( "%d listed\n", nListed );
+}
+
+CHostParticleSystemMgr *HostParticleSystemMgrRuntime()
 {
 	RegisterParticleFunctionClasses();
 	static CHostParticleSystemMgr s_Mgr;
 	return &s_Mgr;
+}
+
+IParticleSystemMgr *HostParticleSystemMgr()
+{
+	return HostParticleSystemMgrRuntime();
 }

@@ -4,13 +4,30 @@
 // function's table uses. The host connects it once; until then none is connected and
 // the document answers without it (no classes, version 0, empty names).
 
+#include <cstdint>
+#include <memory>
+
 #include "core/particles/particlefunctioninfo.h"
 #include "core/particles/particlefunctiontype.h"
 
+class IParticleCollection;
 class KeyValues3;
+class CParticleRuntimeDefinition;
 
 // The name under which the host answers for its particle manager.
 constexpr const char *PARTICLESYSTEMMGR_INTERFACE_VERSION = "ParticleSystemMgr003";
+
+// What the manager of live effects hands over once a frame before stepping.
+struct ParticleFrameSettings_t
+{
+	float m_flFallbackBase = 0.0f;
+	float m_flFallbackMultiplier = 0.0f;
+	float m_flSimFallbackBaseMultiplier = 0.0f;
+	float m_flSimFallbackThresholdMs = 0.0f;
+	int m_nHostValue0 = 0;
+	int m_nHostValue1 = 0;
+	bool m_bRender = false;
+};
 
 class IParticleSystemMgr
 {
@@ -38,6 +55,34 @@ public:
 	{
 		(void)pFunction;
 		pUsage->RemoveAll();
+	}
+
+	// The runtime: the manager of live effects has its collections made and given back
+	// here. A manager without a runtime makes none.
+	virtual IParticleCollection *CreateParticleCollection( const std::shared_ptr<const CParticleRuntimeDefinition> &pDefinition, uint64_t nSeed )
+	{
+		(void)pDefinition;
+		(void)nSeed;
+		return nullptr;
+	}
+	virtual void DestroyParticleCollection( IParticleCollection *pCollection ) { (void)pCollection; }
+	// A compiled definition by resource name ("particles/error/error.tfxs"); null when
+	// there is none.
+	virtual std::shared_ptr<const CParticleRuntimeDefinition> FindParticleSystemDefinition( const char *pName )
+	{
+		(void)pName;
+		return nullptr;
+	}
+	// Per frame, before the effects step: the fallback settings and the lib host's values.
+	virtual void SetFrameSettings( const ParticleFrameSettings_t &settings ) { (void)settings; }
+	// Seconds the last frame's step took.
+	virtual void SetLastSimulationTime( float flSeconds ) { (void)flSeconds; }
+	// Prints the live collections, of definitions whose name holds pSubstring (all for
+	// null); bSimulating leaves out the finished ones, which no longer step.
+	virtual void DumpParticleList( const char *pSubstring, bool bSimulating ) const
+	{
+		(void)pSubstring;
+		(void)bSimulating;
 	}
 
 protected:

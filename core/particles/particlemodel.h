@@ -69,6 +69,8 @@ public:
 
 	const std::vector<Vector> &GetVertices() const { return m_Vertices; }
 	int GetTriangleCount() const { return int( m_Triangles.size() / 3 ); }
+	// Three vertex indices per triangle.
+	const std::vector<int> &GetTriangles() const { return m_Triangles; }
 	const std::vector<ParticleModelHitbox_t> &GetHitboxes() const { return m_Hitboxes; }
 	const std::vector<ParticleModelAttachment_t> &GetAttachments() const { return m_Attachments; }
 	// The attachment of that name (case ignored), or null.

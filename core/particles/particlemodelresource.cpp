@@ -4,7 +4,7 @@
 #include <unordered_map>
 
 #include "core/containers/utlbuffer.h"
-#include "core/host/iassetsystem.h"
+#include "core/host/resourceload.h"
 #include "core/host/iresourcesystem.h"
 
 bool CParticleModelCompiler::Compile( const CUtlBuffer &source, const char *pResourceName, std::unique_ptr<CResourceData> *pResult, CUtlString *pError )
@@ -75,36 +75,8 @@ ParticleModelPtr_t FindParticleModel( const char *pResourceName, CUtlString *pEr
 	CUtlString error;
 	if ( !pError )
 		pError = &error;
-	if ( !pResourceName || !*pResourceName )
-	{
-		pError->Set( "no model named" );
-		return nullptr;
-	}
-	IResourceSystem *pResources = GetResourceSystem();
-	if ( !pResources )
-	{
-		pError->Format( "%s: no resource system to load models from", pResourceName );
-		return nullptr;
-	}
-	CResourceBinding *pBinding = pResources->FindOrCreateBinding( pResourceName );
+	CResourceBinding *pBinding = FindLoadedResource( pResourceName, "model", pError );
 	if ( !pBinding )
-	{
-		pError->Format( "%s: not a resource name", pResourceName );
 		return nullptr;
-	}
-	if ( !pBinding->IsLoaded() )
-	{
-		IAssetSystem *pAssets = GetAssetSystem();
-		IAsset *pAsset = pAssets ? pAssets->FindAssetByResourceName( pResourceName ) : nullptr;
-		CUtlString loadError;
-		if ( !pAsset || !pAsset->Load( &loadError ) || !pBinding->IsLoaded() )
-		{
-			if ( !loadError.IsEmpty() )
-				*pError = loadError;
-			else
-				pError->Format( "%s: no such model", pResourceName );
-			return nullptr;
-		}
-	}
 	return ModelFromBinding( pBinding, pError );
 }

@@ -5,6 +5,7 @@
 
 #include "core/host/interfaceregistry.h"
 #include "core/logging/logging.h"
+#include "core/logging/logonce.h"
 #include "pulse_runtime_lib/exec/pulseexeccursor.h"
 
 CPulseSystem::CPulseSystem() : m_pRegistration( std::make_unique<CHostInterfaceReg>( PULSE_SYSTEM_INTERFACE_VERSION, static_cast<IPulseSystem *>( this ) ) )
@@ -122,7 +123,7 @@ CBasePulseGraphInstance *CPulseSystem::FindInstance( PulseGraphInstanceID_t nID 
 void CPulseSystem::ScheduleWake( const PulseCursorHandle &handle, double flTime )
 {
 	CancelWake( handle );
-	m_Wakes.push_back( { handle, flTime, m_nNextWakeSequence++ } );
+	m_Wakes.push_back( { handle, flTime, m_nNextWakeSequence++, m_flTime } );
 }
 
 bool CPulseSystem::IsWakeScheduled( const PulseCursorHandle &handle ) const
@@ -145,13 +146,30 @@ bool CPulseSystem::GetNextWakeTime( double *pTime ) const
 
 void CPulseSystem::AdvanceTo( double flTime )
 {
-	for ( ;; )
+	// A wake asked for during this advance that doesn't move the clock (a wait of zero or
+	// less) fires on the next advance, as a resume queued on a tick would.
+	const uint64_t nFirstNewSequence = m_nNextWakeSequence;
+	auto firesNow = [ & ]( const Wake_t &wake ) {
+		return wake.m_flTime <= flTime && ( wake.m_nSequence < nFirstNewSequence || wake.m_flTime > wake.m_flScheduledAt );
+	};
+	for ( int nFired = 0;; ++nFired )
 	{
-		auto itNext = std::min_element( m_Wakes.begin(), m_Wakes.end(), []( const Wake_t &a, const Wake_t &b ) {
-			return a.m_flTime < b.m_flTime || ( a.m_flTime == b.m_flTime && a.m_nSequence < b.m_nSequence );
-		} );
-		if ( itNext == m_Wakes.end() || itNext->m_flTime > flTime )
+		auto itNext = m_Wakes.end();
+		for ( auto it = m_Wakes.begin(); it != m_Wakes.end(); ++it )
+		{
+			if ( !firesNow( *it ) )
+				continue;
+			if ( itNext == m_Wakes.end() || it->m_flTime < itNext->m_flTime || ( it->m_flTime == itNext->m_flTime && it->m_nSequence < itNext->m_nSequence ) )
+				itNext = it;
+		}
+		if ( itNext == m_Wakes.end() )
 			break;
+		if ( nFired >= MAX_WAKES_PER_ADVANCE )
+		{
+			LoggingSystem_LogOnceByKey( LOG_PULSE, LS_WARNING, "pulse_wakes_per_advance",
+				"Pulse: more than %d wakes in one advance of the clock; the rest fire on the next.\n", MAX_WAKES_PER_ADVANCE );
+			break;
+		}
 		Wake_t wake = *itNext;
 		m_Wakes.erase( itNext );
 		m_flTime = std::max( m_flTime, wake.m_flTime );

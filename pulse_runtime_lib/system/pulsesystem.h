@@ -26,6 +26,9 @@ public:
 	static constexpr int MAX_RUNS_PER_ENTRY = 4096;
 	// Queued resumes run per drain; the rest wait for the next advance of the clock.
 	static constexpr int MAX_RESUMES_PER_DRAIN = 1024;
+	// Wakes fired per advance of the clock; the rest wait for the next one, so a cursor
+	// that keeps waiting a moment can't hold the clock still.
+	static constexpr int MAX_WAKES_PER_ADVANCE = 4096;
 
 	CPulseSystem();
 	~CPulseSystem();
@@ -98,6 +101,7 @@ private:
 		PulseCursorHandle m_Handle;
 		double m_flTime;
 		uint64_t m_nSequence;
+		double m_flScheduledAt; // the clock when the wake was asked for
 	};
 	struct Resume_t
 	{

@@ -296,6 +296,28 @@ TEST_F( PulseExecTest, WaitsWakeOnTheVirtualClockAndRestartTheCount )
 	EXPECT_EQ( instance.GetCursorCount(), 0 );
 }
 
+// A cursor that waits no time in an endless loop must not hold the clock: each advance
+// fires the wakes that were due when it began, and the new ones wait for the next.
+TEST_F( PulseExecTest, AWaitOfNoTimeInALoopFiresOncePerAdvance )
+{
+	std::string text = ReadSample( "wait.tpulsec" );
+	auto replace = [ &text ]( const std::string &from, const std::string &to ) {
+		size_t at = text.find( from );
+		ASSERT_NE( at, std::string::npos ) << from;
+		text.replace( at, from.size(), to );
+	};
+	replace( "{ m_Type = \"PVAL_FLOAT\" m_Value = 1.0 }", "{ m_Type = \"PVAL_FLOAT\" m_Value = 0.0 }" );
+	replace( "{ m_Type = \"PVAL_INT\" m_Value = 3 }", "{ m_Type = \"PVAL_INT\" m_Value = 2000000000 }" );
+	CBasePulseGraphInstance &instance = Start( text );
+	instance.RunMethod( "Main", nullptr );
+	EXPECT_EQ( m_System.GetGraphLog().size(), 1u );
+	m_System.AdvanceTo( 1.0 );
+	EXPECT_EQ( m_System.GetGraphLog().size(), 2u );
+	m_System.AdvanceTo( 1.0 );
+	EXPECT_EQ( m_System.GetGraphLog().size(), 3u );
+	EXPECT_EQ( instance.GetYieldedCursorCount(), 1 );
+}
+
 // Three runs of about 9,000 instructions each: the limit counts per run.
 const char *const s_LongLoops = R"({ m_Chunks = [ { m_Instructions = [
 		{ m_nCode = "GET_CONST" m_nReg0 = 0 m_nConstIdx = 0 }, { m_nCode = "GET_CONST" m_nReg0 = 1 m_nConstIdx = 1 },
@@ -319,7 +341,9 @@ TEST_F( PulseExecTest, ALoopAcrossWaitsIsNoRunaway )
 	body.replace( body.find( "INNER" ), 5, "2990" );
 	CBasePulseGraphInstance &instance = Start( body );
 	instance.RunMethod( "Main", nullptr );
-	m_System.AdvanceTo( 1.0 );
+	// Its waits take no time, so each wakes on the next advance of the clock.
+	for ( double flTime = 1.0; flTime <= 4.0; flTime += 1.0 )
+		m_System.AdvanceTo( flTime );
 	EXPECT_EQ( m_System.GetFailedCursorCount(), 0 );
 	EXPECT_EQ( m_System.GetCompletedCursorCount( PulseCursorExecResult_t::Succeeded ), 1 );
 	EXPECT_EQ( instance.GetCursorCount(), 0 );

@@ -26,6 +26,9 @@ struct ParticleDrawData_t
 	const float *m_pAlpha = nullptr;
 	float m_flAlphaScale = 1.0f;
 	float m_flAddSelfAmount = 0.0f;
+	// Sprites: added onto what lies behind instead of blended over it; colour brightened.
+	bool m_bAdditive = false;
+	float m_flOverbrightFactor = 1.0f;
 
 	// Sprites: roll in degrees. Models: roll, yaw and pitch in degrees.
 	const float *m_pRotation = nullptr;

@@ -280,6 +280,7 @@ ParticleDefinitionPtr_t CompileParticleDefinitionFromKV3( const KeyValues3 *pRoo
 	auto pDef = std::make_shared<CParticleRuntimeDefinition>();
 	pDef->m_Name = pName ? pName : "";
 	ReadBaseProperties( pRoot, pDef.get() );
+	ReadParticleManagerTraits( pRoot, &pDef->m_ManagerTraits );
 	pDef->m_nTreeParticles = pDef->m_nMaxParticles;
 	pDef->m_NamedValues.SetSystemName( pDef->m_Name.Get() );
 

@@ -13,6 +13,7 @@
 #include "core/mathlib/vector.h"
 #include "core/particles/particlefunctiontype.h"
 #include "core/particles/sim/particledefinitionusage.h"
+#include "core/particles/sim/particlemanagertraits.h"
 #include "core/particles/sim/particlenamedvaluebindings.h"
 #include "core/particles/sim/particlesimfunction.h"
 #include "core/text/utlstring.h"
@@ -82,6 +83,11 @@ public:
 
 	// Live collections of this definition, for the concurrent count input.
 	mutable std::atomic<int> m_nLiveCollections{ 0 };
+
+	// Read by the manager of live effects only; the frame in which retirement last
+	// looked at this definition is its marker.
+	ParticleManagerTraits_t m_ManagerTraits;
+	mutable std::atomic<int> m_nLastRetirementCheckFrame{ -1 };
 
 	const std::vector<std::unique_ptr<CParticleSimFunction>> &GetFunctions( int nList ) const { return m_Functions[ nList ]; }
 };

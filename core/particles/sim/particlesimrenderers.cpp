@@ -50,6 +50,9 @@ public:
 	{
 		ReadCommon( reader, "m_hTexture" );
 		m_flAddSelfAmount = reader.Float( "m_flAddSelfAmount", 0.0f );
+		m_bAdditive = reader.Bool( "m_bAdditive", false );
+		m_Overbright = CSimFloatInput( 1.0f );
+		reader.FloatInput( "m_flOverbrightFactor", &m_Overbright, false );
 	}
 
 	void FillDrawData( const CParticleCollection &c, ParticleDrawData_t *pData ) const override
@@ -59,10 +62,14 @@ public:
 		pData->m_pResource = m_Resource.Get();
 		pData->m_flAlphaScale = m_AlphaScale.EvaluateCollection( c );
 		pData->m_flAddSelfAmount = m_flAddSelfAmount;
+		pData->m_bAdditive = m_bAdditive;
+		pData->m_flOverbrightFactor = m_Overbright.EvaluateCollection( c );
 	}
 
 private:
 	float m_flAddSelfAmount = 0.0f;
+	bool m_bAdditive = false;
+	CSimFloatInput m_Overbright;
 };
 
 class CRenderTrails final : public CRendererBase

@@ -86,11 +86,14 @@ TEST_F( ShippedContentTest, IndexHoldsEveryFileOfAKnownType )
 		EXPECT_EQ( pAsset->GetType(), ResourceTypeFromExtension( V_GetFileExtension( name.c_str() ) ) );
 		EXPECT_TRUE( pAsset->FileExists() ) << name;
 	}
-	CUtlVector<IAsset *> definitions;
-	auto nDefinitions = std::count_if( expected.begin(), expected.end(), []( const std::string &name ) { return name.ends_with( ".tfxs" ); } );
-	EXPECT_EQ( m_Assets.GetAssets( &definitions, RESOURCE_TYPE_PARTICLE_SYSTEM ), int( nDefinitions ) );
-	CUtlVector<IAsset *> models;
-	EXPECT_EQ( m_Assets.GetAssets( &models, RESOURCE_TYPE_MESH ), int( expected.size() ) - int( nDefinitions ) );
+	auto count = [ & ]( const char *pExtension ) {
+		return int( std::count_if( expected.begin(), expected.end(), [ pExtension ]( const std::string &name ) { return name.ends_with( pExtension ); } ) );
+	};
+	CUtlVector<IAsset *> definitions, models, images;
+	EXPECT_EQ( m_Assets.GetAssets( &definitions, RESOURCE_TYPE_PARTICLE_SYSTEM ), count( ".tfxs" ) );
+	EXPECT_EQ( m_Assets.GetAssets( &models, RESOURCE_TYPE_MESH ), count( ".tmsh" ) );
+	EXPECT_EQ( m_Assets.GetAssets( &images, RESOURCE_TYPE_IMAGE ), count( ".timg" ) );
+	EXPECT_GT( count( ".timg" ), 0 ) << "the particle textures ship with the content";
 }
 
 TEST_F( ShippedContentTest, AssetTypesByExtension )

@@ -1,6 +1,6 @@
 // zol sim FILE: compiles a particle system definition (children found inside the content
-// and game roots) and steps it headless at a fixed rate, printing a line per simulated
-// second, or every N frames. Cameras and control point models can stand in for what the
+// and game roots) and runs it headless on the preview's manager and particle host at a
+// fixed rate, printing a line per simulated second, or every N frames. Cameras and control point models can stand in for what the
 // preview's view gives; --dump writes every particle of every printed step as JSON lines.
 
 #include <cmath>
@@ -14,9 +14,11 @@
 #include "core/host/resourcesystem.h"
 #include "core/kv3/keyvalues3.h"
 #include "core/kv3/kv3serialize.h"
+#include "core/particles/hostparticlesystemmgr.h"
 #include "core/particles/particlemodelresource.h"
 #include "core/particles/sim/particlecollection.h"
 #include "core/platform/platformfile.h"
+#include "tools/toolscene/toolsceneparticlerun.h"
 #include "tools/zol/cli/cliargs.h"
 #include "tools/zol/cli/clicommand.h"
 #include "tools/zol/cli/clidefinition.h"
@@ -292,13 +294,31 @@ int RunSim( int argc, char **argv )
 		return 1;
 	}
 
-	std::unique_ptr<IParticleCollection> pCollection = CreateParticleCollection( pDefinition, options.m_nSeed );
-	// A configuration places the system as the preview would; points given on the
-	// command line then stand where they are told.
-	if ( options.m_pConfig && !PlayConfiguration( options.m_pFile, options.m_pConfig, *pDefinition, &resources, pCollection.get() ) )
+	// The preview's own machinery, headless: a tool scene whose particle node runs the
+	// definition through the manager of live effects, one frame of the scene per step.
+	SetParticleSystemMgr( HostParticleSystemMgr() );
+	struct ResetParticleSystemMgr_t
+	{
+		~ResetParticleSystemMgr_t() { SetParticleSystemMgr( nullptr ); }
+	} resetMgr;
+	CToolSceneParticleRun run( pDefinition, options.m_nSeed );
+	IParticleCollection *pCollection = run.GetCollection();
+	if ( !pCollection )
+	{
+		fprintf( stderr, "%s: the particle system could not be made\n", options.m_pFile );
 		return 1;
+	}
+	// A configuration places the system as the preview would; points given on the
+	// command line then stand where they are told. What it placed stays placed: the node
+	// no longer moves those points.
+	if ( options.m_pConfig )
+	{
+		if ( !PlayConfiguration( options.m_pFile, options.m_pConfig, *pDefinition, &resources, pCollection ) )
+			return 1;
+		run.PinControlPoints();
+	}
 	for ( const auto &[ nPoint, vPosition ] : options.m_ControlPoints )
-		pCollection->SetControlPoint( nPoint, vPosition );
+		run.SetControlPoint( nPoint, vPosition );
 	for ( const auto &[ nPoint, name ] : models )
 		pCollection->SetControlPointModel( nPoint, name.c_str() );
 	if ( !options.m_Cameras.empty() )
@@ -307,7 +327,7 @@ int RunSim( int argc, char **argv )
 		Vector vTarget = pCollection->GetControlPointPosition( 0 );
 		for ( ParticleCamera_t &camera : options.m_Cameras )
 			camera.m_vForward = Vector( vTarget.x - camera.m_vPosition.x, vTarget.y - camera.m_vPosition.y, vTarget.z - camera.m_vPosition.z );
-		pCollection->SetCameras( options.m_Cameras.data(), int( options.m_Cameras.size() ) );
+		run.SetCameras( options.m_Cameras );
 	}
 
 	const float flDt = 1.0f / float( options.m_nFps );
@@ -315,9 +335,13 @@ int RunSim( int argc, char **argv )
 	const int nEvery = options.m_nEvery > 0 ? options.m_nEvery : options.m_nFps;
 	int nPeak = 0, nPeakWithChildren = 0;
 	bool bToldNonFinite = false;
+	// The scene steps particles at most a tenth of a second a frame: a longer frame is run
+	// as that many equal frames.
+	const int nFramesPerStep = std::max( 1, int( std::ceil( double( flDt ) / 0.1 - 1e-6 ) ) );
 	for ( int nStep = 1; nStep <= nSteps; ++nStep )
 	{
-		pCollection->Simulate( flDt );
+		for ( int nFrame = 0; nFrame < nFramesPerStep; ++nFrame )
+			run.Frame( flDt / float( nFramesPerStep ) );
 		if ( int nNonFinite = bToldNonFinite ? 0 : CountNonFinite( *pCollection ) )
 		{
 			fprintf( stderr, "%s: at frame %d, %d particles have a position or radius that isn't finite (NaN or infinite); the bounds leave them out\n",

@@ -56,6 +56,8 @@ public:
 	// The framework's steps, and "set KEY VALUE" (an edit of a member of the active
 	// definition's root, as the property panel makes it) and "get KEY" (zolappscript.cpp).
 	bool RunScriptStep( const char *pStep, CUtlString *pOutput ) override;
+	// "select base" or "select Emitter 0": selects in the active definition.
+	bool RunSelectStep( const char *pArgs, CUtlString *pOutput );
 	// Not while a dialog is up: a question may stand in the middle of an operation.
 	bool CanAutosaveNow() override;
 	bool OfferSync( const char * ) override { return true; }
@@ -69,7 +71,8 @@ public:
 	// IBindTarget: the commands of context "ZolApp" (zolappcommands.cpp).
 	const CBindTargetDescriptorBase *GetBindTargetDescriptor() const override;
 
-	// The preview commands; the preview isn't part of the editor yet, so each tells the log.
+	// The preview commands: they run on the main window's preview (without a window, the
+	// log says that none runs).
 	void RestartPreview();
 	void RestartGlobal();
 	void StopSimulation( bool bPlayEndCaps );

@@ -5,6 +5,7 @@
 #include "tools/toolutils2/baseeditorapp/baseeditorsession.h"
 #include "tools/toolutils2/baseeditorapp/editorwaitcursor.h"
 #include "tools/toolutils2/inputbind/bindtargetdescriptor.h"
+#include "tools/zol/editor/particlepreview.h"
 #include "tools/zol/editor/zolapp.h"
 #include "tools/zol/editor/zolmainwnd.h"
 
@@ -58,17 +59,29 @@ const CBindTargetDescriptorBase *CZolApp::GetBindTargetDescriptor() const
 	return &s_ZolAppCommands;
 }
 
+static CQParticlePreview *FindPreview( const CZolApp *pApp, const char *pCommand )
+{
+	CQZolMainWnd *pWindow = pApp->GetZolMainWindow();
+	CQParticlePreview *pPreview = pWindow ? pWindow->GetPreview() : nullptr;
+	if ( !pPreview )
+		Log_Msg( LOG_ZOL, "%s: no preview is running.\n", pCommand );
+	return pPreview;
+}
+
 void CZolApp::RestartPreview()
 {
-	Log_Msg( LOG_ZOL, "RestartPreview: no preview is running.\n" );
+	if ( CQParticlePreview *pPreview = FindPreview( this, "RestartPreview" ) )
+		pPreview->RestartPreview();
 }
 
 void CZolApp::RestartGlobal()
 {
-	Log_Msg( LOG_ZOL, "RestartGlobal: no preview is running.\n" );
+	if ( CQParticlePreview *pPreview = FindPreview( this, "RestartGlobal" ) )
+		pPreview->RestartGlobal();
 }
 
 void CZolApp::StopSimulation( bool bPlayEndCaps )
 {
-	Log_Msg( LOG_ZOL, "%s: no preview is running.\n", bPlayEndCaps ? "StopSimWithEndcap" : "StopSim" );
+	if ( CQParticlePreview *pPreview = FindPreview( this, bPlayEndCaps ? "StopSimWithEndcap" : "StopSim" ) )
+		pPreview->StopSim( bPlayEndCaps );
 }

@@ -10,7 +10,9 @@
 #include "tools/toolutils2/widgets/baseeditorwnd/baseeditormdiwnd.h"
 
 class CQParticleFunctionList;
-class CZolNamedValueContext;
+class CQParticlePreview;
+class CQZolPropertyWidget;
+class CZolKV3PropertyDomain;
 class CQUndoHistoryWidget;
 class CZolSession;
 class QDockWidget;
@@ -35,8 +37,13 @@ public:
 	void OnSessionFileChanged( CZolSession *pSession );
 	void ResetLayout();
 
+	// The live preview in the middle.
+	CQParticlePreview *GetPreview() const { return m_pPreview; }
 	CQParticleFunctionList *GetFunctionList() const { return m_pFunctionList; }
 	QDockWidget *GetFunctionDock() const { return m_pFunctionDock; }
+	CQZolPropertyWidget *GetPropertyWidget() const { return m_pPropertyWidget; }
+	QDockWidget *GetPropertyDock() const { return m_pPropertyDock; }
+	CZolKV3PropertyDomain *GetPropertyDomain() const { return m_pDomain.get(); }
 	QDockWidget *GetUndoDock() const { return m_pUndoDock; }
 	CQUndoHistoryWidget *GetUndoHistoryWidget() const { return m_pUndoHistoryWidget; }
 	QMenu *GetEditMenu() const { return m_pEditMenu; }
@@ -62,10 +69,14 @@ public:
 public slots:
 	void UpdateEditMenu();
 	void OnToggleWindwLock( bool bLocked );
+	// The property panel's notice of an edit: the function list shows what it changed.
+	void OnPropertyAttributeModified( const QString &name, int nModifyType );
 
 protected:
 	void CreateChildren() override;
 	void CreateFileMenu( QMenu *pMenu ) override;
+	void SaveToolWindowSettings( KeyValues3 *pTable ) override;
+	void RestoreToolWindowSettings( const KeyValues3 *pTable ) override;
 
 private:
 	QDockWidget *MakeDock( const char *pTitle, const char *pObjectName, QWidget *pContent, int nWidth, int nHeight );
@@ -77,15 +88,17 @@ private:
 	QDockWidget *m_pUndoDock = nullptr;
 	QStatusBar *m_pStatusBar = nullptr;
 	CQParticleFunctionList *m_pFunctionList = nullptr;
-	// The variables around the shown session, for the panels that add or pick variables.
-	std::unique_ptr<CZolNamedValueContext> m_pVariableContext;
+	// The property panel's domain; it is also the named value context of the shown
+	// session for the panels that add or pick variables.
+	std::unique_ptr<CZolKV3PropertyDomain> m_pDomain;
+	CQZolPropertyWidget *m_pPropertyWidget = nullptr;
 	QDockWidget *m_pPropertyDock = nullptr;
 	QMenu *m_pViewMenu = nullptr;
 	QMenu *m_pEditMenu = nullptr;
 	QAction *m_EditActions[ EDIT_ACTION_COUNT ] = {};
 	CBindTargetProxy m_SessionTarget;
 	CQUndoHistoryWidget *m_pUndoHistoryWidget = nullptr;
-	QLabel *m_pPreviewPlaceholder = nullptr;
+	CQParticlePreview *m_pPreview = nullptr;
 	QAction *m_pOpenDirectoryAction = nullptr;
 	QAction *m_pSaveAllAction = nullptr;
 	QAction *m_pCloseAllAction = nullptr;

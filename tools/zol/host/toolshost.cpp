@@ -160,11 +160,14 @@ int RunToolsHost( int argc, char **argv )
 	RegisterParticleInputDefaultTests( ToolAttrHost() );
 	services.SetParticleSystemMgr( HostParticleSystemMgr() );
 
-	// Nobody watches a picture being taken: the run asks no questions that matter.
-	if ( !options.m_ScreenshotPath.isEmpty() )
+	// Nobody watches a picture being taken: the run asks no questions that matter, and a
+	// question that comes all the same gets its default button and goes to the log
+	// instead of a dialog that nobody would answer.
+	const bool bBatch = !options.m_ScreenshotPath.isEmpty();
+	if ( bBatch )
 		Plat_SetHeadlessMode( true );
 	CQtPrompt prompt;
-	CScopedPrompt scopedPrompt( options.m_Script.IsScripted() ? options.m_Script.GetPrompt() : &prompt );
+	CScopedPrompt scopedPrompt( options.m_Script.IsScripted() ? options.m_Script.GetPrompt() : bBatch ? nullptr : &prompt );
 
 	// The module lies beside the executable.
 	QString modulePath = QCoreApplication::applicationDirPath() + "/libzol_editor.so";

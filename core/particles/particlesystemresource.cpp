@@ -1,7 +1,9 @@
-#include "tools/zol/editor/particleassetcompiler.h"
+#include "core/particles/particlesystemresource.h"
 
 #include "core/containers/utlbuffer.h"
 #include "core/host/ifilesystem.h"
+#include "core/host/iresourcesystem.h"
+#include "core/host/resourceload.h"
 
 // Children come from their files through the host's file system, found inside the content
 // roots, then the game roots.
@@ -42,4 +44,21 @@ bool CParticleAssetCompiler::Compile( const CUtlBuffer &source, const char *pRes
 	}
 	*pResult = std::make_unique<CParticleSystemResourceData>( std::move( pDefinition ) );
 	return true;
+}
+
+ParticleDefinitionPtr_t FindParticleSystemDefinition( const char *pResourceName, CUtlString *pError )
+{
+	CUtlString error;
+	if ( !pError )
+		pError = &error;
+	CResourceBinding *pBinding = FindLoadedResource( pResourceName, "particle system", pError );
+	if ( !pBinding )
+		return nullptr;
+	auto pData = pBinding->GetDataAs<CParticleSystemResourceData>();
+	if ( !pData || !pData->GetDefinition() )
+	{
+		pError->Format( "%s is not a compiled particle system", pResourceName );
+		return nullptr;
+	}
+	return pData->GetDefinition();
 }

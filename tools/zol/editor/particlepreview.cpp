@@ -1,0 +1,586 @@
+#include "tools/zol/editor/particlepreview.h"
+
+#include <QCheckBox>
+#include <QCursor>
+#include <QDoubleValidator>
+#include <QFile>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
+#include <QToolBar>
+#include <QToolButton>
+#include <QVBoxLayout>
+
+#include <algorithm>
+#include <functional>
+#include <iterator>
+
+#include "core/console/convar.h"
+#include "core/host/iasset.h"
+#include "core/kv3/keyvalues3.h"
+#include "core/logging/logging.h"
+#include "core/particles/particleattachment.h"
+#include "core/particles/sim/iparticlecollection.h"
+#include "core/text/strtools.h"
+#include "particleslib/particlemgr.h"
+#include "tools/toolscene/toolsceneaxis.h"
+#include "tools/toolscene/toolscenegrid.h"
+#include "tools/toolscene/toolscenemath.h"
+#include "tools/toolscene/toolscenemodel.h"
+#include "tools/toolscene/toolsceneparticlesystem.h"
+#include "tools/toolscene/widgets/qtoolscenewidget.h"
+#include "tools/toolutils2/inputbind/bindtargetdescriptor.h"
+#include "tools/toolutils2/widgets/inputbind/bindablecommandaction.h"
+#include "tools/toolutils2/widgets/inputbind/inputbindmanager.h"
+#include "tools/zol/editor/zolapp.h"
+#include "tools/zol/editor/zolsession.h"
+#include "particleslib/particleeffect.h"
+#include "zoldoc_lib/zolcollectionpreviewtarget.h"
+#include "zoldoc_lib/zoldoc.h"
+
+ConVar r_particle_max_detail_level( "r_particle_max_detail_level", "3", FCVAR_NONE, "The highest detail level that previewed particle systems run at (0 low to 3 ultra).",
+	true, 0.0f, true, 3.0f );
+
+namespace
+{
+constexpr float CONTROL_POINT_AXIS_SIZE = 12.0f;
+constexpr float MAX_RESTART_TIME = 600.0f;
+const char *const s_DetailLevelNames[ PARTICLE_DETAIL_LEVEL_COUNT ] = { "Low", "Medium", "High", "Ultra" };
+
+// An icon of the game's tool images, or none when the file isn't there.
+QIcon GameIcon( const char *pPath )
+{
+	QString path = QString( "game:" ) + pPath;
+	return QFile::exists( path ) ? QIcon( path ) : QIcon();
+}
+
+// A tool bar entry that runs one of the application's commands, so a click, a key and a
+// menu entry are one path.
+QAction *AddCommandAction( QToolBar *pToolBar, IBindTarget *pTarget, const char *pCommand, const char *pLabel, const char *pIcon )
+{
+	QIcon icon = GameIcon( pIcon );
+	auto *pAction = new CQBindableCommandAction( pTarget, pCommand, pLabel, pToolBar, icon.isNull() ? COMMAND_TEXT_MODE_BUTTON : COMMAND_TEXT_MODE_ICON );
+	pAction->setIcon( icon );
+	pToolBar->addAction( pAction );
+	return pAction;
+}
+
+QLineEdit *AddTimeEdit( QToolBar *pToolBar, const char *pLabel )
+{
+	const char *pStyle = "padding-left: 5px; padding-right: 1px;";
+	auto *pText = new QLabel( pLabel, pToolBar );
+	pText->setStyleSheet( pStyle );
+	pToolBar->addWidget( pText );
+	auto *pEdit = new QLineEdit( "0.00", pToolBar );
+	pEdit->setMaximumWidth( 40 );
+	pEdit->setStyleSheet( pStyle );
+	auto *pValidator = new QDoubleValidator( 0.0, MAX_RESTART_TIME, 3, pEdit );
+	pValidator->setNotation( QDoubleValidator::StandardNotation );
+	pEdit->setValidator( pValidator );
+	pToolBar->addWidget( pEdit );
+	return pEdit;
+}
+
+// The text as seconds from 0 to 600; anything else keeps the old value.
+float ParseRestartTime( QLineEdit *pEdit, float flOld )
+{
+	bool bOk = false;
+	float flValue = pEdit->text().toFloat( &bOk );
+	if ( !bOk || !( flValue >= 0.0f ) || flValue > MAX_RESTART_TIME )
+		flValue = flOld;
+	pEdit->setText( QString::number( double( flValue ), 'f', 2 ) );
+	return flValue;
+}
+
+void BuildParticlePreviewCommands( CBindTargetDescriptor<CQParticlePreview> &d )
+{
+	// The gizmo isn't part of this preview yet: with none shown, its modes have nothing to do.
+	d.AddClickCommand( "GizmoRotate", []( CQParticlePreview * ) {} );
+	d.AddClickCommand( "GizmoTranslate", []( CQParticlePreview * ) {} );
+	d.AddClickCommand( "HideGizmo", []( CQParticlePreview *pPreview ) { pPreview->HideGizmo(); } );
+}
+
+CBindTargetDescriptor<CQParticlePreview> s_ParticlePreviewCommands( "ParticlePreview", "CQParticlePreview", &BuildParticlePreviewCommands );
+} // namespace
+
+const char *GetParticleDetailLevelName( int nLevel )
+{
+	return nLevel >= 0 && nLevel < PARTICLE_DETAIL_LEVEL_COUNT ? s_DetailLevelNames[ nLevel ] : "";
+}
+
+const CBindTargetDescriptorBase *CQParticlePreview::GetBindTargetDescriptor() const
+{
+	return &s_ParticlePreviewCommands;
+}
+
+CQParticlePreview::CQParticlePreview( QWidget *pParent ) : QWidget( pParent ), m_EventMap( this )
+{
+	setObjectName( "ParticlePreview" );
+	CZolApp *pApp = ZolApp();
+	IBindTarget *pAppTarget = pApp ? static_cast<IBindTarget *>( pApp ) : nullptr;
+
+	auto *pLayout = new QVBoxLayout( this );
+	pLayout->setContentsMargins( 0, 0, 0, 0 );
+	pLayout->setSpacing( 0 );
+
+	m_pToolBar = new QToolBar( this );
+	m_pToolBar->setIconSize( QSize( 16, 16 ) );
+	pLayout->addWidget( m_pToolBar );
+
+	m_pPlayButton = new QToolButton( m_pToolBar );
+	m_pPlayButton->setCheckable( true );
+	m_pPlayButton->setChecked( true );
+	QIcon playIcon;
+	playIcon.addFile( "game:tools/images/common/control_pause_sm.png", QSize(), QIcon::Normal, QIcon::On );
+	playIcon.addFile( "game:tools/images/common/control_play_sm.png", QSize(), QIcon::Normal, QIcon::Off );
+	m_pPlayButton->setIcon( playIcon );
+	m_pPlayButton->setToolTip( "Play / Pause" );
+	if ( !QFile::exists( "game:tools/images/common/control_play_sm.png" ) )
+		m_pPlayButton->setText( "Play" );
+	connect( m_pPlayButton, &QToolButton::toggled, this, &CQParticlePreview::PlayModeChanged );
+	m_pToolBar->addWidget( m_pPlayButton );
+	if ( pAppTarget )
+	{
+		AddCommandAction( m_pToolBar, pAppTarget, "RestartPreview", "Restart Sim", "tools/images/common/control_first_sm.png" );
+		AddCommandAction( m_pToolBar, pAppTarget, "RestartGlobal", "Restart Across All Tools", "tools/images/zol/restart_global.png" );
+		AddCommandAction( m_pToolBar, pAppTarget, "StopSim", "Stop Sim", "tools/images/common/control_stop_sm.png" );
+		AddCommandAction( m_pToolBar, pAppTarget, "StopSimWithEndcap", "Stop Sim With Endcap", "tools/images/zol/stop_with_endcap.png" );
+	}
+	m_pAutoRestartAction = m_pToolBar->addAction( GameIcon( "tools/images/common/reload_sm.png" ), "AutoRestart" );
+	m_pAutoRestartAction->setCheckable( true );
+	m_pAutoRestartAction->setChecked( true );
+	connect( m_pAutoRestartAction, &QAction::toggled, this, &CQParticlePreview::AutoRestartChanged );
+	m_pToolBar->addSeparator();
+	connect( m_pToolBar->addAction( GameIcon( "tools/images/zol/reset_cam.png" ), "Reset Camera" ), &QAction::triggered, this, &CQParticlePreview::ResetCamera );
+	connect( m_pToolBar->addAction( GameIcon( "tools/images/zol/move_cam_to_origin.png" ), "Move Camera To Origin" ), &QAction::triggered, this,
+		&CQParticlePreview::MoveCameraToOrigin );
+	m_pToolBar->addSeparator();
+	m_pDetailLevelButton = new QToolButton( m_pToolBar );
+	m_pDetailLevelButton->setToolButtonStyle( Qt::ToolButtonTextBesideIcon );
+	m_pDetailLevelButton->setToolTip( "Set Detail Level" );
+	connect( m_pDetailLevelButton, &QToolButton::clicked, this, &CQParticlePreview::OnDetailLevelButtonClicked );
+	m_pToolBar->addWidget( m_pDetailLevelButton );
+	m_pAutoRestartTimeEdit = AddTimeEdit( m_pToolBar, "  Auto-Restart Time: " );
+	connect( m_pAutoRestartTimeEdit, &QLineEdit::editingFinished, this, &CQParticlePreview::OnAutoRestartTimeChanged );
+	connect( m_pAutoRestartTimeEdit, &QLineEdit::returnPressed, this, &CQParticlePreview::OnAutoRestartTimeChanged );
+	m_pForcedRestartTimeEdit = AddTimeEdit( m_pToolBar, "  Forced-Restart Time: " );
+	connect( m_pForcedRestartTimeEdit, &QLineEdit::editingFinished, this, &CQParticlePreview::OnForcedRestartTimeChanged );
+	connect( m_pForcedRestartTimeEdit, &QLineEdit::returnPressed, this, &CQParticlePreview::OnForcedRestartTimeChanged );
+	m_pForcedRestartEndcap = new QCheckBox( "Forced-Restart Play Endcap", m_pToolBar );
+	m_pForcedRestartEndcap->setStyleSheet( "padding-left: 5px; padding-right: 1px;" );
+	m_pForcedRestartEndcap->setChecked( true );
+	connect( m_pForcedRestartEndcap, &QCheckBox::toggled, this, &CQParticlePreview::OnForcedRestartEndcapChanged );
+	m_pToolBar->addWidget( m_pForcedRestartEndcap );
+
+	m_pSceneWidget = new CQToolSceneWidget( &m_Scene, this );
+	pLayout->addWidget( m_pSceneWidget, 1 );
+	m_nWillNotEndIndicator = m_pSceneWidget->AddOverlayIndicator( "System will not end on stop!", "game:tools/images/common/generic_hud_warning.png" );
+
+	m_pParticleSystem = std::make_unique<CToolSceneParticleSystem>( &m_Scene );
+	m_pParticleSystem->SetListener( this );
+	m_pParticleSystem->SetApplyDefaultControlPoints( true );
+	m_pPreviewModel = std::make_unique<CToolSceneModel>( &m_Scene );
+	m_Scene.SetMainModel( m_pPreviewModel.get() );
+	m_pGround = std::make_unique<CToolSceneGrid>( &m_Scene );
+	CopyRestartTimesToSystem();
+	SetParticleDetailLevel( r_particle_max_detail_level.GetInt() );
+
+	CQInputBindManager::Get()->RegisterTarget( this, this );
+	CQInputBindManager::Get()->RegisterTarget( m_pSceneWidget, m_pSceneWidget );
+	m_EventMap.MapEvent( TOOL_EVENT_SLOT_HUB, &CQParticlePreview::OnPreviewSessionChanged );
+	m_EventMap.MapEvent( TOOL_EVENT_SLOT_SESSION, &CQParticlePreview::OnControlPointListChanged );
+	m_EventMap.MapEvent( TOOL_EVENT_SLOT_SESSION, &CQParticlePreview::OnControlPointValueChanged );
+	m_EventMap.MapEvent( TOOL_EVENT_SLOT_SESSION, &CQParticlePreview::OnPreviewStateChanged );
+	m_EventMap.MapEvent( TOOL_EVENT_SLOT_SESSION, &CQParticlePreview::OnNamedValueChanged );
+	if ( pApp && pApp->GetEventHub() )
+		m_EventMap.Attach( TOOL_EVENT_SLOT_HUB, pApp->GetEventHub()->GetEventDispatcher() );
+	SetSession( pApp ? pApp->GetPreviewSession() : nullptr );
+}
+
+CQParticlePreview::~CQParticlePreview()
+{
+	if ( m_pSession && m_pSession->GetPreviewTarget() == this )
+		m_pSession->SetPreviewTarget( nullptr );
+	CQInputBindManager::Get()->UnregisterTarget( this );
+	CQInputBindManager::Get()->UnregisterTarget( m_pSceneWidget );
+	m_EventMap.Detach( TOOL_EVENT_SLOT_SESSION );
+	m_EventMap.Detach( TOOL_EVENT_SLOT_HUB );
+	// Nodes go before the scene that the widget draws; the widget goes with its parent.
+	m_ControlPointAxes.clear();
+	m_pParticleSystem.reset();
+	if ( m_Scene.GetMainModel() == m_pPreviewModel.get() )
+		m_Scene.SetMainModel( nullptr );
+	m_pPreviewModel.reset();
+	m_pGround.reset();
+	delete m_pSceneWidget;
+	m_pSceneWidget = nullptr;
+}
+
+// ---------------------------------------------------------------------------------------
+// Sessions
+
+void CQParticlePreview::OnPreviewSessionChanged( const ZolEvent_PreviewSessionChanged_t &event )
+{
+	SetSession( event.m_pSession );
+}
+
+void CQParticlePreview::SetSession( CZolSession *pSession )
+{
+	m_EventMap.Detach( TOOL_EVENT_SLOT_SESSION );
+	m_EventMap.Detach( TOOL_EVENT_SLOT_DOCUMENT );
+	if ( m_pSession && m_pSession->GetPreviewTarget() == this )
+		m_pSession->SetPreviewTarget( nullptr );
+	m_pSession = pSession;
+	m_pParticleSystem->ClearControlPoints();
+	if ( m_pSession )
+	{
+		// The session's control point state is applied to this preview.
+		m_pSession->SetPreviewTarget( this );
+		m_EventMap.Attach( TOOL_EVENT_SLOT_SESSION, m_pSession->GetEventDispatcher() );
+		if ( CZolDoc *pDoc = m_pSession->GetDoc() )
+			m_EventMap.Attach( TOOL_EVENT_SLOT_DOCUMENT, pDoc->GetEventDispatcher() );
+	}
+	RefreshSession();
+}
+
+void CQParticlePreview::RefreshSession()
+{
+	m_nPeakActive = 0;
+	m_nPeakTotalActive = 0;
+	const CResourceHandle *pResource = m_pSession ? &m_pSession->GetResource() : nullptr;
+	if ( pResource && *pResource && ( *pResource )->GetType() == RESOURCE_TYPE_PARTICLE_SYSTEM )
+	{
+		m_pParticleSystem->SetDefinitionResource( *pResource );
+		UpdateStatusIndicators();
+		RebuildPreview( true );
+		ApplyControlPoints();
+	}
+	else
+	{
+		m_pParticleSystem->SetDefinitionResource( CResourceHandle() );
+		UpdateStatusIndicators();
+		RebuildPreview( true );
+	}
+	m_pSceneWidget->SetMessage( m_pSession && !( pResource && *pResource ) ? NO_RESOURCE_MESSAGE : "", QColor( 255, 0, 0 ) );
+	m_pSceneWidget->ResetCamera( true, true );
+}
+
+void CQParticlePreview::RebuildPreview( bool bReloadModels )
+{
+	// No session: no model, the grid, rate 1.
+	const ParticlePreviewState_t state = m_pSession ? m_pSession->GetPreviewState() : ParticlePreviewState_t();
+	if ( bReloadModels )
+	{
+		if ( V_stricmp_fast( state.m_previewModel.Get(), m_pPreviewModel->GetModelName() ) )
+		{
+			m_pPreviewModel->SetModelName( state.m_previewModel.Get() );
+			m_pParticleSystem->Restart();
+		}
+		ApplyControlPoints();
+	}
+	m_pPreviewModel->SetDrawAttachments( state.m_bShouldDrawAttachments );
+	m_pGround->SetGroundType( state.m_groundType == ZOL_GROUND_PLANE  ? TOOLSCENE_GROUND_PLANE
+							  : state.m_groundType == ZOL_GROUND_NONE ? TOOLSCENE_GROUND_NONE
+																	  : TOOLSCENE_GROUND_GRID );
+	// The axes follow on the next frame; every set point gets a marker with them.
+	m_bDrawControlPointAxes = state.m_bShouldDrawControlPointAxes;
+	m_pParticleSystem->SetDrawControlPoints( m_bDrawControlPointAxes );
+	m_flSimulationRate = state.m_flParticleSimulationRate >= 0.0f && state.m_flParticleSimulationRate <= 100.0f ? state.m_flParticleSimulationRate : 1.0f;
+	// A non-looping animation that fires the system on a frame would restart it; the
+	// preview models have no animations, so the node restarts by its own rules.
+	const bool bFiresOnFrame = state.m_bAnimationNonLooping && state.m_nFireParticleOnSequenceFrame != 0;
+	m_pParticleSystem->SetAutoRestart( !bFiresOnFrame && m_pAutoRestartAction->isChecked() );
+}
+
+void CQParticlePreview::ApplyControlPoints()
+{
+	if ( m_pSession && m_pSession->GetPreviewTarget() == this )
+		m_pSession->ApplyToPreview();
+}
+
+// ---------------------------------------------------------------------------------------
+// The session's control point state lands here
+
+bool CQParticlePreview::HasRunningCollection() const
+{
+	return m_pParticleSystem->GetCollection() != nullptr;
+}
+
+void CQParticlePreview::SetCollectionControlPoint( int nPoint, const Vector &vPosition, const QAngle &angles )
+{
+	CNewParticleEffect *pEffect = m_pParticleSystem->GetEffect();
+	if ( !pEffect || nPoint < 0 || nPoint >= MAX_PARTICLE_CONTROL_POINTS )
+		return;
+	Vector vForward, vRight, vUp;
+	ToolSceneMath::AngleVectors( angles, &vForward, &vRight, &vUp );
+	pEffect->SetControlPointOrientation( nPoint, vForward, vRight, vUp );
+	pEffect->SetControlPoint( nPoint, m_pParticleSystem->LocalToWorld( vPosition ) );
+}
+
+void CQParticlePreview::SetCollectionNamedValue( const ParticleParamID_t &key, const CPulseValueFullType &type, const KeyValues3 &value )
+{
+	// The same conversion of a value to the collection as a headless run's.
+	CZolCollectionPreviewTarget target( m_pParticleSystem->GetCollection() );
+	if ( target.HasRunningCollection() )
+		target.SetCollectionNamedValue( key, type, value );
+}
+
+void CQParticlePreview::ClearControlPointBinding( int nPoint )
+{
+	m_pParticleSystem->ClearControlPoint( nPoint );
+}
+
+void CQParticlePreview::SetNodeControlPoint( int nPoint, const Vector &vPosition, const QAngle &angles )
+{
+	Vector vForward, vRight, vUp;
+	ToolSceneMath::AngleVectors( angles, &vForward, &vRight, &vUp );
+	m_pParticleSystem->SetControlPointOrientation( nPoint, vForward, vRight, vUp );
+	m_pParticleSystem->SetControlPoint( nPoint, vPosition );
+}
+
+bool CQParticlePreview::BindControlPointToModel( int nPoint, const char *pModelName, bool, int nAttachType, const char *pAttachmentName, const Vector &vOffset,
+	const QAngle &angOffset )
+{
+	// The scene's one model is the preview model; it has no child models to search.
+	if ( !pModelName || !m_pPreviewModel->GetModel() || V_stricmp_fast( pModelName, m_pPreviewModel->GetModelName() ) )
+		return false;
+	int nAttachment = -1;
+	if ( pAttachmentName && *pAttachmentName )
+	{
+		nAttachment = m_pPreviewModel->LookupAttachment( pAttachmentName );
+		if ( nAttachment < 0 )
+			return false;
+	}
+	// Without an attachment the point follows the model's origin.
+	ParticleAttachment_t eType = ParticleAttachment_t( nAttachType );
+	if ( nAttachment < 0 && ( eType == PATTACH_POINT || eType == PATTACH_POINT_FOLLOW ) )
+		eType = PATTACH_ABSORIGIN_FOLLOW;
+	m_pParticleSystem->SetControlPointAttachment( nPoint, m_pPreviewModel.get(), eType, std::max( nAttachment, 0 ), vOffset, angOffset );
+	return true;
+}
+
+void CQParticlePreview::UpdateStatusIndicators()
+{
+	if ( m_nImportedIndicator < 0 )
+	{
+		m_nImportedIndicator = m_pSceneWidget->AddOverlayIndicator( "Model imported from tessel1", "game:tools/images/model_editor/tessel1_import.png" );
+		m_nNoContentIndicator = m_pSceneWidget->AddOverlayIndicator( "No Content Found", "game:tools/images/common/not_editable.png" );
+	}
+	IAsset *pAsset = m_pSession ? m_pSession->GetAsset() : nullptr;
+	m_pSceneWidget->SetOverlayIndicatorVisible( m_nImportedIndicator, pAsset && V_stristr_fast( pAsset->GetPath(), "_imported/" ) );
+	m_pSceneWidget->SetOverlayIndicatorVisible( m_nNoContentIndicator, m_pSession && !pAsset );
+}
+
+void CQParticlePreview::OnControlPointListChanged( const ZolEvent_ControlPointListChanged_t & )
+{
+	ApplyControlPoints();
+}
+
+void CQParticlePreview::OnControlPointValueChanged( const ZolEvent_ControlPointValueChanged_t & )
+{
+	ApplyControlPoints();
+}
+
+void CQParticlePreview::OnNamedValueChanged( const ZolEvent_NamedValueChanged_t & )
+{
+	ApplyControlPoints();
+}
+
+void CQParticlePreview::OnPreviewStateChanged( const ZolEvent_PreviewStateChanged_t &event )
+{
+	RebuildPreview( !event.m_bModelStands );
+}
+
+// ---------------------------------------------------------------------------------------
+// The frame
+
+void CQParticlePreview::Update()
+{
+	m_pSceneWidget->Tick( m_flSimulationRate );
+	UpdateInformationText();
+	UpdateControlPointAxes();
+}
+
+void CQParticlePreview::UpdateInformationText()
+{
+	IParticleCollection *pCollection = m_pParticleSystem->GetCollection();
+	if ( !pCollection || !m_bShowSystemInformation )
+	{
+		m_pSceneWidget->SetOverlayText( QString() );
+		return;
+	}
+	int nSystems = 0, nTotalActive = 0, nTotalAllocated = 0;
+	std::function<void( const IParticleCollection * )> fnCount = [ & ]( const IParticleCollection *p ) {
+		for ( ; p; p = p->GetNextSibling() )
+		{
+			++nSystems;
+			nTotalActive += p->GetActiveParticleCount( false );
+			nTotalAllocated += p->GetAllocatedParticleCount();
+			fnCount( p->GetFirstChild() );
+		}
+	};
+	++nSystems;
+	nTotalActive = pCollection->GetActiveParticleCount( false );
+	nTotalAllocated = pCollection->GetAllocatedParticleCount();
+	fnCount( pCollection->GetFirstChild() );
+	const int nActive = pCollection->GetActiveParticleCount( false );
+	m_nPeakActive = std::max( m_nPeakActive, nActive );
+	m_nPeakTotalActive = std::max( m_nPeakTotalActive, nTotalActive );
+	m_pSceneWidget->SetOverlayText( QString::asprintf( "Current System:   Active/Max/Allocated: %6d/%6d/%6d\nTotal %2d Systems: Active/Max/Allocated: %6d/%6d/%6d\n", nActive,
+		m_nPeakActive, pCollection->GetAllocatedParticleCount(), nSystems, nTotalActive, m_nPeakTotalActive, nTotalAllocated ) );
+}
+
+void CQParticlePreview::UpdateControlPointAxes()
+{
+	IParticleCollection *pCollection = m_pParticleSystem->GetCollection();
+	if ( !m_pSession )
+	{
+		for ( auto &[ nPoint, pAxis ] : m_ControlPointAxes )
+			pAxis->SetVisible( false );
+		return;
+	}
+	for ( const auto &[ key, known ] : m_pSession->GetKnownControlPoints() )
+	{
+		if ( key.IsNamed() || key.IsNone() )
+			continue;
+		const int nPoint = key.m_nNumber;
+		// Positions and transforms get axes; other kinds (offsets, models, ...) have no place.
+		const bool bPlaced = known.m_nUsageKind == 0 || known.m_nUsageKind == 2 || known.m_nUsageKind == 4;
+		auto it = m_ControlPointAxes.find( nPoint );
+		if ( !pCollection || !pCollection->IsControlPointSet( nPoint ) || !bPlaced )
+		{
+			if ( it != m_ControlPointAxes.end() )
+				it->second->SetVisible( false );
+			continue;
+		}
+		if ( it == m_ControlPointAxes.end() )
+			it = m_ControlPointAxes.emplace( nPoint, std::make_unique<CToolSceneAxis>( &m_Scene, CONTROL_POINT_AXIS_SIZE ) ).first;
+		Vector vForward, vRight, vUp;
+		pCollection->GetControlPointOrientation( nPoint, &vForward, &vRight, &vUp );
+		it->second->SetOrigin( pCollection->GetControlPointPosition( nPoint ) );
+		it->second->SetAngles( ToolSceneMath::AxesToAngles( vForward, vUp ) );
+		it->second->SetVisible( m_bDrawControlPointAxes );
+	}
+}
+
+CToolSceneAxis *CQParticlePreview::FindControlPointAxis( int nPoint ) const
+{
+	auto it = m_ControlPointAxes.find( nPoint );
+	return it == m_ControlPointAxes.end() ? nullptr : it->second.get();
+}
+
+void CQParticlePreview::OnParticleSystemRestarted( CToolSceneParticleSystem * )
+{
+	// The node keeps its own control points across a restart; what the state sets on the
+	// collection itself (named values) goes to the new one.
+	ApplyControlPoints();
+}
+
+// ---------------------------------------------------------------------------------------
+// Tool bar
+
+void CQParticlePreview::CopyRestartTimesToSystem()
+{
+	m_pParticleSystem->SetAutoRestartTime( m_flAutoRestartTime );
+	m_pParticleSystem->SetForcedRestartTime( m_flForcedRestartTime );
+	m_pParticleSystem->SetForcedRestartEndcap( m_pForcedRestartEndcap->isChecked() );
+}
+
+void CQParticlePreview::PlayModeChanged()
+{
+	m_pSceneWidget->SetSimulating( m_pPlayButton->isChecked() );
+}
+
+void CQParticlePreview::RestartPreview()
+{
+	CopyRestartTimesToSystem();
+	m_pParticleSystem->Restart();
+	ApplyControlPoints();
+	m_nPeakActive = 0;
+	m_nPeakTotalActive = 0;
+}
+
+void CQParticlePreview::RestartGlobal()
+{
+	CopyRestartTimesToSystem();
+	if ( const ParticleDefinitionPtr_t &pDefinition = m_pParticleSystem->GetDefinition() )
+		CParticleMgr::RestartEffectsEverywhere( pDefinition->m_Name.Get() );
+	m_nPeakActive = 0;
+	m_nPeakTotalActive = 0;
+}
+
+void CQParticlePreview::StopSim( bool bPlayEndCap )
+{
+	// Automatic restart stays off until the next rebuild; the action keeps its check.
+	m_pParticleSystem->Stop( bPlayEndCap );
+}
+
+void CQParticlePreview::AutoRestartChanged()
+{
+	if ( m_pAutoRestartAction->isChecked() )
+		RestartPreview();
+	m_pParticleSystem->SetAutoRestart( m_pAutoRestartAction->isChecked() );
+}
+
+void CQParticlePreview::ResetCamera()
+{
+	m_pSceneWidget->ResetCamera( true, true );
+}
+
+void CQParticlePreview::MoveCameraToOrigin()
+{
+	m_pSceneWidget->GetCamera().SetPositionAndTarget( Vector( 64, 0, 4 ), Vector( 0, 0, 4 ) );
+	m_pSceneWidget->GetCamera().SetPivot( Vector( 0, 0, 0 ) );
+	m_pSceneWidget->RequestPaint();
+}
+
+void CQParticlePreview::OnDetailLevelButtonClicked()
+{
+	QMenu menu( this );
+	for ( int nLevel = 0; nLevel < PARTICLE_DETAIL_LEVEL_COUNT; ++nLevel )
+	{
+		QString path = QString( "tools/images/zol/detail_level_%1.png" ).arg( s_DetailLevelNames[ nLevel ] );
+		QAction *pAction = menu.addAction( GameIcon( path.toUtf8().constData() ), s_DetailLevelNames[ nLevel ] );
+		connect( pAction, &QAction::triggered, this, [ this, nLevel ]() { SetParticleDetailLevel( nLevel ); } );
+	}
+	menu.exec( QCursor::pos() );
+}
+
+void CQParticlePreview::SetParticleDetailLevel( int nDetailLevel )
+{
+	nDetailLevel = std::clamp( nDetailLevel, 0, PARTICLE_DETAIL_LEVEL_COUNT - 1 );
+	r_particle_max_detail_level.SetValue( nDetailLevel );
+	m_pParticleSystem->SetDetailLevel( nDetailLevel );
+	m_pDetailLevelButton->setText( QString( "Detail Level : %1" ).arg( s_DetailLevelNames[ nDetailLevel ] ) );
+	QString path = QString( "tools/images/zol/detail_level_%1.png" ).arg( s_DetailLevelNames[ nDetailLevel ] );
+	m_pDetailLevelButton->setIcon( GameIcon( path.toUtf8().constData() ) );
+}
+
+void CQParticlePreview::OnAutoRestartTimeChanged()
+{
+	m_flAutoRestartTime = ParseRestartTime( m_pAutoRestartTimeEdit, m_flAutoRestartTime );
+	m_pParticleSystem->SetAutoRestartTime( m_flAutoRestartTime );
+}
+
+void CQParticlePreview::OnForcedRestartTimeChanged()
+{
+	m_flForcedRestartTime = ParseRestartTime( m_pForcedRestartTimeEdit, m_flForcedRestartTime );
+	m_pParticleSystem->SetForcedRestartTime( m_flForcedRestartTime );
+}
+
+void CQParticlePreview::OnForcedRestartEndcapChanged()
+{
+	m_pParticleSystem->SetForcedRestartEndcap( m_pForcedRestartEndcap->isChecked() );
+}
+
+void CQParticlePreview::OnToggleSystemInformationDisplay( bool bChecked )
+{
+	m_bShowSystemInformation = bChecked;
+}
+
+void CQParticlePreview::HideGizmo()
+{
+	if ( m_pSession )
+		m_pSession->SetSelectedControlPoint( ParticleParamID_t() );
+}
