@@ -107,6 +107,9 @@ void CQZolReferenceNavigatorWidget::OnRefresh()
 	headers << "";
 	m_pTree->setColumnCount( headers.size() );
 	m_pTree->setHeaderLabels( headers );
+	// Key columns are narrow: the whole name stands in the tool tip.
+	for ( int nColumn = 1; nColumn < headers.size() - 1; ++nColumn )
+		m_pTree->headerItem()->setToolTip( nColumn, headers[ nColumn ] );
 	for ( int nColumn = 1; nColumn < headers.size(); ++nColumn )
 		m_pTree->setItemDelegateForColumn( nColumn, nColumn <= int( m_Keys.size() ) ? m_pDelegate : nullptr );
 

@@ -8,6 +8,7 @@
 #include <QPushButton>
 #include <QSignalBlocker>
 #include <QTextBrowser>
+#include <QTextDocument>
 #include <QUrl>
 #include <QVBoxLayout>
 
@@ -48,6 +49,7 @@ CQZolVariableConvertDialog::CQZolVariableConvertDialog( QWidget *pParent ) : QDi
 	m_pReport->setOpenExternalLinks( false );
 	// The report's infos are white: they read on the dark ground the editor's lists have.
 	m_pReport->setStyleSheet( "QTextBrowser { background-color: #2b2d30; color: rgb(220, 220, 220); }" );
+	m_pReport->document()->setDefaultStyleSheet( "a { color: rgb(142, 197, 224); }" );
 	pLayout->addWidget( m_pReport );
 
 	auto *pButtonRow = new QHBoxLayout;
