@@ -41,12 +41,13 @@ CQZolStaleVersionToolBar::CQZolStaleVersionToolBar( QWidget *pParent ) : QToolBa
 	pBack->setAutoFillBackground( true );
 	QPalette palette = pBack->palette();
 	palette.setColor( pBack->backgroundRole(), Qt::darkRed );
-	palette.setColor( QPalette::WindowText, Qt::white );
 	pBack->setPalette( palette );
 	pBack->setSizePolicy( QSizePolicy::Expanding, QSizePolicy::Preferred );
 	auto *pLayout = new QHBoxLayout( pBack );
 	pLayout->addStretch();
 	m_pLabel = new QLabel( pBack );
+	// The window's style gives labels a dark text; on the dark red it must be light.
+	m_pLabel->setStyleSheet( "color: white;" );
 	pLayout->addWidget( m_pLabel );
 	m_pUpgradeButton = MakeTextButton( UPGRADE_TITLE, pBack );
 	pLayout->addWidget( m_pUpgradeButton );
