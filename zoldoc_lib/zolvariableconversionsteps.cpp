@@ -59,6 +59,23 @@ template <typename Input> void SaveInput( const Input &input, KeyValues3 *pNew )
 	SaveKV3Object( input, pNew, nullptr, &context );
 }
 
+// The road of every input's conversion: the field read into its input, passed over unless
+// it reads the point the way eRead says, changed by fnConvert (false: the variable doesn't
+// fit) and written back as a file keeps it.
+template <typename Input, typename Type, typename Convert>
+int ConvertInputRead( const KeyValues3 *pOld, KeyValues3 *pNew, CErrorMessageList *pMessages, int nControlPoint, Type eRead, Convert fnConvert )
+{
+	Input input;
+	if ( !LoadInput( &input, pOld, nullptr, pMessages ) )
+		return ZOL_STEP_FAILED;
+	if ( input.m_nType != eRead || input.m_nControlPoint != nControlPoint )
+		return ZOL_STEP_NOT_APPLICABLE;
+	if ( !fnConvert( input ) )
+		return ZOL_STEP_FAILED;
+	SaveInput( input, pNew );
+	return ZOL_STEP_DONE;
+}
+
 CUtlString ValueText( const KeyValues3 *pValue )
 {
 	CUtlString text;
@@ -186,71 +203,55 @@ int CConvertFunctionNodeKeysBase::Run( bool bCommit, CZolVariableConversionPlan 
 int CConvertCPRead_FloatInput::ConvertKeys( int nControlPoint, const char *pVariable, const CPulseValueFullType &type, const KeyValues3 *pOld, KeyValues3 *pNew,
 	CErrorMessageList *pMessages )
 {
-	CParticleFloatInput input;
-	if ( !LoadInput( &input, pOld, nullptr, pMessages ) )
-		return ZOL_STEP_FAILED;
-	if ( input.m_nType != PF_TYPE_CONTROL_POINT_COMPONENT || input.m_nControlPoint != nControlPoint )
-		return ZOL_STEP_NOT_APPLICABLE;
-	if ( !DoesZolVariableTypeFit( PVAL_FLOAT, type.GetBaseType() ) )
-		return ZOL_STEP_FAILED;
-	input.m_nType = PF_TYPE_NAMED_VALUE;
-	input.m_NamedValue.SetName( pVariable );
-	SaveInput( input, pNew );
-	return ZOL_STEP_DONE;
+	return ConvertInputRead<CParticleFloatInput>( pOld, pNew, pMessages, nControlPoint, PF_TYPE_CONTROL_POINT_COMPONENT, [ & ]( CParticleFloatInput &input ) {
+		if ( !DoesZolVariableTypeFit( PVAL_FLOAT, type.GetBaseType() ) )
+			return false;
+		input.m_nType = PF_TYPE_NAMED_VALUE;
+		input.m_NamedValue.SetName( pVariable );
+		return true;
+	} );
 }
 
 int CConvertCPRead_VecInput::ConvertKeys( int nControlPoint, const char *pVariable, const CPulseValueFullType &type, const KeyValues3 *pOld, KeyValues3 *pNew,
 	CErrorMessageList *pMessages )
 {
-	CParticleVecInput input;
-	if ( !LoadInput( &input, pOld, nullptr, pMessages ) )
-		return ZOL_STEP_FAILED;
-	if ( input.m_nType != PVEC_TYPE_CP_VALUE || input.m_nControlPoint != nControlPoint )
-		return ZOL_STEP_NOT_APPLICABLE;
-	if ( !DoesZolVariableTypeFit( PVAL_VEC3, type.GetBaseType() ) )
-		return ZOL_STEP_FAILED;
-	input.m_nType = PVEC_TYPE_NAMED_VALUE;
-	input.m_NamedValue.SetName( pVariable );
-	input.m_bFollowNamedValue = true;
-	SaveInput( input, pNew );
-	return ZOL_STEP_DONE;
+	return ConvertInputRead<CParticleVecInput>( pOld, pNew, pMessages, nControlPoint, PVEC_TYPE_CP_VALUE, [ & ]( CParticleVecInput &input ) {
+		if ( !DoesZolVariableTypeFit( PVAL_VEC3, type.GetBaseType() ) )
+			return false;
+		input.m_nType = PVEC_TYPE_NAMED_VALUE;
+		input.m_NamedValue.SetName( pVariable );
+		input.m_bFollowNamedValue = true;
+		return true;
+	} );
 }
 
 int CConvertCPRead_TransformInput::ConvertKeys( int nControlPoint, const char *pVariable, const CPulseValueFullType &type, const KeyValues3 *pOld, KeyValues3 *pNew,
 	CErrorMessageList *pMessages )
 {
-	CParticleTransformInput input;
-	if ( !LoadInput( &input, pOld, nullptr, pMessages ) )
-		return ZOL_STEP_FAILED;
-	if ( input.m_nType != PT_TYPE_CONTROL_POINT || input.m_nControlPoint != nControlPoint )
-		return ZOL_STEP_NOT_APPLICABLE;
-	if ( !DoesZolVariableTypeFit( PVAL_TRANSFORM, type.GetBaseType() ) )
-		return ZOL_STEP_FAILED;
-	input.m_nType = PT_TYPE_NAMED_VALUE;
-	input.m_NamedValue.SetName( pVariable );
-	input.m_bFollowNamedValue = true;
-	SaveInput( input, pNew );
-	return ZOL_STEP_DONE;
+	return ConvertInputRead<CParticleTransformInput>( pOld, pNew, pMessages, nControlPoint, PT_TYPE_CONTROL_POINT, [ & ]( CParticleTransformInput &input ) {
+		if ( !DoesZolVariableTypeFit( PVAL_TRANSFORM, type.GetBaseType() ) )
+			return false;
+		input.m_nType = PT_TYPE_NAMED_VALUE;
+		input.m_NamedValue.SetName( pVariable );
+		input.m_bFollowNamedValue = true;
+		return true;
+	} );
 }
 
 int CConvertCPRead_ModelInput::ConvertKeys( int nControlPoint, const char *pVariable, const CPulseValueFullType &type, const KeyValues3 *pOld, KeyValues3 *pNew,
 	CErrorMessageList *pMessages )
 {
-	CParticleModelInput input;
-	if ( !LoadInput( &input, pOld, nullptr, pMessages ) )
-		return ZOL_STEP_FAILED;
-	if ( input.m_nType != PM_TYPE_CONTROL_POINT || input.m_nControlPoint != nControlPoint )
-		return ZOL_STEP_NOT_APPLICABLE;
-	if ( type.GetBaseType() == PVAL_PARTICLE_EHANDLE )
-		input.m_nType = PM_TYPE_NAMED_VALUE_EHANDLE;
-	else if ( type.GetBaseType() == PVAL_RESOURCE || !type.IsValid() )
-		input.m_nType = PM_TYPE_NAMED_VALUE_MODEL;
-	else
-	{
-		pMessages->Report( ERROR_SEVERITY_ERROR, nullptr, "model input '%s' unrecognized variable type '%s'", m_Field.Get(), type.ToString().Get() );
-		return ZOL_STEP_FAILED;
-	}
-	input.m_NamedValue.SetName( pVariable );
-	SaveInput( input, pNew );
-	return ZOL_STEP_DONE;
+	return ConvertInputRead<CParticleModelInput>( pOld, pNew, pMessages, nControlPoint, PM_TYPE_CONTROL_POINT, [ & ]( CParticleModelInput &input ) {
+		if ( type.GetBaseType() == PVAL_PARTICLE_EHANDLE )
+			input.m_nType = PM_TYPE_NAMED_VALUE_EHANDLE;
+		else if ( type.GetBaseType() == PVAL_RESOURCE || !type.IsValid() )
+			input.m_nType = PM_TYPE_NAMED_VALUE_MODEL;
+		else
+		{
+			pMessages->Report( ERROR_SEVERITY_ERROR, nullptr, "model input '%s' unrecognized variable type '%s'", m_Field.Get(), type.ToString().Get() );
+			return false;
+		}
+		input.m_NamedValue.SetName( pVariable );
+		return true;
+	} );
 }

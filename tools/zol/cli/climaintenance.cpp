@@ -84,6 +84,20 @@ void CZolCliMaintenanceHost::GetAllAssets( CUtlVector<IAsset *> *pAssets )
 	m_Services.GetAssetSystem()->GetAssets( pAssets, RESOURCE_TYPE_PARTICLE_SYSTEM );
 }
 
+bool CZolCliMaintenanceHost::StartFor( const CUtlVector<const char *> &files, bool bAll, CUtlVector<IAsset *> *pAssets, CZolFileReport *pReport )
+{
+	if ( !Start( files.IsEmpty() ? nullptr : files[ 0 ] ) )
+		return false;
+	if ( bAll )
+		GetAllAssets( pAssets );
+	for ( const char *pFile : files )
+	{
+		if ( IAsset *pAsset = FindFileAsset( pFile, pReport ) )
+			pAssets->AddToTail( pAsset );
+	}
+	return true;
+}
+
 CUtlString CZolCliMaintenanceHost::GetDisplayName( IAsset *pAsset ) const
 {
 	if ( !pAsset )
@@ -108,4 +122,14 @@ void PrintMaintenanceReport( const CZolFileReport &report, FILE *pOut )
 bool IsMaintenanceFileArgument( const char *pArg )
 {
 	return pArg && *pArg && pArg[ 0 ] != '-';
+}
+
+CUtlString DescribeBadMaintenanceArgument( const char *pArg )
+{
+	CUtlString why;
+	if ( pArg && *pArg )
+		why.Format( "unknown option %s", pArg );
+	else
+		why.Set( "an empty file name" );
+	return why;
 }

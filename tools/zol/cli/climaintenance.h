@@ -30,6 +30,10 @@ public:
 	IAsset *FindFileAsset( const char *pFile, CZolFileReport *pReport );
 	// Every particle system of the content root, in name order.
 	void GetAllAssets( CUtlVector<IAsset *> *pAssets );
+	// Starts over the roots of the files (or the working folder for --all) and gives the
+	// systems to work on: all of them, or those of the files, each file that isn't one an
+	// error line. False when no root could be found (the message is printed).
+	bool StartFor( const CUtlVector<const char *> &files, bool bAll, CUtlVector<IAsset *> *pAssets, CZolFileReport *pReport );
 
 	// The file's path relative to the working folder when it lies below it, else absolute,
 	// with forward slashes.
@@ -46,3 +50,5 @@ private:
 void PrintMaintenanceReport( const CZolFileReport &report, FILE *pOut );
 // Whether the argument is a file name rather than an option; an empty one is neither.
 bool IsMaintenanceFileArgument( const char *pArg );
+// Why an argument that is neither an option of the command nor a file is refused.
+CUtlString DescribeBadMaintenanceArgument( const char *pArg );

@@ -96,7 +96,10 @@ int RunConvertCp( int argc, char **argv )
 		else
 		{
 			CUtlString why;
-			why.Format( IsMaintenanceFileArgument( pArg ) ? "one file only (%s)" : *pArg ? "unknown option %s" : "an empty file name%s", pArg );
+			if ( IsMaintenanceFileArgument( pArg ) )
+				why.Format( "one file only (%s)", pArg );
+			else
+				why = DescribeBadMaintenanceArgument( pArg );
 			return Usage( why.Get() );
 		}
 	}

@@ -193,11 +193,7 @@ int RunRefs( int argc, char **argv )
 		else if ( IsMaintenanceFileArgument( pArg ) )
 			files.AddToTail( pArg );
 		else
-		{
-			CUtlString why;
-			why.Format( *pArg ? "unknown option %s" : "an empty file name", pArg );
-			return Usage( why.Get() );
-		}
+			return Usage( DescribeBadMaintenanceArgument( pArg ).Get() );
 	}
 	if ( bAll == !files.IsEmpty() )
 		return Usage( bAll ? "--all and files exclude each other" : "no file given" );
@@ -205,17 +201,10 @@ int RunRefs( int argc, char **argv )
 		return Usage( "--cp and --name exclude each other" );
 
 	CZolCliMaintenanceHost host;
-	if ( !host.Start( files.IsEmpty() ? nullptr : files[ 0 ] ) )
-		return 2;
 	CZolFileReport namedReport;
 	CUtlVector<IAsset *> systems;
-	if ( bAll )
-		host.GetAllAssets( &systems );
-	for ( const char *pFile : files )
-	{
-		if ( IAsset *pAsset = host.FindFileAsset( pFile, &namedReport ) )
-			systems.AddToTail( pAsset );
-	}
+	if ( !host.StartFor( files, bAll, &systems, &namedReport ) )
+		return 2;
 	CZolModifierTable modifiers;
 	modifiers.Reload( GetGameToolsService() );
 	CZolReferenceNavigator navigator( &host.GetDocuments() );

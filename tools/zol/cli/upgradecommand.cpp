@@ -38,11 +38,7 @@ int RunUpgrade( int argc, char **argv )
 		else if ( IsMaintenanceFileArgument( pArg ) )
 			files.AddToTail( pArg );
 		else
-		{
-			CUtlString why;
-			why.Format( *pArg ? "unknown option %s" : "an empty file name", pArg );
-			return Usage( why.Get() );
-		}
+			return Usage( DescribeBadMaintenanceArgument( pArg ).Get() );
 	}
 	if ( bDryRun && bCheck )
 		return Usage( "--dry-run and --check exclude each other" );
@@ -50,19 +46,12 @@ int RunUpgrade( int argc, char **argv )
 		return Usage( bAll ? "--all and files exclude each other" : "no file given" );
 
 	CZolCliMaintenanceHost host;
-	if ( !host.Start( files.IsEmpty() ? nullptr : files[ 0 ] ) )
-		return 2;
 	CZolFileReport report;
+	CUtlVector<IAsset *> assets;
+	if ( !host.StartFor( files, bAll, &assets, &report ) )
+		return 2;
 	CZolVersionUpgrade upgrade( &host.GetDocuments(), &report );
 	upgrade.SetDryRun( bDryRun || bCheck );
-	CUtlVector<IAsset *> assets;
-	if ( bAll )
-		host.GetAllAssets( &assets );
-	for ( const char *pFile : files )
-	{
-		if ( IAsset *pAsset = host.FindFileAsset( pFile, &report ) )
-			assets.AddToTail( pAsset );
-	}
 	for ( IAsset *pAsset : assets )
 		upgrade.UpgradeAsset( pAsset, bRecursive );
 
