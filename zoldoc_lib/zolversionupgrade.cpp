@@ -71,6 +71,8 @@ bool CZolVersionUpgrade::UpgradeOpenDocument( CZolDoc *pDoc, IAsset *pAsset )
 {
 	if ( pAsset )
 		m_Walked.insert( pAsset );
+	if ( !pDoc->GetRoot() )
+		return false;
 	const CUtlString name = m_pDocuments->GetDisplayName( pAsset );
 	const int nFrom = pDoc->GetBehaviorVersion();
 	if ( !CheckNotNewer( name.Get(), nFrom ) || pDoc->IsCurrentBehaviorVersion() )
