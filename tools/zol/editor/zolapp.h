@@ -18,6 +18,7 @@
 
 class CPulseValueFullType;
 class CQZolMainWnd;
+class CQZolVariableConvertDialog;
 class CZolNamedValueContext;
 class CZolSession;
 
@@ -56,6 +57,8 @@ public:
 	// The framework's steps, and "set KEY VALUE" (an edit of a member of the active
 	// definition's root, as the property panel makes it) and "get KEY" (zolappscript.cpp).
 	bool RunScriptStep( const char *pStep, CUtlString *pOutput ) override;
+	// "select base" or "select Emitter 0": selects in the active definition.
+	bool RunSelectStep( const char *pArgs, CUtlString *pOutput );
 	// Not while a dialog is up: a question may stand in the middle of an operation.
 	bool CanAutosaveNow() override;
 	bool OfferSync( const char * ) override { return true; }
@@ -127,11 +130,17 @@ public:
 	using AddVariableDialogFn_t = std::function<bool( CZolNamedValueContext *, CUtlString *, CPulseValueFullType * )>;
 	void SetAddVariableDialogRunner( AddVariableDialogFn_t fn ) { m_fnAddVariableDialog = std::move( fn ); }
 
+	// "Convert Control Point #N to Variable" for the session's family: the one dialog of
+	// the application, made at first use over the window and kept.
+	void ShowVariableConvertDialog( CZolSession *pSession, int nControlPoint );
+	CQZolVariableConvertDialog *GetVariableConvertDialog() const { return m_pVariableConvertDialog; }
+
 	// Whether the main window is made by Init; tests of the logic run without one.
 	void SetCreatesMainWindow( bool bCreate ) { m_bCreatesMainWindow = bCreate; }
 
 private:
 	CQZolMainWnd *m_pMainWnd = nullptr;
+	CQZolVariableConvertDialog *m_pVariableConvertDialog = nullptr;
 	std::unique_ptr<CZolEventHub> m_pEventHub;
 	// Turns edited and loaded definitions into what the preview simulates.
 	CParticleAssetCompiler m_ParticleCompiler;

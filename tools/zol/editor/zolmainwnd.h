@@ -10,8 +10,11 @@
 #include "tools/toolutils2/widgets/baseeditorwnd/baseeditormdiwnd.h"
 
 class CQParticleFunctionList;
+class CQZolReferenceNavigatorWidget;
+class CQZolStaleVersionToolBar;
 class CQParticlePreview;
-class CZolNamedValueContext;
+class CQZolPropertyWidget;
+class CZolKV3PropertyDomain;
 class CQUndoHistoryWidget;
 class CZolSession;
 class QDockWidget;
@@ -40,6 +43,9 @@ public:
 	CQParticlePreview *GetPreview() const { return m_pPreview; }
 	CQParticleFunctionList *GetFunctionList() const { return m_pFunctionList; }
 	QDockWidget *GetFunctionDock() const { return m_pFunctionDock; }
+	CQZolPropertyWidget *GetPropertyWidget() const { return m_pPropertyWidget; }
+	QDockWidget *GetPropertyDock() const { return m_pPropertyDock; }
+	CZolKV3PropertyDomain *GetPropertyDomain() const { return m_pDomain.get(); }
 	QDockWidget *GetUndoDock() const { return m_pUndoDock; }
 	CQUndoHistoryWidget *GetUndoHistoryWidget() const { return m_pUndoHistoryWidget; }
 	QMenu *GetEditMenu() const { return m_pEditMenu; }
@@ -51,6 +57,12 @@ public:
 	QAction *GetOpenDirectoryAction() const { return m_pOpenDirectoryAction; }
 	QAction *GetSaveAllAction() const { return m_pSaveAllAction; }
 	QAction *GetCloseAllAction() const { return m_pCloseAllAction; }
+
+	// Asset maintenance: the bar of a stale behaviour version over the preview, and the
+	// reference navigator's dock.
+	CQZolStaleVersionToolBar *GetStaleVersionToolBar() const { return m_pStaleVersionToolBar; }
+	CQZolReferenceNavigatorWidget *GetReferenceNavigator() const { return m_pReferenceNavigator; }
+	QDockWidget *GetReferenceNavigatorDock() const { return m_pReferenceNavigatorDock; }
 
 	enum EditAction_t
 	{
@@ -65,14 +77,22 @@ public:
 public slots:
 	void UpdateEditMenu();
 	void OnToggleWindwLock( bool bLocked );
+	// The property panel's notice of an edit: the function list shows what it changed.
+	void OnPropertyAttributeModified( const QString &name, int nModifyType );
+	// Shows the navigator, reads the modifier table again and rebuilds it.
+	void ShowReferenceNavigatorWidget();
 
 protected:
 	void CreateChildren() override;
 	void CreateFileMenu( QMenu *pMenu ) override;
+	void SaveToolWindowSettings( KeyValues3 *pTable ) override;
+	void RestoreToolWindowSettings( const KeyValues3 *pTable ) override;
 
 private:
 	QDockWidget *MakeDock( const char *pTitle, const char *pObjectName, QWidget *pContent, int nWidth, int nHeight );
 	CZolSession *GetCurrentSession() const;
+	// The stale version bar, the navigator's dock and its View menu entry.
+	void CreateAssetMaintenanceChildren();
 
 	QDockWidget *m_pAssetPaneDock = nullptr;
 	QDockWidget *m_pFunctionDock = nullptr;
@@ -80,8 +100,10 @@ private:
 	QDockWidget *m_pUndoDock = nullptr;
 	QStatusBar *m_pStatusBar = nullptr;
 	CQParticleFunctionList *m_pFunctionList = nullptr;
-	// The variables around the shown session, for the panels that add or pick variables.
-	std::unique_ptr<CZolNamedValueContext> m_pVariableContext;
+	// The property panel's domain; it is also the named value context of the shown
+	// session for the panels that add or pick variables.
+	std::unique_ptr<CZolKV3PropertyDomain> m_pDomain;
+	CQZolPropertyWidget *m_pPropertyWidget = nullptr;
 	QDockWidget *m_pPropertyDock = nullptr;
 	QMenu *m_pViewMenu = nullptr;
 	QMenu *m_pEditMenu = nullptr;
@@ -93,4 +115,7 @@ private:
 	QAction *m_pSaveAllAction = nullptr;
 	QAction *m_pCloseAllAction = nullptr;
 	int m_nFrameCount = 0;
+	CQZolStaleVersionToolBar *m_pStaleVersionToolBar = nullptr;
+	CQZolReferenceNavigatorWidget *m_pReferenceNavigator = nullptr;
+	QDockWidget *m_pReferenceNavigatorDock = nullptr;
 };
