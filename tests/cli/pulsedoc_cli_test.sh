@@ -4,8 +4,8 @@
 # NAME.out (the command on its first line); each broken document's messages in NAME.err.
 # usage: pulsedoc_cli_test.sh ZOL SOURCE_DIR
 set -uo pipefail
-zol=$1
-src=$2
+zol=$(cd "$(dirname "$1")" && pwd)/$(basename "$1")
+src=$(cd "$2" && pwd)
 failures=0
 fail() { echo "FAIL: $*"; failures=$((failures + 1)); }
 cd "$src" || exit 1
@@ -76,6 +76,15 @@ out=$("$zol" pulse check "$tmp/garbage.tpulse" 2>&1)
 [ $? -eq 2 ] || fail "compile of two documents was not refused"
 "$zol" pulse compile "$hello" -o >/dev/null 2>&1
 [ $? -eq 2 ] || fail "-o without a file was not refused"
+
+# A document outside any game tree, checked from outside one, takes the game's events
+# from --game.
+cp content/content/pulse/documents/dice_game.tpulse "$tmp/dice_game.tpulse"
+out=$(cd "$tmp" && "$zol" pulse check dice_game.tpulse 2>&1)
+[ $? -eq 1 ] && grep -q "node 1: Node 'OnRoll' is no longer present" <<< "$out" || fail "events without a game root: $out"
+out=$(cd "$tmp" && "$zol" pulse run dice_game.tpulse --game "$src/content/game" --event OnRoll --arg value=6 2>&1)
+[ "$out" = "A six: ten points
+score 10, lives 2" ] || fail "events with --game: $out"
 
 [ $failures -eq 0 ] && echo "all pulse document cli checks passed"
 exit $((failures > 0))
