@@ -47,19 +47,17 @@ const ZolAttributeEditorFactoryEntry_t *GetZolAttributeEditorFactories( int *pCo
 
 int RegisterZolAttributeEditorFactories()
 {
-	// Checked before the once-only mark, so an unconnected start always stops here.
-	if ( !GetPropertyEditorSystem() )
+	IPropertyEditorSystem *pSystem = GetPropertyEditorSystem();
+	if ( !pSystem )
 		Plat_FatalError( "Cannot register an attribute editor factory before we're connected to the Property Editor System.\n" );
-	static bool s_bRegistered = false;
-	if ( s_bRegistered )
-		return 0;
-	s_bRegistered = true;
 	int nRegistered = 0;
 	for ( const ZolAttributeEditorFactoryEntry_t &entry : s_Factories )
 	{
-		// Factories stay registered for the life of the process.
+		// The factories live for the process; a system that has them already keeps them.
 		CPropertyAttributeEditorFactoryBase *pFactory = entry.m_fnCreate( entry.m_pName );
-		if ( pFactory && pFactory->RegisterWithPropertyEditorSystem() )
+		if ( pSystem->FindAttributeEditorFactory( entry.m_pName ) == pFactory )
+			continue;
+		if ( pFactory->RegisterWithPropertyEditorSystem() )
 			++nRegistered;
 	}
 	return nRegistered;

@@ -17,7 +17,7 @@ struct ZolAttributeEditorFactoryEntry_t
 // The table, in registration order.
 const ZolAttributeEditorFactoryEntry_t *GetZolAttributeEditorFactories( int *pCount );
 
-// Registers every factory of the table that can be made. The first call of the process
-// registers; later ones do nothing and answer 0. Without a property editor system the
-// process stops with a fatal error. Answers the count registered by this call.
+// Registers every factory of the table with the connected property editor system, once: a
+// system that has them already gets none again (the answer is then 0). Without a property
+// editor system the process stops with a fatal error. Answers the count registered.
 int RegisterZolAttributeEditorFactories();

@@ -324,6 +324,9 @@ void CQParticleFloatInputEditor::BuildWidgets()
 	connect( m_pLiteralEdit, &QLineEdit::editingFinished, this, &CQParticleFloatInputEditor::OnLiteralValueEdited );
 	connect( m_pLiteralEdit, &CQSmartLineEdit::DragEnded, this, &CQParticleFloatInputEditor::OnLiteralValueEdited );
 	connect( m_pNamedValueCombo, &QComboBox::textActivated, this, &CQParticleFloatInputEditor::OnNamedValueEdited );
+	// A typed name counts when the field is left or Return is pressed.
+	m_pNamedValueCombo->setEditable( true );
+	connect( m_pNamedValueCombo->lineEdit(), &QLineEdit::editingFinished, this, [ this ] { OnNamedValueEdited( m_pNamedValueCombo->currentText() ); } );
 	connect( m_pNamedValueCombo, QOverload<int>::of( &QComboBox::highlighted ), this, &CQParticleFloatInputEditor::OnNamedValueHighlighted );
 	for ( CQSmartLineEdit *pEdit : { m_pRandomMin, m_pRandomMax } )
 		connect( pEdit, &QLineEdit::editingFinished, this, &CQParticleFloatInputEditor::OnRandomMinMaxEdited );

@@ -47,8 +47,8 @@ public:
 	bool IsRangeDirty() const { return m_bRangeDirty; }
 
 	// The menus of the two buttons; the caller owns them.
-	QMenu *CreateTypeMenu();
-	QMenu *CreateMapMenu();
+	Q_INVOKABLE QMenu *CreateTypeMenu();
+	Q_INVOKABLE QMenu *CreateMapMenu();
 
 	// The parts, by name (the page widgets carry these as object names).
 	template <typename W> W *Part( const char *pName ) const { return findChild<W *>( QString::fromLatin1( pName ) ); }

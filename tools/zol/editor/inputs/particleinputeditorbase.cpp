@@ -126,13 +126,17 @@ void CQParticleInputEditorBase::ShowInteger( CQSmartLineEdit *pEdit, int nValue 
 void CQParticleInputEditorBase::FillVariableCombo( QComboBox *pCombo, const CPulseValueFullType &type, const char *pCurrent ) const
 {
 	const QSignalBlocker block( pCombo );
+	pCombo->clear();
+	// The box stays editable (its field is connected): a name may be typed, a variable of a
+	// parent's, or one not declared yet.
+	CUtlVector<ToolAttrGenericChoice_t> choices;
 	if ( CZolKV3PropertyDomain *pDomain = GetZolDomain() )
-		pDomain->FillVariableCombo( pCombo, type );
-	else
-		pCombo->clear();
-	// A name may be typed: a variable of a parent, or one not declared yet.
-	pCombo->setEditable( true );
-	pCombo->setInsertPolicy( QComboBox::NoInsert );
+		pDomain->GetCompatibleVariables( type, &choices );
+	for ( const ToolAttrGenericChoice_t &choice : choices )
+	{
+		pCombo->addItem( QString::fromUtf8( choice.m_Value.Get() ) );
+		pCombo->setItemData( pCombo->count() - 1, QString::fromUtf8( choice.m_Description.Get() ), Qt::ToolTipRole );
+	}
 	const QString current = QString::fromUtf8( pCurrent ? pCurrent : "" );
 	const int nIndex = pCombo->findText( current );
 	if ( nIndex >= 0 )

@@ -62,8 +62,8 @@ public:
 	static void ShowNumber( CQSmartLineEdit *pEdit, double flValue );
 	static void ShowInteger( CQSmartLineEdit *pEdit, int nValue );
 
-	// Fills a variable combo with the variables of the current file that hold the type, made
-	// editable so a name can be typed, showing pCurrent; signals blocked.
+	// Fills an editable variable combo with the variables of the current file that hold the
+	// type, each with its record as tool tip, showing pCurrent; signals blocked.
 	void FillVariableCombo( QComboBox *pCombo, const CPulseValueFullType &type, const char *pCurrent ) const;
 	// Offers the hovered variable's record (its tool tip) beside the pointer.
 	static void ShowHighlightedVariable( QComboBox *pCombo, int nIndex );

@@ -33,6 +33,9 @@ CQParticleModelInputEditor::CQParticleModelInputEditor( QWidget *pParent ) : CQP
 
 	connect( m_pTypeButton, &QToolButton::clicked, this, &CQParticleModelInputEditor::OnTypeButtonClicked );
 	connect( m_pNamedValueCombo, &QComboBox::textActivated, this, &CQParticleModelInputEditor::OnNamedValueEdited );
+	// A typed name counts when the field is left or Return is pressed.
+	m_pNamedValueCombo->setEditable( true );
+	connect( m_pNamedValueCombo->lineEdit(), &QLineEdit::editingFinished, this, [ this ] { OnNamedValueEdited( m_pNamedValueCombo->currentText() ); } );
 	connect( m_pNamedValueCombo, QOverload<int>::of( &QComboBox::highlighted ), this, &CQParticleModelInputEditor::OnNamedValueHighlighted );
 	connect( m_pCPEdit, &QLineEdit::editingFinished, this, &CQParticleModelInputEditor::OnCPNumberEdited );
 	LayOut();

@@ -13,7 +13,7 @@ public:
 	explicit CQParticleModelInputEditor( QWidget *pParent = nullptr );
 
 	const CParticleModelInput &GetInput() const { return m_Input; }
-	QMenu *CreateTypeMenu();
+	Q_INVOKABLE QMenu *CreateTypeMenu();
 	template <typename W> W *Part( const char *pName ) const { return findChild<W *>( QString::fromLatin1( pName ) ); }
 
 	void WriteToAttribute() override;

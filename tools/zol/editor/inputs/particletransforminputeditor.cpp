@@ -64,6 +64,9 @@ CQParticleTransformInputEditor::CQParticleTransformInputEditor( QWidget *pParent
 
 	connect( m_pTypeButton, &QToolButton::clicked, this, &CQParticleTransformInputEditor::OnTypeButtonClicked );
 	connect( m_pNamedValueCombo, &QComboBox::textActivated, this, &CQParticleTransformInputEditor::OnNamedValueEdited );
+	// A typed name counts when the field is left or Return is pressed.
+	m_pNamedValueCombo->setEditable( true );
+	connect( m_pNamedValueCombo->lineEdit(), &QLineEdit::editingFinished, this, [ this ] { OnNamedValueEdited( m_pNamedValueCombo->currentText() ); } );
 	connect( m_pNamedValueCombo, QOverload<int>::of( &QComboBox::highlighted ), this, &CQParticleTransformInputEditor::OnNamedValueHighlighted );
 	connect( m_pCPEdit, &QLineEdit::editingFinished, this, &CQParticleTransformInputEditor::OnCPNumberEdited );
 	connect( m_pCPMaxEdit, &QLineEdit::editingFinished, this, &CQParticleTransformInputEditor::OnCPMaxNumberEdited );

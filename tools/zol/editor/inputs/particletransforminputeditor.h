@@ -18,7 +18,7 @@ public:
 
 	const CParticleTransformInput &GetInput() const { return m_Input; }
 	int GetPreferredHeight() const;
-	QMenu *CreateTypeMenu();
+	Q_INVOKABLE QMenu *CreateTypeMenu();
 	template <typename W> W *Part( const char *pName ) const { return findChild<W *>( QString::fromLatin1( pName ) ); }
 
 	void WriteToAttribute() override;

@@ -147,6 +147,9 @@ void CQParticleVecInputEditor::BuildWidgets()
 		Commit();
 	} );
 	connect( m_pNamedValueCombo, &QComboBox::textActivated, this, &CQParticleVecInputEditor::OnNamedValueEdited );
+	// A typed name counts when the field is left or Return is pressed.
+	m_pNamedValueCombo->setEditable( true );
+	connect( m_pNamedValueCombo->lineEdit(), &QLineEdit::editingFinished, this, [ this ] { OnNamedValueEdited( m_pNamedValueCombo->currentText() ); } );
 	connect( m_pNamedValueCombo, QOverload<int>::of( &QComboBox::highlighted ), this, &CQParticleVecInputEditor::OnNamedValueHighlighted );
 	connect( m_pFollowValue, &QCheckBox::clicked, this, [ this ]( bool bChecked ) {
 		if ( bChecked == m_Input.m_bFollowNamedValue )

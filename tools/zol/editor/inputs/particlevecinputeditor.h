@@ -29,7 +29,7 @@ public:
 	// True during the write and rebuild that a type change starts.
 	bool IsChangingType() const { return m_bChangingType; }
 
-	QMenu *CreateTypeMenu();
+	Q_INVOKABLE QMenu *CreateTypeMenu();
 	template <typename W> W *Part( const char *pName ) const { return findChild<W *>( QString::fromLatin1( pName ) ); }
 	// The float editors inside: the components X, Y, Z (0..2) and the interpolation's input (3).
 	CQParticleFloatInputEditor *GetFloatEditor( int nIndex ) const { return m_pFloatEditors[ nIndex ]; }
