@@ -7,6 +7,7 @@
 
 #include <QApplication>
 #include <QMenu>
+#include <QScrollArea>
 #include <QtTest/QTest>
 
 #include "core/host/ipropertyeditorsystem.h"
@@ -193,4 +194,26 @@ TEST_F( InputEditorsAppTest, EveryFactoryOfTheTableIsRegisteredAndMakesItsWidget
 		ASSERT_NE( pEditor, nullptr ) << entry.m_pName;
 		EXPECT_STREQ( pEditor->metaObject()->className(), entry.m_pWidgetClass );
 	}
+}
+
+TEST_F( InputEditorsAppTest, ACurvePageFitsThePanelOfANewWindow )
+{
+	// The panel never scrolls sideways: a page wider than its column cut off every row's
+	// right end, the fields of other rows too.
+	OpenAndSelect( "particles/samples/embers.tfxs", PARTICLE_FUNCTION_OPERATOR, 2 );
+	QWidget *pEditor = Editor( "m_InputValue" );
+	ASSERT_NE( pEditor, nullptr );
+	ASSERT_EQ( pEditor->height(), 42 + 160 ) << "the curve page";
+	QScrollArea *pScroll = Panel()->findChild<QScrollArea *>();
+	ASSERT_NE( pScroll, nullptr );
+	EXPECT_LE( pScroll->widget()->width(), pScroll->viewport()->width() );
+	for ( const char *pField : { "InputHigh", "OutputHigh", "InputMode" } )
+	{
+		QWidget *pWidget = pEditor->findChild<QWidget *>( QString::fromLatin1( pField ) );
+		ASSERT_NE( pWidget, nullptr ) << pField;
+		const QRect inViewport( pWidget->mapTo( pScroll->viewport(), QPoint( 0, 0 ) ), pWidget->size() );
+		EXPECT_TRUE( pScroll->viewport()->rect().contains( inViewport ) ) << pField << " lies outside the panel";
+	}
+	// Its rows get the width they need: squeezed, the fields slide over their labels.
+	EXPECT_GE( pEditor->width(), pEditor->minimumSizeHint().width() );
 }

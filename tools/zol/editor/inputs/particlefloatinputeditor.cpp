@@ -179,8 +179,11 @@ void CQParticleFloatInputEditor::BuildWidgets()
 	AddRow( FLOAT_INPUT_ROW_HEIGHT );
 	m_pRandomSignFlip = OnPage( FLOAT_PAGE_RANDOM, new QCheckBox( QStringLiteral( "Randomly Flip Sign" ), this ), "RandomSignFlip" );
 	m_pRandomSignFlip->setFixedHeight( 22 );
+	// In a narrow column the box gives up the end of its text first, never the seed field.
+	m_pRandomSignFlip->setMinimumWidth( 24 );
+	m_pRandomSignFlip->setToolTip( m_pRandomSignFlip->text() );
 	OnPage( FLOAT_PAGE_RANDOM, MakeLabel( QStringLiteral( "Random Seed:" ), this ) );
-	m_pRandomSeed = OnPage( FLOAT_PAGE_RANDOM, MakeNumberEdit( this, true, 60 ), "RandomSeed" );
+	m_pRandomSeed = OnPage( FLOAT_PAGE_RANDOM, MakeNumberEdit( this, true ), "RandomSeed" );
 	m_pRandomSeed->setPlaceholderText( QStringLiteral( "-1" ) );
 	static_cast<QBoxLayout *>( m_pCurrentRow->layout() )->addStretch( 1 );
 	AddRow( FLOAT_INPUT_BIAS_HEIGHT );

@@ -16,6 +16,9 @@
 
 CQParticleInputEditorBase::CQParticleInputEditorBase( QWidget *pParent ) : CQAttributeEditor_Base( pParent )
 {
+	// The property panel never scrolls sideways: in a column narrower than a page's rows the
+	// editor gives up its right end, not the panel its other rows.
+	setMinimumWidth( MIN_EDITOR_WIDTH );
 }
 
 CQParticleInputEditorBase::~CQParticleInputEditorBase()

@@ -27,6 +27,8 @@ class CQParticleInputEditorBase : public CQAttributeEditor_Base
 
 public:
 	static constexpr int TYPE_BUTTON_SIZE = 18;
+	// What the editor asks of the panel's width at least; its widest pages want more.
+	static constexpr int MIN_EDITOR_WIDTH = 120;
 
 	// One row of a type menu.
 	struct TypeMenuRow_t

@@ -98,6 +98,8 @@ void CQParticleVecInputEditor::BuildWidgets()
 		auto *pFloat = new CQParticleFloatInputEditor( this, m_bPerParticle ? FLOAT_INPUT_EDITOR_PER_PARTICLE : FLOAT_INPUT_EDITOR_COLLECTION, m_bRenderer );
 		pFloat->setObjectName( i == INTERP_EDITOR ? QStringLiteral( "FloatInterp" ) : QStringLiteral( "Component%1" ).arg( COMPONENT_NAMES[ i ] ) );
 		pFloat->SetInlineOwner( this );
+		// It takes the rest of its row, its type's name whole.
+		pFloat->setSizePolicy( QSizePolicy::Expanding, pFloat->sizePolicy().verticalPolicy() );
 		m_pFloatEditors[ i ] = pFloat;
 		connect( pFloat, &CQParticleFloatInputEditor::OnEditInline, this,
 				 i == INTERP_EDITOR ? &CQParticleVecInputEditor::OnFloatInterpEdit : &CQParticleVecInputEditor::OnFloatComponentEdit );
