@@ -196,7 +196,7 @@ TEST_F( InputEditorsAppTest, EveryFactoryOfTheTableIsRegisteredAndMakesItsWidget
 	}
 }
 
-TEST_F( InputEditorsAppTest, ACurvePageFitsThePanelOfANewWindow )
+TEST_F( InputEditorsAppTest, TheCurveAndNoisePagesFitThePanelOfANewWindow )
 {
 	// The panel never scrolls sideways: a page wider than its column cut off every row's
 	// right end, the fields of other rows too.
@@ -216,4 +216,13 @@ TEST_F( InputEditorsAppTest, ACurvePageFitsThePanelOfANewWindow )
 	}
 	// Its rows get the width they need: squeezed, the fields slide over their labels.
 	EXPECT_GE( pEditor->width(), pEditor->minimumSizeHint().width() );
+
+	// The widest page, noise, chosen from the type menu, may want more than the column (the
+	// test platform's font is wide) but never widens the panel past it.
+	Choose( pEditor, "CreateTypeMenu", "Noise" );
+	pEditor = Editor( "m_InputValue" );
+	ASSERT_NE( pEditor, nullptr );
+	ASSERT_GT( pEditor->height(), 300 ) << "the noise page";
+	EXPECT_LE( pScroll->widget()->width(), pScroll->viewport()->width() );
+	EXPECT_LE( pEditor->mapTo( pScroll->viewport(), QPoint( pEditor->width(), 0 ) ).x(), pScroll->viewport()->width() );
 }

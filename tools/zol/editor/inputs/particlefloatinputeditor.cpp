@@ -28,13 +28,20 @@ namespace
 // A remap input's page starts a little down, under its label's line.
 constexpr uint32_t FLOAT_PAGE_REMAP_PAD = 1u << 31;
 constexpr int REMAP_PAD_HEIGHT = 12;
-constexpr int NOISE_LABEL_WIDTH = 140;
+// The widest a noise value stands; in a narrower column it gives way down to its minimum.
 constexpr int NOISE_VALUE_WIDTH = 160;
+constexpr int NOISE_RANGE_EDIT_WIDTH = 66;
 const QString RANGE_DIRTY_STYLE = QStringLiteral( "background-color: rgb(110, 100, 70);" );
 
 QIcon IconOf( const char *pFile )
 {
 	return CQParticleInputEditorBase::ZolIcon( QString::fromUtf8( pFile ) );
+}
+
+void FitNoiseValue( QWidget *pWidget, int nMaxWidth = NOISE_VALUE_WIDTH )
+{
+	pWidget->setMaximumWidth( nMaxWidth );
+	pWidget->setSizePolicy( QSizePolicy::Expanding, pWidget->sizePolicy().verticalPolicy() );
 }
 
 // A combo box that opens wider than it stands.
@@ -110,7 +117,7 @@ CQSliderLineEditFloat *CQParticleFloatInputEditor::MakeSlider( double flMin, dou
 	if ( bHardLimits )
 		pSlider->SetHardLimits( true, flMin, true, flMax );
 	pSlider->SetIntegral( bIntegral );
-	pSlider->setFixedWidth( NOISE_VALUE_WIDTH );
+	FitNoiseValue( pSlider );
 	return pSlider;
 }
 
@@ -204,27 +211,31 @@ void CQParticleFloatInputEditor::BuildWidgets()
 	m_pBBoxCheck = OnPage( FLOAT_PAGE_CAMERA_BBOX, new QCheckBox( QStringLiteral( "Use BBox Center, not CP" ), this ), "UseBBoxCenter" );
 
 	// Noise: labels on the left, values 160 wide.
-	auto noiseRow = [ this ]( const char *pLabel ) {
+	// The labels stand in a column as wide as the longest of them.
+	const int nNoiseLabelWidth = fontMetrics().horizontalAdvance( QStringLiteral( "Turbulence Freq Scale:" ) ) + 6;
+	auto noiseRow = [ this, nNoiseLabelWidth ]( const char *pLabel ) {
 		AddRow( FLOAT_INPUT_ROW_HEIGHT );
 		QLabel *pLabelWidget = OnPage( FLOAT_PAGE_NOISE, MakeLabel( QString::fromLatin1( pLabel ), this ) );
-		pLabelWidget->setFixedWidth( NOISE_LABEL_WIDTH );
+		pLabelWidget->setFixedWidth( nNoiseLabelWidth );
 	};
 	auto endRow = [ this ] { static_cast<QBoxLayout *>( m_pCurrentRow->layout() )->addStretch( 1 ); };
 	noiseRow( "Noise Range:" );
-	m_pNoiseMin = OnPage( FLOAT_PAGE_NOISE, MakeNumberEdit( this, false, 66 ), "NoiseMin" );
+	m_pNoiseMin = OnPage( FLOAT_PAGE_NOISE, MakeNumberEdit( this, false ), "NoiseMin" );
+	FitNoiseValue( m_pNoiseMin, NOISE_RANGE_EDIT_WIDTH );
 	QToolButton *pReverseNoise = OnPage( FLOAT_PAGE_NOISE, MakeTypeButton( this ), "ReverseNoiseRange" );
 	pReverseNoise->setIcon( IconOf( "reverse_values.png" ) );
 	pReverseNoise->setToolTip( QStringLiteral( "Reverse Noise Range" ) );
-	m_pNoiseMax = OnPage( FLOAT_PAGE_NOISE, MakeNumberEdit( this, false, 66 ), "NoiseMax" );
+	m_pNoiseMax = OnPage( FLOAT_PAGE_NOISE, MakeNumberEdit( this, false ), "NoiseMax" );
+	FitNoiseValue( m_pNoiseMax, NOISE_RANGE_EDIT_WIDTH );
 	endRow();
 	noiseRow( "Noise Change Rate:" );
 	m_pNoiseRate = OnPage( FLOAT_PAGE_NOISE, new CQVectorEdit( this ), "NoiseRate" );
-	m_pNoiseRate->setFixedWidth( NOISE_VALUE_WIDTH );
+	FitNoiseValue( m_pNoiseRate );
 	endRow();
 	noiseRow( "Noise Type:" );
 	m_pNoiseType = OnPage( FLOAT_PAGE_NOISE, new QComboBox( this ), "NoiseType" );
 	m_pNoiseType->addItems( { QStringLiteral( "Perlin" ), QStringLiteral( "Simplex" ), QStringLiteral( "Worley" ) } );
-	m_pNoiseType->setFixedWidth( NOISE_VALUE_WIDTH );
+	FitNoiseValue( m_pNoiseType );
 	endRow();
 	noiseRow( "Noise Frequency:" );
 	m_pNoiseScale = OnPage( FLOAT_PAGE_NOISE, MakeSlider( 0.001, 2.0, false, false ), "NoiseFrequency" );
@@ -239,7 +250,7 @@ void CQParticleFloatInputEditor::BuildWidgets()
 	m_pNoiseTurbulence = OnPage( FLOAT_PAGE_NOISE, new QComboBox( this ), "NoiseTurbulence" );
 	m_pNoiseTurbulence->addItems( { QStringLiteral( "None" ), QStringLiteral( "Highlight" ), QStringLiteral( "Feedback" ), QStringLiteral( "Loopy" ),
 									QStringLiteral( "Contrast" ), QStringLiteral( "Alternate" ) } );
-	m_pNoiseTurbulence->setFixedWidth( NOISE_VALUE_WIDTH );
+	FitNoiseValue( m_pNoiseTurbulence );
 	endRow();
 	noiseRow( "Turbulence Freq Scale:" );
 	m_pNoiseTurbulenceScale = OnPage( FLOAT_PAGE_NOISE, MakeSlider( -5.0, 5.0, false, false ), "TurbulenceScale" );
@@ -250,12 +261,12 @@ void CQParticleFloatInputEditor::BuildWidgets()
 	noiseRow( "Noise Modifier:" );
 	m_pNoiseModifier = OnPage( FLOAT_PAGE_NOISE, new QComboBox( this ), "NoiseModifier" );
 	m_pNoiseModifier->addItems( { QStringLiteral( "None" ), QStringLiteral( "Zebra" ), QStringLiteral( "Sparse" ), QStringLiteral( "Blobby" ) } );
-	m_pNoiseModifier->setFixedWidth( NOISE_VALUE_WIDTH );
+	FitNoiseValue( m_pNoiseModifier );
 	endRow();
 	AddRow( FLOAT_INPUT_ROW_HEIGHT );
 	m_pNoisePreviewMode = OnPage( FLOAT_PAGE_NOISE, new QComboBox( this ), "NoisePreviewMode" );
 	m_pNoisePreviewMode->addItems( { QStringLiteral( "Static Preview" ), QStringLiteral( "Live Preview" ) } );
-	m_pNoisePreviewMode->setFixedWidth( NOISE_LABEL_WIDTH - 3 );
+	m_pNoisePreviewMode->setMaximumWidth( nNoiseLabelWidth - 3 );
 	OnPage( FLOAT_PAGE_NOISE, MakeLabel( QStringLiteral( "Preview Scale:" ), this ) );
 	m_pNoisePreviewScale = OnPage( FLOAT_PAGE_NOISE, MakeSlider( 0.1, 4.0, false, false ), "NoisePreviewScale" );
 	endRow();
