@@ -226,3 +226,43 @@ TEST_F( InputEditorsAppTest, TheCurveAndNoisePagesFitThePanelOfANewWindow )
 	EXPECT_LE( pScroll->widget()->width(), pScroll->viewport()->width() );
 	EXPECT_LE( pEditor->mapTo( pScroll->viewport(), QPoint( pEditor->width(), 0 ) ).x(), pScroll->viewport()->width() );
 }
+
+TEST_F( InputEditorsAppTest, DisabledIsOfferedOnlyForAnOptionalTransformAndIsOneStep )
+{
+	auto menuTexts = []( QWidget *pEditor ) {
+		QMenu *pMenu = nullptr;
+		QStringList texts;
+		if ( QMetaObject::invokeMethod( pEditor, "CreateTypeMenu", Q_RETURN_ARG( QMenu *, pMenu ) ) && pMenu )
+		{
+			for ( QAction *pAction : pMenu->actions() )
+				texts << pAction->text();
+			delete pMenu;
+		}
+		return texts;
+	};
+	// A ring needs its transform.
+	OpenAndSelect( "particles/samples/campfire.tfxs", PARTICLE_FUNCTION_INITIALIZER, 0 );
+	QWidget *pRing = Editor( "m_TransformInput" );
+	ASSERT_NE( pRing, nullptr );
+	EXPECT_STREQ( pRing->metaObject()->className(), "CQParticleTransformInputEditor" );
+	const QStringList ringTypes = menuTexts( pRing );
+	ASSERT_FALSE( ringTypes.isEmpty() );
+	EXPECT_FALSE( ringTypes.contains( "Disabled" ) );
+
+	// The velocity noise may go without one.
+	OpenAndSelect( "particles/samples/embers.tfxs", PARTICLE_FUNCTION_INITIALIZER, 1 );
+	QWidget *pNoise = Editor( "m_TransformInput" );
+	ASSERT_NE( pNoise, nullptr );
+	const QStringList noiseTypes = menuTexts( pNoise );
+	ASSERT_FALSE( noiseTypes.isEmpty() );
+	EXPECT_EQ( noiseTypes.first(), QStringLiteral( "Disabled" ) );
+	const int nSteps = UndoSteps();
+	Choose( pNoise, "CreateTypeMenu", "Disabled" );
+	EXPECT_EQ( UndoSteps(), nSteps + 1 );
+	const KeyValues3 *pTransform = Member( PARTICLE_FUNCTION_INITIALIZER, 1, "m_TransformInput" );
+	ASSERT_NE( pTransform, nullptr );
+	EXPECT_STREQ( pTransform->GetMemberString( "m_nType" ), "PT_TYPE_INVALID" );
+	Doc()->Undo();
+	pTransform = Member( PARTICLE_FUNCTION_INITIALIZER, 1, "m_TransformInput" );
+	EXPECT_FALSE( pTransform && pTransform->GetMemberString( "m_nType" ) && strcmp( pTransform->GetMemberString( "m_nType" ), "PT_TYPE_INVALID" ) == 0 );
+}
