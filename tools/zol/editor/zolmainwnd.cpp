@@ -16,6 +16,8 @@
 #include "tools/toolutils2/widgets/inputbind/inputbindmanager.h"
 #include "tools/toolutils2/widgets/undo/undohistorywidget.h"
 #include "tools/widgets/assetthumbnail.h"
+#include "tools/zol/editor/assetmaintenance/zolreferencenavigatorwidget.h"
+#include "tools/zol/editor/assetmaintenance/zolstaleversiontoolbar.h"
 #include "tools/zol/editor/functionlist/particlefunctionlist.h"
 #include "tools/zol/editor/functionlist/particlesystemthumbnail.h"
 #include "tools/toolutils2/widgets/propertyeditor/propertypanel.h"
@@ -115,6 +117,7 @@ void CQZolMainWnd::CreateChildren()
 	pLock->setChecked( true );
 	connect( pLock, &QAction::toggled, this, &CQZolMainWnd::OnToggleWindwLock );
 	OnToggleWindwLock( true );
+	CreateAssetMaintenanceChildren();
 
 	m_pStatusBar = new QStatusBar( this );
 	setStatusBar( m_pStatusBar );
@@ -127,6 +130,29 @@ void CQZolMainWnd::CreateChildren()
 		pApp->SetClipboardHooks( []( const char *pText ) { QApplication::clipboard()->setText( QString::fromUtf8( pText ) ); },
 			[]() { return CUtlString( QApplication::clipboard()->text().toUtf8().constData() ); } );
 	}
+}
+
+void CQZolMainWnd::CreateAssetMaintenanceChildren()
+{
+	m_pStaleVersionToolBar = new CQZolStaleVersionToolBar( this );
+	addToolBar( Qt::TopToolBarArea, m_pStaleVersionToolBar );
+	// The navigator is a tool window: it floats until the user docks it, and lives on hidden.
+	m_pReferenceNavigator = new CQZolReferenceNavigatorWidget();
+	m_pReferenceNavigatorDock = MakeDock( "Particle Reference Navigator", "ZOL2_ReferenceNavigatorDock", m_pReferenceNavigator, 800, 400 );
+	addDockWidget( Qt::BottomDockWidgetArea, m_pReferenceNavigatorDock );
+	m_pReferenceNavigatorDock->setFloating( true );
+	m_pReferenceNavigatorDock->resize( 800, 400 );
+	m_pReferenceNavigatorDock->hide();
+	m_pViewMenu->addSeparator();
+	m_pViewMenu->addAction( "Show Reference Navigator", this, &CQZolMainWnd::ShowReferenceNavigatorWidget );
+}
+
+void CQZolMainWnd::ShowReferenceNavigatorWidget()
+{
+	m_pReferenceNavigatorDock->show();
+	m_pReferenceNavigatorDock->raise();
+	m_pReferenceNavigator->OnReloadModifierInfo();
+	m_pReferenceNavigator->OnRefresh();
 }
 
 void CQZolMainWnd::CreateFileMenu( QMenu *pMenu )

@@ -10,6 +10,8 @@
 #include "tools/toolutils2/widgets/baseeditorwnd/baseeditormdiwnd.h"
 
 class CQParticleFunctionList;
+class CQZolReferenceNavigatorWidget;
+class CQZolStaleVersionToolBar;
 class CQParticlePreview;
 class CQZolPropertyWidget;
 class CZolKV3PropertyDomain;
@@ -56,6 +58,12 @@ public:
 	QAction *GetSaveAllAction() const { return m_pSaveAllAction; }
 	QAction *GetCloseAllAction() const { return m_pCloseAllAction; }
 
+	// Asset maintenance: the bar of a stale behaviour version over the preview, and the
+	// reference navigator's dock.
+	CQZolStaleVersionToolBar *GetStaleVersionToolBar() const { return m_pStaleVersionToolBar; }
+	CQZolReferenceNavigatorWidget *GetReferenceNavigator() const { return m_pReferenceNavigator; }
+	QDockWidget *GetReferenceNavigatorDock() const { return m_pReferenceNavigatorDock; }
+
 	enum EditAction_t
 	{
 		EDIT_CUT,
@@ -71,6 +79,8 @@ public slots:
 	void OnToggleWindwLock( bool bLocked );
 	// The property panel's notice of an edit: the function list shows what it changed.
 	void OnPropertyAttributeModified( const QString &name, int nModifyType );
+	// Shows the navigator, reads the modifier table again and rebuilds it.
+	void ShowReferenceNavigatorWidget();
 
 protected:
 	void CreateChildren() override;
@@ -81,6 +91,8 @@ protected:
 private:
 	QDockWidget *MakeDock( const char *pTitle, const char *pObjectName, QWidget *pContent, int nWidth, int nHeight );
 	CZolSession *GetCurrentSession() const;
+	// The stale version bar, the navigator's dock and its View menu entry.
+	void CreateAssetMaintenanceChildren();
 
 	QDockWidget *m_pAssetPaneDock = nullptr;
 	QDockWidget *m_pFunctionDock = nullptr;
@@ -103,4 +115,7 @@ private:
 	QAction *m_pSaveAllAction = nullptr;
 	QAction *m_pCloseAllAction = nullptr;
 	int m_nFrameCount = 0;
+	CQZolStaleVersionToolBar *m_pStaleVersionToolBar = nullptr;
+	CQZolReferenceNavigatorWidget *m_pReferenceNavigator = nullptr;
+	QDockWidget *m_pReferenceNavigatorDock = nullptr;
 };
