@@ -688,16 +688,12 @@ QMenu *CQParticleFloatInputEditor::CreateMapMenu()
 
 void CQParticleFloatInputEditor::OnTypeButtonClicked()
 {
-	QMenu *pMenu = CreateTypeMenu();
-	pMenu->exec( QCursor::pos() );
-	pMenu->deleteLater();
+	PopUpMenu( CreateTypeMenu() );
 }
 
 void CQParticleFloatInputEditor::OnMapButtonClicked()
 {
-	QMenu *pMenu = CreateMapMenu();
-	pMenu->exec( QCursor::pos() );
-	pMenu->deleteLater();
+	PopUpMenu( CreateMapMenu() );
 }
 
 void CQParticleFloatInputEditor::OnSetType( int nType )
@@ -728,11 +724,8 @@ void CQParticleFloatInputEditor::OnLiteralValueEdited()
 
 void CQParticleFloatInputEditor::OnNamedValueEdited( const QString &text )
 {
-	const QByteArray name = text.trimmed().toUtf8();
-	if ( name == QByteArray( m_Input.m_NamedValue.GetName() ) )
-		return;
-	m_Input.m_NamedValue.SetName( name.constData() );
-	Commit( false );
+	if ( TakeVariableName( text, &m_Input.m_NamedValue ) )
+		Commit( false );
 }
 
 void CQParticleFloatInputEditor::OnNamedValueHighlighted( int nIndex )
@@ -742,12 +735,8 @@ void CQParticleFloatInputEditor::OnNamedValueHighlighted( int nIndex )
 
 void CQParticleFloatInputEditor::OnCPNumberEdited()
 {
-	const int nControlPoint = ParseControlPointNumber( m_pCPEdit->text().toUtf8().constData() );
-	ShowInteger( m_pCPEdit, nControlPoint );
-	if ( nControlPoint == m_Input.m_nControlPoint )
-		return;
-	m_Input.m_nControlPoint = nControlPoint;
-	Commit( false );
+	if ( TakeControlPointNumber( m_pCPEdit, &m_Input.m_nControlPoint ) )
+		Commit( false );
 }
 
 void CQParticleFloatInputEditor::OnMultFactorEdited()

@@ -12,7 +12,10 @@
 #include "tools/toolutils2/toolattr/ibasetoolattr.h"
 #include "tools/toolutils2/toolattr_propertydomain/ipropertyeditdomain.h"
 #include "tools/widgets/smartlineedit.h"
+#include "tools/zol/editor/inputs/floatinputeditlogic.h"
+#include "tools/zol/editor/inputs/vecinputeditlogic.h"
 #include "tools/zol/editor/properties/zolkv3propertydomain.h"
+#include "particleslib/particlenamedvalueref.h"
 
 CQParticleInputEditorBase::CQParticleInputEditorBase( QWidget *pParent ) : CQAttributeEditor_Base( pParent )
 {
@@ -165,4 +168,37 @@ bool CQParticleInputEditorBase::IsBeingEdited() const
 			return true;
 	}
 	return false;
+}
+
+QVector<CQParticleInputEditorBase::TypeMenuRow_t> CQParticleInputEditorBase::MenuRows( const std::vector<InputTypeMenuRow_t> &rows )
+{
+	QVector<TypeMenuRow_t> out;
+	for ( const InputTypeMenuRow_t &row : rows )
+		out.append( { row.m_nValue, QString::fromUtf8( row.m_pText ), QString::fromUtf8( row.m_pIcon ) } );
+	return out;
+}
+
+void CQParticleInputEditorBase::PopUpMenu( QMenu *pMenu )
+{
+	pMenu->exec( QCursor::pos() );
+	pMenu->deleteLater();
+}
+
+bool CQParticleInputEditorBase::TakeVariableName( const QString &text, CParticleNamedValueRef *pRef )
+{
+	const QByteArray name = text.trimmed().toUtf8();
+	if ( name == QByteArray( pRef->GetName() ) )
+		return false;
+	pRef->SetName( name.constData() );
+	return true;
+}
+
+bool CQParticleInputEditorBase::TakeControlPointNumber( CQSmartLineEdit *pEdit, int32_t *pControlPoint )
+{
+	const int nControlPoint = ParseControlPointNumber( pEdit->text().toUtf8().constData() );
+	ShowInteger( pEdit, nControlPoint );
+	if ( nControlPoint == *pControlPoint )
+		return false;
+	*pControlPoint = nControlPoint;
+	return true;
 }

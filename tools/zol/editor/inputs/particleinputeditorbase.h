@@ -8,11 +8,14 @@
 #include <QIcon>
 #include <QVector>
 
+#include <vector>
+
 #include "core/kv3/keyvalues3.h"
 #include "core/kv3transfer/kv3transfercontext.h"
 #include "core/kv3transfer/kv3transferobject.h"
 #include "tools/toolutils2/widgets/propertyeditor/attributeeditorbase.h"
 
+class CParticleNamedValueRef;
 class CPulseValueFullType;
 class CQSmartLineEdit;
 class CZolKV3PropertyDomain;
@@ -20,6 +23,7 @@ class QComboBox;
 class QLabel;
 class QMenu;
 class QToolButton;
+struct InputTypeMenuRow_t;
 
 class CQParticleInputEditorBase : public CQAttributeEditor_Base
 {
@@ -55,6 +59,10 @@ public:
 
 	// A menu of the rows, each triggering fnChosen with its value; the current one checked.
 	QMenu *CreateTypeMenu( const QVector<TypeMenuRow_t> &rows, int nCurrent, std::function<void( int )> fnChosen );
+	// The rows of a type menu from its headless table.
+	static QVector<TypeMenuRow_t> MenuRows( const std::vector<InputTypeMenuRow_t> &rows );
+	// Opens a menu made for a button at the pointer and lets it go after.
+	static void PopUpMenu( QMenu *pMenu );
 
 	static QIcon ZolIcon( const QString &file );
 	static QToolButton *MakeTypeButton( QWidget *pParent );
@@ -69,6 +77,11 @@ public:
 	void FillVariableCombo( QComboBox *pCombo, const CPulseValueFullType &type, const char *pCurrent ) const;
 	// Offers the hovered variable's record (its tool tip) beside the pointer.
 	static void ShowHighlightedVariable( QComboBox *pCombo, int nIndex );
+	// A variable's name typed or chosen: true when it changed the reference.
+	static bool TakeVariableName( const QString &text, CParticleNamedValueRef *pRef );
+	// A control point field left: its number, clamped and shown back; true when it changed
+	// *pControlPoint.
+	static bool TakeControlPointNumber( CQSmartLineEdit *pEdit, int32_t *pControlPoint );
 
 	// IsBeingEdited: a field of this editor has focus and text the user changed.
 	bool IsBeingEdited() const override;

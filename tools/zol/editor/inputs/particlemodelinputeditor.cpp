@@ -92,17 +92,12 @@ void CQParticleModelInputEditor::Commit()
 
 QMenu *CQParticleModelInputEditor::CreateTypeMenu()
 {
-	QVector<TypeMenuRow_t> rows;
-	for ( const InputTypeMenuRow_t &row : GetModelInputTypeMenu( IsFieldOptional() ) )
-		rows.append( { row.m_nValue, QString::fromUtf8( row.m_pText ), QString::fromUtf8( row.m_pIcon ) } );
-	return CQParticleInputEditorBase::CreateTypeMenu( rows, m_Input.m_nType, [ this ]( int nType ) { OnSetType( nType ); } );
+	return CQParticleInputEditorBase::CreateTypeMenu( MenuRows( GetModelInputTypeMenu( IsFieldOptional() ) ), m_Input.m_nType, [ this ]( int nType ) { OnSetType( nType ); } );
 }
 
 void CQParticleModelInputEditor::OnTypeButtonClicked()
 {
-	QMenu *pMenu = CreateTypeMenu();
-	pMenu->exec( QCursor::pos() );
-	pMenu->deleteLater();
+	PopUpMenu( CreateTypeMenu() );
 }
 
 void CQParticleModelInputEditor::OnSetType( int nType )
@@ -116,11 +111,8 @@ void CQParticleModelInputEditor::OnSetType( int nType )
 
 void CQParticleModelInputEditor::OnNamedValueEdited( const QString &text )
 {
-	const QByteArray name = text.trimmed().toUtf8();
-	if ( name == QByteArray( m_Input.m_NamedValue.GetName() ) )
-		return;
-	m_Input.m_NamedValue.SetName( name.constData() );
-	Commit();
+	if ( TakeVariableName( text, &m_Input.m_NamedValue ) )
+		Commit();
 }
 
 void CQParticleModelInputEditor::OnNamedValueHighlighted( int nIndex )
@@ -130,10 +122,6 @@ void CQParticleModelInputEditor::OnNamedValueHighlighted( int nIndex )
 
 void CQParticleModelInputEditor::OnCPNumberEdited()
 {
-	const int nControlPoint = ParseControlPointNumber( m_pCPEdit->text().toUtf8().constData() );
-	ShowInteger( m_pCPEdit, nControlPoint );
-	if ( nControlPoint == m_Input.m_nControlPoint )
-		return;
-	m_Input.m_nControlPoint = nControlPoint;
-	Commit();
+	if ( TakeControlPointNumber( m_pCPEdit, &m_Input.m_nControlPoint ) )
+		Commit();
 }

@@ -146,17 +146,12 @@ void CQParticleTransformInputEditor::Commit()
 
 QMenu *CQParticleTransformInputEditor::CreateTypeMenu()
 {
-	QVector<TypeMenuRow_t> rows;
-	for ( const InputTypeMenuRow_t &row : GetTransformInputTypeMenu( IsFieldOptional() ) )
-		rows.append( { row.m_nValue, QString::fromUtf8( row.m_pText ), QString::fromUtf8( row.m_pIcon ) } );
-	return CQParticleInputEditorBase::CreateTypeMenu( rows, m_Input.m_nType, [ this ]( int nType ) { OnSetType( nType ); } );
+	return CQParticleInputEditorBase::CreateTypeMenu( MenuRows( GetTransformInputTypeMenu( IsFieldOptional() ) ), m_Input.m_nType, [ this ]( int nType ) { OnSetType( nType ); } );
 }
 
 void CQParticleTransformInputEditor::OnTypeButtonClicked()
 {
-	QMenu *pMenu = CreateTypeMenu();
-	pMenu->exec( QCursor::pos() );
-	pMenu->deleteLater();
+	PopUpMenu( CreateTypeMenu() );
 }
 
 void CQParticleTransformInputEditor::OnSetType( int nType )
@@ -170,11 +165,8 @@ void CQParticleTransformInputEditor::OnSetType( int nType )
 
 void CQParticleTransformInputEditor::OnNamedValueEdited( const QString &text )
 {
-	const QByteArray name = text.trimmed().toUtf8();
-	if ( name == QByteArray( m_Input.m_NamedValue.GetName() ) )
-		return;
-	m_Input.m_NamedValue.SetName( name.constData() );
-	Commit();
+	if ( TakeVariableName( text, &m_Input.m_NamedValue ) )
+		Commit();
 }
 
 void CQParticleTransformInputEditor::OnNamedValueHighlighted( int nIndex )
@@ -184,22 +176,14 @@ void CQParticleTransformInputEditor::OnNamedValueHighlighted( int nIndex )
 
 void CQParticleTransformInputEditor::OnCPNumberEdited()
 {
-	const int nControlPoint = ParseControlPointNumber( m_pCPEdit->text().toUtf8().constData() );
-	ShowInteger( m_pCPEdit, nControlPoint );
-	if ( nControlPoint == m_Input.m_nControlPoint )
-		return;
-	m_Input.m_nControlPoint = nControlPoint;
-	Commit();
+	if ( TakeControlPointNumber( m_pCPEdit, &m_Input.m_nControlPoint ) )
+		Commit();
 }
 
 void CQParticleTransformInputEditor::OnCPMaxNumberEdited()
 {
-	const int nControlPoint = ParseControlPointNumber( m_pCPMaxEdit->text().toUtf8().constData() );
-	ShowInteger( m_pCPMaxEdit, nControlPoint );
-	if ( nControlPoint == m_Input.m_nControlPointRangeMax )
-		return;
-	m_Input.m_nControlPointRangeMax = nControlPoint;
-	Commit();
+	if ( TakeControlPointNumber( m_pCPMaxEdit, &m_Input.m_nControlPointRangeMax ) )
+		Commit();
 }
 
 void CQParticleTransformInputEditor::OnEndGrowthTimeEdited()

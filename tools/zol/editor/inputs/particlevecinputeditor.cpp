@@ -498,17 +498,12 @@ void CQParticleVecInputEditor::Commit()
 
 QMenu *CQParticleVecInputEditor::CreateTypeMenu()
 {
-	QVector<TypeMenuRow_t> rows;
-	for ( const InputTypeMenuRow_t &row : GetVecInputTypeMenu( m_bPerParticle, IsFieldOptional() ) )
-		rows.append( { row.m_nValue, QString::fromUtf8( row.m_pText ), QString::fromUtf8( row.m_pIcon ) } );
-	return CQParticleInputEditorBase::CreateTypeMenu( rows, m_Input.m_nType, [ this ]( int nType ) { OnSetType( nType ); } );
+	return CQParticleInputEditorBase::CreateTypeMenu( MenuRows( GetVecInputTypeMenu( m_bPerParticle, IsFieldOptional() ) ), m_Input.m_nType, [ this ]( int nType ) { OnSetType( nType ); } );
 }
 
 void CQParticleVecInputEditor::OnTypeButtonClicked()
 {
-	QMenu *pMenu = CreateTypeMenu();
-	pMenu->exec( QCursor::pos() );
-	pMenu->deleteLater();
+	PopUpMenu( CreateTypeMenu() );
 }
 
 void CQParticleVecInputEditor::OnSetType( int nType )
@@ -538,11 +533,8 @@ void CQParticleVecInputEditor::OnLiteralValueEdited()
 
 void CQParticleVecInputEditor::OnNamedValueEdited( const QString &text )
 {
-	const QByteArray name = text.trimmed().toUtf8();
-	if ( name == QByteArray( m_Input.m_NamedValue.GetName() ) )
-		return;
-	m_Input.m_NamedValue.SetName( name.constData() );
-	Commit();
+	if ( TakeVariableName( text, &m_Input.m_NamedValue ) )
+		Commit();
 }
 
 void CQParticleVecInputEditor::OnNamedValueHighlighted( int nIndex )
@@ -552,22 +544,14 @@ void CQParticleVecInputEditor::OnNamedValueHighlighted( int nIndex )
 
 void CQParticleVecInputEditor::OnCPNumberEdited()
 {
-	const int nControlPoint = ParseControlPointNumber( m_pCPEdit->text().toUtf8().constData() );
-	ShowInteger( m_pCPEdit, nControlPoint );
-	if ( nControlPoint == m_Input.m_nControlPoint )
-		return;
-	m_Input.m_nControlPoint = nControlPoint;
-	Commit();
+	if ( TakeControlPointNumber( m_pCPEdit, &m_Input.m_nControlPoint ) )
+		Commit();
 }
 
 void CQParticleVecInputEditor::OnDeltaCPNumberEdited()
 {
-	const int nControlPoint = ParseControlPointNumber( m_pDeltaCPEdit->text().toUtf8().constData() );
-	ShowInteger( m_pDeltaCPEdit, nControlPoint );
-	if ( nControlPoint == m_Input.m_nDeltaControlPoint )
-		return;
-	m_Input.m_nDeltaControlPoint = nControlPoint;
-	Commit();
+	if ( TakeControlPointNumber( m_pDeltaCPEdit, &m_Input.m_nDeltaControlPoint ) )
+		Commit();
 }
 
 void CQParticleVecInputEditor::OnCPVectorEdited()
