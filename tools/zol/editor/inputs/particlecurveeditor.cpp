@@ -11,15 +11,7 @@ CQParticleCurveEditor::CQParticleCurveEditor( QWidget *pParent ) : QWidget( pPar
 	auto *pLayout = new QVBoxLayout( this );
 	pLayout->setContentsMargins( 0, 0, 0, 0 );
 	m_pCurve = new CQCurveEditorWidget( this );
-	// A row's room: narrow margins, small handles, tangent menus and point edits.
-	CQCurveEditorWidget::Options_t options;
-	options.m_nLeftMargin = options.m_nRightMargin = 30;
-	options.m_nTopMargin = options.m_nBottomMargin = 12;
-	options.m_flKeyHandleRadius = 5.0f;
-	options.m_flCurveLineWidth = 2.0f;
-	options.m_bEditPointItem = true;
-	options.m_bSetAllTangentMenus = true;
-	m_pCurve->SetOptions( options );
+	m_pCurve->SetOptions( CQCurveEditorWidget::RowOptions( 12 ) );
 	pLayout->addWidget( m_pCurve );
 	connect( m_pCurve, &CQCurveEditorWidget::OnCurveUpdated, this, [ this ] {
 		if ( !m_bSetting )
