@@ -113,6 +113,8 @@ TEST_F( InputEditorsAppTest, AFloatInputBecomesACurveOverLifeIsSavedAndUndoBring
 	QApplication::processEvents();
 	EXPECT_EQ( UndoSteps(), nSteps + 3 ) << "the drag is one step";
 	m_pApp->Frame();
+	// The preview runs what the panel shows: the next frame compiled the curve.
+	EXPECT_NE( strstr( m_pSession->GetLastCompiledText(), "PF_MAP_TYPE_CURVE" ), nullptr ) << m_pSession->GetLastCompiledText().Get();
 
 	ASSERT_TRUE( m_pApp->SaveSession( m_pSession ) );
 	KeyValues3 saved;
