@@ -210,8 +210,8 @@ void CQZolMainWnd::ResetLayout()
 	addDockWidget( Qt::RightDockWidgetArea, m_pControlsDock );
 	splitDockWidget( m_pControlsDock, m_pUndoDock, Qt::Vertical );
 	// The rows need the width of a function's name and what it writes; the property rows
-	// a label and an editor side by side.
-	resizeDocks( { m_pFunctionDock, m_pPropertyDock }, { 300, 360 }, Qt::Horizontal );
+	// a label and an editor side by side, a float input's range rows the widest of them.
+	resizeDocks( { m_pFunctionDock, m_pPropertyDock }, { 300, 420 }, Qt::Horizontal );
 }
 
 void CQZolMainWnd::OnToggleWindwLock( bool bLocked )
