@@ -345,7 +345,11 @@ bool CBaseGizmoHelper::ApplyTyped( const char *pText )
 	FillStart();
 	const bool bApplied = ApplyTypedText( text );
 	if ( bApplied )
+	{
+		// The next value goes to the same handle unless the pointer picks another.
+		m_nLastPart = m_Drag.m_nPart;
 		RunOneStep( GIZMO_DRAG_TYPED );
+	}
 	else
 	{
 		m_Drag.Reset();

@@ -27,6 +27,7 @@
 #include "zoldoc_lib/zolconfigurationreader.h"
 #include "tools/zol/editor/zolmainwnd.h"
 #include "zoldoc_lib/zolcontrolpointconfiguration.h"
+#include "zoldoc_lib/zolcontrolpointundo.h"
 #include "zoldoc_lib/zoldoc.h"
 #include "zoldoc_lib/zolnamedvaluecontext.h"
 #include "zoldoc_lib/zolnode.h"
@@ -55,6 +56,7 @@ CZolSession::~CZolSession()
 	m_EventMap.Detach( TOOL_EVENT_SLOT_DOCUMENT );
 	m_pNamedValueContext.reset();
 	m_pDoc.reset();
+	m_ControlPointUndoables.clear();
 	m_pControlPointState->Clear();
 	m_pControlPointState.reset();
 }
@@ -770,6 +772,26 @@ int CZolSession::GetBodyGroup( const char *pName ) const
 			return group.m_nValue;
 	}
 	return 0;
+}
+
+void CZolSession::BeginControlPointEdit( const ParticleParamID_t &key, const char *pDescription )
+{
+	CUndoHistory *pHistory = m_pDoc ? m_pDoc->GetUndoHistory() : nullptr;
+	if ( !pHistory || key.IsNone() )
+		return;
+	std::unique_ptr<CZolControlPointUndoable> &pUndoable = m_ControlPointUndoables[ key ];
+	if ( !pUndoable )
+		pUndoable = std::make_unique<CZolControlPointUndoable>( m_pControlPointState.get(), key );
+	pHistory->BeginStep( pDescription );
+	pHistory->NoteModified( pUndoable.get() );
+}
+
+bool CZolSession::SetControlPointTransform( const ParticleParamID_t &key, const Vector &vPosition, const QAngle &angles, const char *pDescription )
+{
+	if ( m_pControlPointState->GetPosition( key ) == vPosition && m_pControlPointState->GetAngles( key ) == angles && m_pControlPointState->FindRecord( key ) )
+		return false;
+	BeginControlPointEdit( key, pDescription );
+	return m_pControlPointState->SetTransform( key, vPosition, angles );
 }
 
 void CZolSession::SetControlPointPersisted( const ParticleParamID_t &key, bool bPersisted )

@@ -21,6 +21,7 @@
 #include "zoldoc_lib/zolnamedvaluecache.h"
 
 class CZolApp;
+class CZolControlPointUndoable;
 class CZolChildNode;
 class CZolDoc;
 class IAsset;
@@ -87,6 +88,12 @@ public:
 	int GetControlPointEditMode( const ParticleParamID_t &key ) const { return m_pControlPointState->GetEditMode( key ); }
 	// Refuses a mode that doesn't fit the point's usage kind.
 	bool SetControlPointEditMode( const ParticleParamID_t &key, int nMode ) { return m_pControlPointState->SetEditMode( key, nMode ); }
+	// Opens one step of the document's undo history for a change of a point's preview
+	// settings (a gizmo drag, a typed position): undo puts the point back; the document
+	// itself doesn't change, nor its modified mark.
+	void BeginControlPointEdit( const ParticleParamID_t &key, const char *pDescription );
+	// A point's transform as one such step; false when nothing changed.
+	bool SetControlPointTransform( const ParticleParamID_t &key, const Vector &vPosition, const QAngle &angles, const char *pDescription );
 	// A pinned point keeps its transform across configurations and sessions; pinning takes
 	// the preview session's transform of it.
 	void SetControlPointPersisted( const ParticleParamID_t &key, bool bPersisted );
@@ -214,6 +221,8 @@ private:
 	bool m_bUsageFromResource = false;
 	// Owns the known control points as well: the state's rules all depend on them.
 	std::unique_ptr<CZolControlPointState> m_pControlPointState;
+	// One undoable object per key moved so far; they outlive the document's history.
+	std::unordered_map<ParticleParamID_t, std::unique_ptr<CZolControlPointUndoable>, ParticleParamIDHash_t> m_ControlPointUndoables;
 	ParticleParamID_t m_SelectedControlPoint;
 	CUtlString m_CurrentConfigName;
 	CUtlString m_EntityModels[ 3 ];
