@@ -313,6 +313,16 @@ void CQParticlePreview::RebuildPreview( bool bReloadModels )
 		}
 		ApplyControlPoints();
 	}
+	// Skin, body parts and the sequence of the preview model.
+	m_pPreviewModel->SetMaterialGroup( state.m_materialGroupName.Get() );
+	std::vector<std::pair<CUtlString, int>> bodyGroups;
+	for ( const ParticlePreviewBodyGroup_t &group : state.m_vecBodyGroups )
+		bodyGroups.emplace_back( group.m_bodyGroupName, group.m_nValue );
+	m_pPreviewModel->SetBodyGroups( bodyGroups );
+	// An animation clip path names nothing the models here have.
+	m_pPreviewModel->SetSequence( state.m_bSequenceNameIsAnimClipPath ? "" : ( state.m_sequenceName.IsEmpty() ? "idle" : state.m_sequenceName.Get() ) );
+	m_pPreviewModel->SetPlaybackSpeed( state.m_flPlaybackSpeed );
+	m_pPreviewModel->SetLooping( !state.m_bAnimationNonLooping );
 	m_pPreviewModel->SetDrawAttachments( state.m_bShouldDrawAttachments );
 	m_pGround->SetGroundType( state.m_groundType == ZOL_GROUND_PLANE  ? TOOLSCENE_GROUND_PLANE
 							  : state.m_groundType == ZOL_GROUND_NONE ? TOOLSCENE_GROUND_NONE
@@ -321,10 +331,11 @@ void CQParticlePreview::RebuildPreview( bool bReloadModels )
 	m_bDrawControlPointAxes = state.m_bShouldDrawControlPointAxes;
 	m_pParticleSystem->SetDrawControlPoints( m_bDrawControlPointAxes );
 	m_flSimulationRate = state.m_flParticleSimulationRate >= 0.0f && state.m_flParticleSimulationRate <= 100.0f ? state.m_flParticleSimulationRate : 1.0f;
-	// A non-looping animation that fires the system on a frame would restart it; the
-	// preview models have no animations, so the node restarts by its own rules.
+	// A non-looping sequence that fires the system on a frame restarts it (Update); the
+	// node's own rule stands down meanwhile.
 	const bool bFiresOnFrame = state.m_bAnimationNonLooping && state.m_nFireParticleOnSequenceFrame != 0;
 	m_pParticleSystem->SetAutoRestart( !bFiresOnFrame && m_pAutoRestartAction->isChecked() );
+	m_bNonLoopingSequenceRunning = false;
 }
 
 void CQParticlePreview::ApplyControlPoints()
@@ -446,6 +457,24 @@ void CQParticlePreview::OnPreviewStateChanged( const ZolEvent_PreviewStateChange
 
 void CQParticlePreview::Update()
 {
+	// A sequence that doesn't loop plays again once the system has ended; with a fire
+	// frame, the system starts over when the sequence reaches it.
+	if ( m_pSession && m_pSession->GetPreviewState().m_bAnimationNonLooping )
+	{
+		const ParticlePreviewState_t &state = m_pSession->GetPreviewState();
+		if ( !m_bNonLoopingSequenceRunning && ( !m_pParticleSystem->GetEffect() || m_pParticleSystem->IsEnded() ) )
+		{
+			m_pPreviewModel->RestartSequence();
+			m_bNonLoopingSequenceRunning = state.m_nFireParticleOnSequenceFrame != 0;
+		}
+		if ( m_bNonLoopingSequenceRunning && m_pPreviewModel->GetSequenceFrame() >= state.m_nFireParticleOnSequenceFrame )
+		{
+			m_pParticleSystem->Restart();
+			m_pParticleSystem->SetAutoRestart( false );
+			m_bNonLoopingSequenceRunning = false;
+			ApplyControlPoints();
+		}
+	}
 	m_pSceneWidget->Tick( m_flSimulationRate );
 	UpdateInformationText();
 	UpdateControlPointAxes();

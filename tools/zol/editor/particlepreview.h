@@ -183,6 +183,8 @@ private:
 	float m_flAutoRestartTime = 0.0f;
 	float m_flForcedRestartTime = 0.0f;
 	bool m_bShowSystemInformation = true;
+	// A non-looping sequence plays towards the frame that fires the system.
+	bool m_bNonLoopingSequenceRunning = false;
 	int m_nPeakActive = 0;
 	int m_nPeakTotalActive = 0;
 };

@@ -709,30 +709,26 @@ bool CZolSession::SetPreviewModel( const char *pName, bool bForce )
 
 	CUtlString strError;
 	ParticleModelPtr_t pModel = strName.IsEmpty() ? nullptr : FindParticleModel( strName, &strError );
-	// A hitbox set the model lacks becomes its first set, or none.
-	CUtlVector<CUtlString> sets;
+	// A hitbox set or material group the model lacks becomes its first, or none.
+	std::vector<CUtlString> sets;
 	if ( pModel )
-	{
-		for ( const ParticleModelHitbox_t &hitbox : pModel->GetHitboxes() )
-		{
-			bool bKnown = false;
-			for ( const CUtlString &set : sets )
-				bKnown = bKnown || set.IsEqual_CaseInsensitive( hitbox.m_SetName );
-			if ( !bKnown )
-				sets.AddToTail( hitbox.m_SetName );
-		}
-	}
-	bool bSetKnown = false;
-	for ( const CUtlString &set : sets )
-		bSetKnown = bSetKnown || set.IsEqual_CaseInsensitive( m_PreviewState.m_hitboxSetName );
-	if ( !bSetKnown )
-		m_PreviewState.m_hitboxSetName = sets.IsEmpty() ? CUtlString() : sets[ 0 ];
-	// The model format has no material groups, body groups or sequences; an animation
-	// clip path stands on its own.
-	m_PreviewState.m_materialGroupName.Clear();
-	m_PreviewState.m_vecBodyGroups.clear();
-	if ( !m_PreviewState.m_bSequenceNameIsAnimClipPath )
-		m_PreviewState.m_sequenceName.Clear();
+		pModel->GetHitboxSetNames( &sets );
+	if ( !std::any_of( sets.begin(), sets.end(), [ this ]( const CUtlString &set ) { return set.IsEqual_CaseInsensitive( m_PreviewState.m_hitboxSetName ); } ) )
+		m_PreviewState.m_hitboxSetName = sets.empty() ? CUtlString() : sets[ 0 ];
+	if ( !pModel || !pModel->FindMaterialGroup( m_PreviewState.m_materialGroupName ) )
+		m_PreviewState.m_materialGroupName = pModel && !pModel->GetMaterialGroups().empty() ? pModel->GetMaterialGroups()[ 0 ].m_Name : CUtlString();
+	// Body groups the model doesn't have go.
+	std::vector<ParticlePreviewBodyGroup_t> &groups = m_PreviewState.m_vecBodyGroups;
+	groups.erase( std::remove_if( groups.begin(), groups.end(),
+					  [ &pModel ]( const ParticlePreviewBodyGroup_t &group ) {
+						  return !pModel || std::none_of( pModel->GetBodyGroups().begin(), pModel->GetBodyGroups().end(),
+											   [ &group ]( const ParticleModelBodyGroup_t &each ) { return each.m_Name.IsEqual_CaseInsensitive( group.m_bodyGroupName ); } );
+					  } ),
+		groups.end() );
+	// A sequence stays where the model has it (an animation clip path on its own);
+	// otherwise the model's first, or none.
+	if ( !m_PreviewState.m_bSequenceNameIsAnimClipPath && ( !pModel || !pModel->FindSequence( m_PreviewState.m_sequenceName ) ) )
+		m_PreviewState.m_sequenceName = pModel && !pModel->GetSequences().empty() ? pModel->GetSequences()[ 0 ].m_Name : CUtlString();
 	if ( !strName.IsEmpty() )
 		m_pControlPointState->ValidateAttachments();
 	// No items: only "none" stands.
