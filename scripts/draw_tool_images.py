@@ -281,6 +281,82 @@ def function_icon(kind):
     return c
 
 
+def reset_arrow(color):
+    # A circular arrow: back to the default.
+    c = Canvas(16, 16)
+    pts = []
+    for i in range(19):
+        t = math.radians(-40 + i * 15)
+        pts.append((8 + 5.2 * math.cos(t), 8 + 5.2 * math.sin(t)))
+    for (x0, y0), (x1, y1) in zip(pts, pts[1:]):
+        c.line(x0, y0, x1, y1, 2.8, OUTLINE)
+    for (x0, y0), (x1, y1) in zip(pts, pts[1:]):
+        c.line(x0, y0, x1, y1, 1.7, color)
+    tip_x, tip_y = pts[0]
+    c.polygon([(tip_x - 3.6, tip_y - 1.2), (tip_x + 2.2, tip_y - 3.0), (tip_x + 0.8, tip_y + 2.6)], color)
+    return c
+
+
+def link(color, broken):
+    # Two chain links: inherited from a base; broken when the value overrides it.
+    c = Canvas(16, 16)
+    for cx, cy in ((5.5, 10.5), (10.5, 5.5)):
+        c.ring(cx, cy, 3.4, 2.6, OUTLINE)
+        c.ring(cx, cy, 3.4, 1.5, color)
+    if broken:
+        c.line(2.5, 2.5, 13.5, 13.5, 2.8, rgb(40, 40, 40))
+        c.line(2.5, 2.5, 13.5, 13.5, 1.6, rgb(230, 110, 90))
+    else:
+        c.line(6.5, 9.5, 9.5, 6.5, 2.8, OUTLINE)
+        c.line(6.5, 9.5, 9.5, 6.5, 1.5, color)
+    return c
+
+
+def alert():
+    c = Canvas(16, 16)
+    c.polygon([(8, 1.2), (15.2, 14.5), (0.8, 14.5)], OUTLINE)
+    c.polygon([(8, 2.8), (13.9, 13.6), (2.1, 13.6)], rgb(250, 200, 50))
+    c.line(8, 6.2, 8, 9.8, 1.8, rgb(40, 30, 10), round_caps=False)
+    c.circle(8, 11.9, 1.0, rgb(40, 30, 10))
+    return c
+
+
+def remove_badge(fill):
+    c = Canvas(16, 16)
+    c.circle(8, 8, 7.2, OUTLINE)
+    c.circle(8, 8, 6.4, fill)
+    c.line(5.2, 5.2, 10.8, 10.8, 1.8, WHITE)
+    c.line(10.8, 5.2, 5.2, 10.8, 1.8, WHITE)
+    return c
+
+
+def tangent_mode(kind):
+    # A key in the middle and the curve through it as the mode shapes it.
+    c = Canvas(16, 16)
+    curve = rgb(200, 200, 200)
+    handle = rgb(230, 230, 70)
+    if kind == "linear":
+        path = [(1.5, 13.5), (8, 8), (14.5, 13.5)]
+    elif kind == "spline":
+        path = [(1.5 + 13 * t, 8 + 5.5 * (2 * t - 1) ** 2) for t in [i / 12.0 for i in range(13)]]
+    elif kind == "sine":
+        path = [(1.5 + 13 * t, 8 + 5.5 * math.sin(math.pi * (t - 0.5)) ** 2) for t in [i / 12.0 for i in range(13)]]
+    else:
+        path = [(1.5 + 13 * t, 11 - 3 * math.sin(math.pi * t)) for t in [i / 12.0 for i in range(13)]]
+    for (x0, y0), (x1, y1) in zip(path, path[1:]):
+        c.line(x0, y0, x1, y1, 1.5, curve)
+    if kind in ("free", "mirror"):
+        left = (3.0, 4.0) if kind == "free" else (3.0, 8.0)
+        right = (13.0, 6.0) if kind == "free" else (13.0, 8.0)
+        c.line(left[0], left[1], 8, 8, 1.0, handle)
+        c.line(8, 8, right[0], right[1], 1.0, handle)
+        c.circle(left[0], left[1], 1.4, handle)
+        c.circle(right[0], right[1], 1.4, handle)
+    c.circle(8, 8, 2.6, OUTLINE)
+    c.circle(8, 8, 1.9, rgb(80, 120, 230))
+    return c
+
+
 # The live preview's tool bar.
 PLAY = rgb(60, 170, 70)
 STOP = rgb(200, 60, 50)
@@ -359,6 +435,17 @@ def main():
         child.mirrored().save("common/parentchild_parent_%s.png" % place)
     for kind in ("emitter", "initializer", "operator", "forcegenerator", "constraint", "renderer"):
         function_icon(kind).save("zol/func_%s.png" % kind)
+    reset_arrow(rgb(150, 200, 235)).save("propertyeditor/attr_reset.png")
+    reset_arrow(rgb(230, 230, 120)).save("propertyeditor/attr_reset_hover.png")
+    link(rgb(150, 200, 235), False).save("propertyeditor/overlay_inherit.png")
+    link(rgb(230, 230, 120), False).save("propertyeditor/overlay_inherit_hover.png")
+    link(rgb(150, 200, 235), True).save("propertyeditor/overlay_override.png")
+    link(rgb(230, 230, 120), True).save("propertyeditor/overlay_override_hover.png")
+    alert().save("propertyeditor/attr_alert.png")
+    remove_badge(rgb(190, 70, 60)).save("propertyeditor/extra_attr_remove.png")
+    remove_badge(rgb(235, 100, 80)).save("propertyeditor/extra_attr_remove_hover.png")
+    for kind in ("linear", "spline", "free", "mirror", "sine"):
+        tangent_mode(kind).save("common/curve_tangent_%s.png" % kind)
 
 
 if __name__ == "__main__":

@@ -2,9 +2,31 @@
 
 #include "core/text/bufferstring.h"
 #include "core/text/strtools.h"
+#include "tools/toolutils2/fgd/kv3fgdtargetresolver.h"
+#include "tools/toolutils2/fgd/kv3fgdtoolattr.h"
 #include "tools/toolutils2/toolattr/ibasetoolattr.h"
 #include "zoldoc_lib/particlegamedata.h"
 #include "zoldoc_lib/zoldoc.h"
+
+namespace
+{
+// How the attributes of a node's class reach its table. A node's handle carries the tag
+// of its own class (or of KV3 data with a class); the node itself is its notify root.
+struct ZolNodeTargetTraits_t
+{
+	static CBaseZolNode *Cast( HToolAttrTableInstance handle )
+	{
+		static const uint32_t s_nKV3DataTag = ToolAttrTypeTag( "CBaseKV3DataWithFGDClass" );
+		CBaseZolNode *pNode = dynamic_cast<CBaseZolNode *>( handle.m_pNotifyRoot );
+		if ( !pNode || handle.m_pInstance != static_cast<void *>( pNode ) )
+			return nullptr;
+		if ( handle.m_nTypeTag != s_nKV3DataTag && handle.m_nTypeTag != ToolAttrTypeTag( pNode->GetClassName() ) )
+			return nullptr;
+		return pNode;
+	}
+};
+using CZolNodeKV3Resolver = CToolAttrKV3FGDProvider<CBaseZolNode, ZolNodeTargetTraits_t>;
+} // namespace
 
 CBaseZolNode::CBaseZolNode( CZolDoc *pDoc ) : m_pDoc( pDoc )
 {
@@ -16,11 +38,12 @@ CBaseZolNode::~CBaseZolNode()
 		m_pDoc->OnNodeDestroyed( this );
 }
 
-void CBaseZolNode::GetAttributes( HToolAttrTableInstance, CUtlVector<IBaseToolAttr *> *pAttributes )
+void CBaseZolNode::GetAttributes( HToolAttrTableInstance handle, CUtlVector<IBaseToolAttr *> *pAttributes )
 {
-	// The class's attributes come with its FGD class; until a node has one it lists none.
-	// "_class" is what the node is, not a value to edit, so it never shows.
+	// The variables of the node's class, then the keys that no variable names. "_class"
+	// is what the node is, not a value to edit, so it never shows.
 	int nFirstOwn = pAttributes->Count();
+	CKV3FGDToolAttr::GetRootAttributes( &CZolNodeKV3Resolver::Get(), handle, pAttributes );
 	for ( int i = pAttributes->Count() - 1; i >= nFirstOwn; --i )
 	{
 		if ( !V_strcmp( ( *pAttributes )[ i ]->GetName(), "_class" ) )

@@ -40,6 +40,7 @@ public:
 	// The panel widget, through the factory that the widget layer installed; null
 	// without one.
 	virtual void SetPropertyPanelFactory( PropertyPanelFactoryFn_t fnFactory ) = 0;
+	virtual bool HasPropertyPanelFactory() const = 0;
 	virtual void *CreatePropertyPanel( void *pParentWidget ) = 0;
 
 protected:

@@ -68,6 +68,12 @@ void CPropertyEditorSystem::SetPropertyPanelFactory( PropertyPanelFactoryFn_t fn
 	m_fnPanelFactory = std::move( fnFactory );
 }
 
+bool CPropertyEditorSystem::HasPropertyPanelFactory() const
+{
+	std::lock_guard lock( m_Mutex );
+	return bool( m_fnPanelFactory );
+}
+
 void *CPropertyEditorSystem::CreatePropertyPanel( void *pParentWidget )
 {
 	PropertyPanelFactoryFn_t fnFactory;

@@ -20,6 +20,7 @@ public:
 	bool IsPropertyDomainRegistered( IPropertyEditDomain *pDomain ) const override;
 
 	void SetPropertyPanelFactory( PropertyPanelFactoryFn_t fnFactory ) override;
+	bool HasPropertyPanelFactory() const override;
 	void *CreatePropertyPanel( void *pParentWidget ) override;
 
 private:

@@ -39,7 +39,7 @@ class C_OP_FadeInSimple : public CParticleFunctionOperator
 {
 	SCHEMA_DERIVED_CLASS( C_OP_FadeInSimple, CParticleFunctionOperator, { "MPropertyFriendlyName", "Alpha Fade In Simple" } )
 	// A share of the particle's life.
-	SCHEMA_FIELD( float, m_flFadeInTime, 0.25f, { "MPropertyFriendlyName", "proportional fade in time" } )
+	SCHEMA_FIELD( float, m_flFadeInTime, 0.25f, { "MPropertyFriendlyName", "proportional fade in time" }, { "MPropertyAttributeRange", "0 1" } )
 	SCHEMA_FIELD( int32_t, m_nFieldOutput, 7, { "MPropertyFriendlyName", "alpha field" }, { "MPropertyAttributeChoiceName", "particlefield_alpha" },
 				  { "MParticleOutputField" } )
 };
@@ -47,7 +47,7 @@ class C_OP_FadeInSimple : public CParticleFunctionOperator
 class C_OP_FadeOutSimple : public CParticleFunctionOperator
 {
 	SCHEMA_DERIVED_CLASS( C_OP_FadeOutSimple, CParticleFunctionOperator, { "MPropertyFriendlyName", "Alpha Fade Out Simple" } )
-	SCHEMA_FIELD( float, m_flFadeOutTime, 0.25f, { "MPropertyFriendlyName", "proportional fade out time" } )
+	SCHEMA_FIELD( float, m_flFadeOutTime, 0.25f, { "MPropertyFriendlyName", "proportional fade out time" }, { "MPropertyAttributeRange", "0 1" } )
 	SCHEMA_FIELD( int32_t, m_nFieldOutput, 7, { "MPropertyFriendlyName", "alpha field" }, { "MPropertyAttributeChoiceName", "particlefield_alpha" },
 				  { "MParticleOutputField" } )
 };
@@ -56,12 +56,12 @@ class C_OP_FadeAndKill : public CParticleFunctionOperator
 {
 	SCHEMA_DERIVED_CLASS( C_OP_FadeAndKill, CParticleFunctionOperator, { "MPropertyFriendlyName", "Alpha Fade and Decay" }, { "MParticleWrittenAttributes", 0x80 } )
 	// Times are shares of the particle's life; the particle dies at the end of the fade out.
-	SCHEMA_FIELD( float, m_flStartFadeInTime, 0.0f, { "MPropertyFriendlyName", "start fade in time" } )
-	SCHEMA_FIELD( float, m_flEndFadeInTime, 0.5f, { "MPropertyFriendlyName", "end fade in time" } )
-	SCHEMA_FIELD( float, m_flStartFadeOutTime, 0.5f, { "MPropertyFriendlyName", "start fade out time" } )
-	SCHEMA_FIELD( float, m_flEndFadeOutTime, 1.0f, { "MPropertyFriendlyName", "end fade out time" } )
-	SCHEMA_FIELD( float, m_flStartAlpha, 1.0f, { "MPropertyFriendlyName", "start alpha" } )
-	SCHEMA_FIELD( float, m_flEndAlpha, 0.0f, { "MPropertyFriendlyName", "end alpha" } )
+	SCHEMA_FIELD( float, m_flStartFadeInTime, 0.0f, { "MPropertyFriendlyName", "start fade in time" }, { "MPropertyAttributeRange", "0 1" } )
+	SCHEMA_FIELD( float, m_flEndFadeInTime, 0.5f, { "MPropertyFriendlyName", "end fade in time" }, { "MPropertyAttributeRange", "0 1" } )
+	SCHEMA_FIELD( float, m_flStartFadeOutTime, 0.5f, { "MPropertyFriendlyName", "start fade out time" }, { "MPropertyAttributeRange", "0 1" } )
+	SCHEMA_FIELD( float, m_flEndFadeOutTime, 1.0f, { "MPropertyFriendlyName", "end fade out time" }, { "MPropertyAttributeRange", "0 1" } )
+	SCHEMA_FIELD( float, m_flStartAlpha, 1.0f, { "MPropertyFriendlyName", "start alpha" }, { "MPropertyAttributeRange", "0 1" } )
+	SCHEMA_FIELD( float, m_flEndAlpha, 0.0f, { "MPropertyFriendlyName", "end alpha" }, { "MPropertyAttributeRange", "0 1" } )
 	SCHEMA_FIELD( bool, m_bForcePreserveParticleOrder, false, { "MPropertyFriendlyName", "force preserve particle order" }, { "MParticleAdvancedField" } )
 };
 
@@ -81,19 +81,19 @@ class C_OP_InterpolateRadius : public CParticleFunctionOperator
 	SCHEMA_FIELD( float, m_flStartScale, 1.0f, { "MPropertyFriendlyName", "radius start scale" } )
 	SCHEMA_FIELD( float, m_flEndScale, 1.0f, { "MPropertyFriendlyName", "radius end scale" } )
 	// Shares of the particle's life.
-	SCHEMA_FIELD( float, m_flStartTime, 0.0f, { "MPropertyFriendlyName", "start time" } )
-	SCHEMA_FIELD( float, m_flEndTime, 1.0f, { "MPropertyFriendlyName", "end time" } )
+	SCHEMA_FIELD( float, m_flStartTime, 0.0f, { "MPropertyFriendlyName", "start time" }, { "MPropertyAttributeRange", "0 1" } )
+	SCHEMA_FIELD( float, m_flEndTime, 1.0f, { "MPropertyFriendlyName", "end time" }, { "MPropertyAttributeRange", "0 1" } )
 	SCHEMA_FIELD( bool, m_bEaseInAndOut, false, { "MPropertyFriendlyName", "ease in and out" } )
 	// -1 .. 1: bends the interpolation towards its start or its end.
-	SCHEMA_FIELD( float, m_flBias, 0.0f, { "MPropertyFriendlyName", "scale bias" }, { "MParticleMinVersion", 5 } )
+	SCHEMA_FIELD( float, m_flBias, 0.0f, { "MPropertyFriendlyName", "scale bias" }, { "MPropertyAttributeRange", "-1 1" }, { "MParticleMinVersion", 5 } )
 };
 
 class C_OP_ColorInterpolate : public CParticleFunctionOperator
 {
 	SCHEMA_DERIVED_CLASS( C_OP_ColorInterpolate, CParticleFunctionOperator, { "MPropertyFriendlyName", "Color Fade" } )
 	SCHEMA_FIELD( Color, m_ColorFade, ( Color( 255, 255, 255, 255 ) ), { "MPropertyFriendlyName", "color fade" } )
-	SCHEMA_FIELD( float, m_flFadeStartTime, 0.0f, { "MPropertyFriendlyName", "fade start time" } )
-	SCHEMA_FIELD( float, m_flFadeEndTime, 1.0f, { "MPropertyFriendlyName", "fade end time" } )
+	SCHEMA_FIELD( float, m_flFadeStartTime, 0.0f, { "MPropertyFriendlyName", "fade start time" }, { "MPropertyAttributeRange", "0 1" } )
+	SCHEMA_FIELD( float, m_flFadeEndTime, 1.0f, { "MPropertyFriendlyName", "fade end time" }, { "MPropertyAttributeRange", "0 1" } )
 	SCHEMA_FIELD( int32_t, m_nFieldOutput, 6, { "MPropertyFriendlyName", "output field" }, { "MPropertyAttributeChoiceName", "particlefield_vector" },
 				  { "MParticleOutputField" } )
 	// The old smoothstep fade; later versions ease through the colour's own curve.

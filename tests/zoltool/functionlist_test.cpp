@@ -57,28 +57,10 @@ namespace
 {
 namespace fs = std::filesystem;
 
-// The application with its window, shown and active, on the shipped samples and models.
-class FunctionListTest : public ZolAppTest
+// The application with its window on the shipped samples and models.
+class FunctionListTest : public ZolWindowAppTest
 {
 protected:
-	void SetUp() override
-	{
-		EnsureTestQApplication();
-		ZolAppTest::SetUp();
-		if ( HasFatalFailure() )
-			return;
-		fs::copy( fs::path( ZOL_SOURCE_DIR ) / "content/content/models", m_Root / "content/models", fs::copy_options::recursive );
-		m_Services.GetAssetSystem()->Rescan();
-		m_pApp->SetCreatesMainWindow( true );
-		Start();
-		if ( HasFatalFailure() )
-			return;
-		m_pWindow = m_pApp->GetZolMainWindow();
-		ASSERT_NE( m_pWindow, nullptr );
-		m_pWindow->show();
-		QApplication::setActiveWindow( m_pWindow );
-		QApplication::processEvents();
-	}
 
 	CZolSession *Open( const char *pContentPath )
 	{
@@ -162,7 +144,6 @@ protected:
 			QApplication::processEvents();
 	}
 
-	CQZolMainWnd *m_pWindow = nullptr;
 	// Owns the timers of a test, so none outlives it.
 	std::unique_ptr<QObject> m_pTimers;
 };

@@ -22,6 +22,24 @@ SIZE=$(wc -c < "$OUT/shot.png")
 test "$SIZE" -gt 10000 || { echo "screenshot is only $SIZE bytes"; exit 1; }
 echo "screenshot: $SIZE bytes"
 
+# A function selected for the picture: the Properties dock shows its fields.
+OUTPUT=$(xvfb-run -a env $PRELOAD "$ZOL" --screenshot "$OUT/selected.png" --do "select Emitter 0" "$SOURCE/content/content/particles/samples/fire.tfxs" 2>&1)
+case "$OUTPUT" in
+*"select Emitter 0: selected Emitter 0 (Continuous Emitter)"*) ;;
+*) echo "the emitter was not selected: $OUTPUT"; exit 1 ;;
+esac
+test "$(wc -c < "$OUT/selected.png")" -gt 10000 || { echo "the picture with a selection is blank"; exit 1; }
+# An element the definition doesn't have is refused, and the run fails.
+set +e
+OUTPUT=$(xvfb-run -a env $PRELOAD "$ZOL" --screenshot "$OUT/none.png" --do "select Emitter 7" "$SOURCE/content/content/particles/samples/fire.tfxs" 2>&1)
+CODE=$?
+set -e
+test "$CODE" -eq 3 || { echo "a missing element gave exit status $CODE"; exit 1; }
+case "$OUTPUT" in
+*"select Emitter 7\": no such element"*) ;;
+*) echo "no message for the missing element: $OUTPUT"; exit 1 ;;
+esac
+echo "selected screenshot: ok"
 # A file outside the content tree asks whether to open it; a batch run answers with the
 # default and says so, instead of waiting for a user who isn't there.
 mkdir -p "$OUT/outside"

@@ -22,6 +22,7 @@
 #include "core/platform/platformmode.h"
 #include "particleslib/particleinputclasses.h"
 #include "tools/zol/editor/zolapp.h"
+#include "tools/zol/editor/zolmainwnd.h"
 #include "tools/zol/editor/zolmoduleexports.h"
 #include "tools/zol/editor/zolsession.h"
 
@@ -132,4 +133,31 @@ protected:
 	CScopedPrompt m_ScopedPrompt{ &m_Prompt };
 	CZolApp *m_pApp = nullptr;
 	bool m_bStarted = false;
+};
+
+// The application with its window, shown and active, on the shipped samples and models.
+class ZolWindowAppTest : public ZolAppTest
+{
+protected:
+	void SetUp() override
+	{
+		EnsureTestQApplication();
+		ZolAppTest::SetUp();
+		if ( HasFatalFailure() )
+			return;
+		std::filesystem::copy( std::filesystem::path( ZOL_SOURCE_DIR ) / "content/content/models", m_Root / "content/models",
+			std::filesystem::copy_options::recursive );
+		m_Services.GetAssetSystem()->Rescan();
+		m_pApp->SetCreatesMainWindow( true );
+		Start();
+		if ( HasFatalFailure() )
+			return;
+		m_pWindow = m_pApp->GetZolMainWindow();
+		ASSERT_NE( m_pWindow, nullptr );
+		m_pWindow->show();
+		QApplication::setActiveWindow( m_pWindow );
+		QApplication::processEvents();
+	}
+
+	CQZolMainWnd *m_pWindow = nullptr;
 };

@@ -45,17 +45,28 @@ public:
 	virtual IKV3FGDAdvancedAPI *GetAdvancedAPI( HToolAttrTableInstance, const IBaseToolAttr * ) const { return nullptr; }
 };
 
-// The class name whose tag a handle must carry for T; specialise for other targets.
+// The target a handle stands for when it carries the tag of the class name, else null.
+template <typename T>
+T *KV3FGDCastByTag( HToolAttrTableInstance handle, const char *pszClassName )
+{
+	static const uint32_t s_nTag = ToolAttrTypeTag( pszClassName );
+	if ( !handle.m_pInstance || handle.m_nTypeTag != s_nTag )
+		return nullptr;
+	return static_cast<T *>( handle.m_pInstance );
+}
+
+// How a handle finds its target T: by the tag of T's class name. Specialise, or pass other
+// traits to the provider, for targets found another way.
 template <typename T> struct KV3FGDTargetTraits
 {
-	static const char *ClassName() { return T::GetToolAttrClassName(); }
+	static T *Cast( HToolAttrTableInstance handle ) { return KV3FGDCastByTag<T>( handle, T::GetToolAttrClassName() ); }
 };
 template <> struct KV3FGDTargetTraits<CBaseKV3DataWithFGDClass>
 {
-	static const char *ClassName() { return "CBaseKV3DataWithFGDClass"; }
+	static CBaseKV3DataWithFGDClass *Cast( HToolAttrTableInstance handle ) { return KV3FGDCastByTag<CBaseKV3DataWithFGDClass>( handle, "CBaseKV3DataWithFGDClass" ); }
 };
 
-template <typename T>
+template <typename T, typename Traits = KV3FGDTargetTraits<T>>
 class CToolAttrKV3FGDProvider : public IKV3FGDTargetResolver
 {
 public:
@@ -67,33 +78,24 @@ public:
 
 	const CGameData *GetGameData( HToolAttrTableInstance handle ) const override
 	{
-		const T *pTarget = Cast( handle );
+		const T *pTarget = Traits::Cast( handle );
 		return pTarget ? pTarget->GetGameData() : nullptr;
 	}
 	const CGameDataClass *GetFGDClass( HToolAttrTableInstance handle ) const override
 	{
-		const T *pTarget = Cast( handle );
+		const T *pTarget = Traits::Cast( handle );
 		return pTarget ? pTarget->GetFGDClass() : nullptr;
 	}
 	KeyValues3 *GetKV3ForModify( HToolAttrTableInstance handle, IBaseToolAttr * ) const override
 	{
-		T *pTarget = Cast( handle );
+		T *pTarget = Traits::Cast( handle );
 		return pTarget ? pTarget->GetKV3ForModify() : nullptr;
 	}
 	const KeyValues3 *GetKV3( HToolAttrTableInstance handle, KV3FGDResolveStatus_t *pStatus ) const override
 	{
-		const T *pTarget = Cast( handle );
+		const T *pTarget = Traits::Cast( handle );
 		if ( !pTarget )
 			return nullptr;
 		return pStatus && pStatus->m_bWantInherited ? pTarget->GetKV3ForRead() : pTarget->GetKV3();
-	}
-
-private:
-	static T *Cast( HToolAttrTableInstance handle )
-	{
-		static const uint32_t s_nTag = ToolAttrTypeTag( KV3FGDTargetTraits<T>::ClassName() );
-		if ( !handle.m_pInstance || handle.m_nTypeTag != s_nTag )
-			return nullptr;
-		return static_cast<T *>( handle.m_pInstance );
 	}
 };

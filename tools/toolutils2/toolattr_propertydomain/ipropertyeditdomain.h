@@ -20,6 +20,13 @@ enum PropEdArrayOperation_t : int
 	PROPED_ARRAY_SWAP = 2,   // elements a and b
 };
 
+// ModifyMap operations.
+enum PropEdMapOperation_t : int
+{
+	PROPED_MAP_ADD = 0,    // a new entry under the key
+	PROPED_MAP_REMOVE = 1, // the entry of the key
+};
+
 class IPropertyEditDomain
 {
 public:
@@ -52,6 +59,10 @@ public:
 	virtual void CopyTarget( const ZolPropertyTarget &in, ZolPropertyTarget *pOut ) = 0;
 	virtual bool GetMapElementProperty( const ZolPropertyTarget &property, const ZolPropertyPath &path, const char *pKey, ZolPropertyTarget *pOut ) = 0;
 	virtual void FillEditContext( const ZolPropertyTarget &property, CToolEditContextQuery_Base *pQuery ) = 0;
+	// The keys of a map, in its order; false when the value is no map.
+	virtual bool GetMapKeys( const ZolPropertyTarget &property, const ZolPropertyPath &path, CUtlVector<CUtlString> *pKeys ) = 0;
+	// Adds or removes a map entry; false when nothing changed (a key taken, or absent).
+	virtual bool ModifyMap( const ZolPropertyTarget &property, const ZolPropertyPath &path, PropEdMapOperation_t eOperation, const char *pKey ) = 0;
 };
 
 // The undo step's name for a list of properties: "[NO_ATTRS]", "[INVALID_TARGET]",

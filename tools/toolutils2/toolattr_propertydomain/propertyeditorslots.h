@@ -20,6 +20,9 @@ protected:
 class CPropertyEditorEditSlots
 {
 public:
+	// Editors derive from this with a widget; the host finds the editor back by a cast.
+	virtual ~CPropertyEditorEditSlots() = default;
+
 	// A new row: the host, and every state cleared.
 	void Initialize( IPropertyEditorApplyHost *pHost );
 

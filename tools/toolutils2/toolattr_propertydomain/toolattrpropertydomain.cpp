@@ -485,6 +485,8 @@ void CToolAttrPropertyDomain::AfterValueWrite( const ZolPropertyTarget &property
 
 void CToolAttrPropertyDomain::SetValueText( const ZolPropertyTarget &property, const ZolPropertyPath &path, const char *pText, int nFlags )
 {
+	if ( m_bReadOnly )
+		return;
 	IBaseToolAttr *pAttr = Walk( property, path );
 	IToolAttr_Value *pValue = pAttr ? pAttr->AsValue() : nullptr;
 	if ( !pValue )
@@ -529,6 +531,8 @@ int CToolAttrPropertyDomain::GetArrayCount( const ZolPropertyTarget &property, c
 
 int CToolAttrPropertyDomain::ModifyArray( const ZolPropertyTarget &property, const ZolPropertyPath &path, PropEdArrayOperation_t eOperation, int a, int b )
 {
+	if ( m_bReadOnly )
+		return 0;
 	IBaseToolAttr *pAttr = Walk( property, path );
 	IToolAttr_Array *pArray = pAttr ? pAttr->AsArray() : nullptr;
 	if ( !pArray )
@@ -599,7 +603,7 @@ bool CToolAttrPropertyDomain::GetHelpInfo( const ZolPropertyTarget &target, CUtl
 
 void CToolAttrPropertyDomain::RunButtonCommand( const char *pCommand, const ZolPropertyTarget &property, const char *pArgument )
 {
-	if ( !IsUsable( property ) || !pCommand )
+	if ( !IsUsable( property ) || !pCommand || m_bReadOnly )
 		return;
 	IBaseToolAttr *pAttr = property.m_pAttr;
 	HToolAttrTableInstance handle = property.m_hTable;
@@ -649,6 +653,8 @@ bool CToolAttrPropertyDomain::IsKV3Property( const ZolPropertyTarget &property, 
 
 void CToolAttrPropertyDomain::SetKV3( const ZolPropertyTarget &property, const ZolPropertyPath &path, const KeyValues3 &value, int nFlags )
 {
+	if ( m_bReadOnly )
+		return;
 	IBaseToolAttr *pAttr = Walk( property, path );
 	IToolAttr_KV3 *pKV3 = pAttr ? pAttr->AsKV3() : nullptr;
 	if ( !pKV3 )
@@ -701,6 +707,31 @@ void CToolAttrPropertyDomain::FillEditContext( const ZolPropertyTarget &property
 	auto *pString = dynamic_cast<CToolEditContextQuery_String *>( pQuery );
 	if ( pString && pString->m_eKind == CToolEditContextQuery_String::KIND_NONE )
 		property.m_hTable.m_pTable->FillEditContext( property.m_hTable, pQuery );
+}
+
+bool CToolAttrPropertyDomain::GetMapKeys( const ZolPropertyTarget &property, const ZolPropertyPath &path, CUtlVector<CUtlString> *pKeys )
+{
+	pKeys->RemoveAll();
+	IBaseToolAttr *pAttr = Walk( property, path );
+	IToolAttr_Map *pMap = pAttr ? pAttr->AsMap() : nullptr;
+	if ( !pMap )
+		return false;
+	pMap->GetKeys( property.m_hTable, pKeys );
+	return true;
+}
+
+bool CToolAttrPropertyDomain::ModifyMap( const ZolPropertyTarget &property, const ZolPropertyPath &path, PropEdMapOperation_t eOperation, const char *pKey )
+{
+	if ( m_bReadOnly || !pKey )
+		return false;
+	IBaseToolAttr *pAttr = Walk( property, path );
+	IToolAttr_Map *pMap = pAttr ? pAttr->AsMap() : nullptr;
+	if ( !pMap )
+		return false;
+	bool bChanged = eOperation == PROPED_MAP_ADD ? pMap->AddKey( property.m_hTable, pKey ) : pMap->RemoveKey( property.m_hTable, pKey );
+	if ( bChanged )
+		m_bRebuildNeeded = true;
+	return bChanged;
 }
 
 bool CToolAttrPropertyDomain::IsPropertyFiltered( IBaseToolAttr *, HToolAttrTableInstance ) { return false; }

@@ -17,7 +17,8 @@ public:
 
 	// Rows of values that their class doesn't expect are tinted and offer removal.
 	void SetSpuriousHandling( bool bOn ) { m_bSpuriousHandling = bOn; }
-	// Every row read-only, buttons display-only.
+	// Every row read-only, buttons display-only; writes, array and map changes and
+	// commands change nothing.
 	void SetReadOnly( bool bReadOnly ) { m_bReadOnly = bReadOnly; }
 	bool IsReadOnly() const { return m_bReadOnly; }
 
@@ -48,6 +49,8 @@ public:
 	void CopyTarget( const ZolPropertyTarget &in, ZolPropertyTarget *pOut ) override { *pOut = in; }
 	bool GetMapElementProperty( const ZolPropertyTarget &property, const ZolPropertyPath &path, const char *pKey, ZolPropertyTarget *pOut ) override;
 	void FillEditContext( const ZolPropertyTarget &property, CToolEditContextQuery_Base *pQuery ) override;
+	bool GetMapKeys( const ZolPropertyTarget &property, const ZolPropertyPath &path, CUtlVector<CUtlString> *pKeys ) override;
+	bool ModifyMap( const ZolPropertyTarget &property, const ZolPropertyPath &path, PropEdMapOperation_t eOperation, const char *pKey ) override;
 
 	// Derived domains hide properties and flag rows.
 	virtual bool IsPropertyFiltered( IBaseToolAttr *pAttr, HToolAttrTableInstance handle );

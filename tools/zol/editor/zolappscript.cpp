@@ -1,5 +1,5 @@
-// The particle editor's steps of a scripted run: an edit of the active definition and a
-// look at one of its values.
+// The particle editor's steps of a scripted run: an edit of the active definition, a
+// look at one of its values, and a selection (what the panels then show).
 
 #include <cerrno>
 #include <cstdlib>
@@ -7,9 +7,11 @@
 #include <string>
 
 #include "core/kv3/keyvalues3.h"
+#include "core/text/strtools.h"
 #include "tools/zol/editor/zolapp.h"
 #include "tools/zol/editor/zolsession.h"
 #include "zoldoc_lib/zoldoc.h"
+#include "zoldoc_lib/zolnode.h"
 #include "zoldoc_lib/zolrootnode.h"
 
 namespace
@@ -58,10 +60,70 @@ void DescribeValue( const KeyValues3 *pValue, CUtlString *pOut )
 	else
 		pOut->Format( "(%s)", pValue->GetTypeAsString() );
 }
+// A list named by its word in any case, with or without blanks and a plural "s"
+// ("Emitter", "emitters", "Pre Emission Operator", "Children"), or by its key.
+bool NamesList( const std::string &name, int nType )
+{
+	auto normal = []( std::string text ) {
+		std::string out;
+		for ( char c : text )
+		{
+			if ( c != ' ' )
+				out += char( tolower( (unsigned char)c ) );
+		}
+		if ( out.size() > 1 && out.back() == 's' )
+			out.pop_back();
+		return out;
+	};
+	std::string wanted = normal( name );
+	return wanted == normal( GetParticleFunctionTypeWord( nType ) ) || !V_stricmp_fast( name.c_str(), GetParticleFunctionListKey( nType ) ) ||
+		( nType == PARTICLE_FUNCTION_CHILDREN && wanted == "child" );
+}
 } // namespace
+
+bool CZolApp::RunSelectStep( const char *pArgs, CUtlString *pOutput )
+{
+	CZolSession *pSession = GetActiveZolSession();
+	CZolDoc *pDoc = pSession ? pSession->GetDoc() : nullptr;
+	// The last word is the index; the words before it name the list.
+	std::string args( pArgs );
+	size_t nLast = args.find_last_of( ' ' );
+	std::string word = nLast == std::string::npos ? args : args.substr( 0, nLast );
+	std::string index = nLast == std::string::npos ? std::string() : args.substr( nLast + 1 );
+	if ( !pDoc || !pDoc->GetRoot() || word.empty() )
+	{
+		pOutput->Set( "\"select\" needs an open definition and \"base\" or a list word and an index, such as \"select Emitter 0\"" );
+		return false;
+	}
+	if ( !V_stricmp_fast( args.c_str(), "base" ) )
+	{
+		pDoc->SelectBaseProperties();
+		pOutput->Set( "selected the base properties" );
+		return true;
+	}
+	int nType = -1;
+	for ( int nList = 0; nList < PARTICLE_FUNCTION_LIST_COUNT && nType < 0; ++nList )
+	{
+		if ( NamesList( word, nList ) )
+			nType = nList;
+	}
+	char *pEnd = nullptr;
+	long nIndex = strtol( index.c_str(), &pEnd, 10 );
+	CBaseZolNode *pNode = nType >= 0 && !index.empty() && !*pEnd ? pDoc->ResolveElementRef( ZolElementRef_t{ nType, int32_t( nIndex ) } ) : nullptr;
+	if ( !pNode )
+	{
+		pOutput->Format( "\"select %s\": no such element", pArgs );
+		return false;
+	}
+	pDoc->SelectElement( pNode, false );
+	pOutput->Format( "selected %s %ld (%s)", GetParticleFunctionTypeWord( nType ), nIndex, CZolDoc::GetFriendlyName( pNode ) );
+	return true;
+}
 
 bool CZolApp::RunScriptStep( const char *pStep, CUtlString *pOutput )
 {
+	if ( !strncmp( pStep, "select ", 7 ) )
+		return RunSelectStep( pStep + 7, pOutput );
 	bool bSet = !strncmp( pStep, "set ", 4 );
 	bool bGet = !strncmp( pStep, "get ", 4 );
 	if ( !bSet && !bGet )

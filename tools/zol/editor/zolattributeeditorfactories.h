@@ -10,7 +10,11 @@ struct ZolAttributeEditorFactoryEntry_t
 	const char *m_pWidgetClass; // the editor widget the factory makes
 	bool m_bFixedHeight;        // rows of 22 pixels, else the widget sets its height
 	// Makes the factory; null while the editor widget isn't part of the module, so the
-	// field falls back to the property panel's plain editor.
+	// field falls back to the property panel's plain editor. An editor class fills it in
+	// with its factory of tools/toolutils2/widgets/propertyeditor/attributeeditorfactory.h:
+	//   []() -> CPropertyAttributeEditorFactoryBase * {
+	//       static CPropertyAttributeEditorFactory<CQParticleVariableRefEditor, CPropertyAttributeEditorFactoryBaseFixedHeight> s_Factory( "ParticleVariableRef" );
+	//       return &s_Factory; }
 	CPropertyAttributeEditorFactoryBase *( *m_fnCreate )();
 };
 

@@ -10,6 +10,7 @@
 #include <QStatusBar>
 
 #include "core/host/hostpaths.h"
+#include "core/kv3/keyvalues3.h"
 #include "tools/toolutils2/undo/undohistory.h"
 #include "tools/toolutils2/widgets/inputbind/bindablecommandaction.h"
 #include "tools/toolutils2/widgets/inputbind/inputbindmanager.h"
@@ -17,10 +18,12 @@
 #include "tools/widgets/assetthumbnail.h"
 #include "tools/zol/editor/functionlist/particlefunctionlist.h"
 #include "tools/zol/editor/functionlist/particlesystemthumbnail.h"
+#include "tools/toolutils2/widgets/propertyeditor/propertypanel.h"
 #include "tools/zol/editor/particlepreview.h"
+#include "tools/zol/editor/properties/zolkv3propertydomain.h"
+#include "tools/zol/editor/properties/zolpropertywidget.h"
 #include "tools/zol/editor/zolapp.h"
 #include "tools/zol/editor/zolsession.h"
-#include "zoldoc_lib/zolnamedvaluecontext.h"
 #include "zoldoc_lib/zoldoc.h"
 
 static constexpr int DOCK_MINIMUM_SIZE = 100;
@@ -28,6 +31,18 @@ static constexpr int DOCK_MINIMUM_SIZE = 100;
 CQZolMainWnd::CQZolMainWnd( QWidget *pParent ) : CQBaseEditorMdiWnd( pParent )
 {
 	resize( 1280, 800 );
+}
+
+CQZolMainWnd::~CQZolMainWnd()
+{
+	// The panels that ask the domain (the property panel's editors, the function list's
+	// variable context) go before it; members go before the window's children.
+	delete m_pPropertyDock;
+	m_pPropertyDock = nullptr;
+	m_pPropertyWidget = nullptr;
+	delete m_pFunctionDock;
+	m_pFunctionDock = nullptr;
+	m_pFunctionList = nullptr;
 }
 
 QDockWidget *CQZolMainWnd::MakeDock( const char *pTitle, const char *pObjectName, QWidget *pContent, int nWidth, int nHeight )
@@ -50,9 +65,6 @@ static QLabel *MakePanelPlaceholder( const char *pText )
 	return pLabel;
 }
 
-// The panels that hold the variable context go with their docks, after it.
-CQZolMainWnd::~CQZolMainWnd() = default;
-
 void CQZolMainWnd::CreateChildren()
 {
 	setDockNestingEnabled( true );
@@ -63,12 +75,14 @@ void CQZolMainWnd::CreateChildren()
 	ReplaceMdiArea( m_pPreview );
 
 	m_pUndoHistoryWidget = new CQUndoHistoryWidget();
-	m_pPropertyDock = MakeDock( "Properties", "ZOL2_PropertyDock", MakePanelPlaceholder( "Properties" ), 300, 500 );
+	m_pDomain = std::make_unique<CZolKV3PropertyDomain>();
+	m_pPropertyWidget = new CQZolPropertyWidget( m_pDomain.get() );
+	connect( m_pPropertyWidget, &CQZolPropertyWidget::AttributeModified, this, &CQZolMainWnd::OnPropertyAttributeModified );
+	m_pPropertyDock = MakeDock( "Properties", "ZOL2_PropertyDock", m_pPropertyWidget, 300, 500 );
 	m_pAssetPaneDock = MakeDock( "Current assets", "ZOL2_AssetPaneDock", MakePanelPlaceholder( "Current assets" ), 500, 500 );
-	// The function list adds variables through the context of the shown session; the
-	// property panel's domain will answer for both.
-	m_pVariableContext = std::make_unique<CZolNamedValueContext>( nullptr, nullptr );
-	m_pFunctionList = new CQParticleFunctionList( m_pVariableContext.get() );
+	// The function list adds variables through the domain, the named value context of the
+	// shown session.
+	m_pFunctionList = new CQParticleFunctionList( m_pDomain.get() );
 	m_pFunctionDock = MakeDock( "Functions", "ZOL2_FunctionDock", m_pFunctionList, 300, 500 );
 	RegisterParticleSystemThumbnails();
 	m_pControlsDock = MakeDock( "Controls", "ZOL2_PreviewControlsDock", MakePanelPlaceholder( "Controls" ), 500, 500 );
@@ -169,8 +183,9 @@ void CQZolMainWnd::ResetLayout()
 	splitDockWidget( m_pFunctionDock, m_pPropertyDock, Qt::Horizontal );
 	addDockWidget( Qt::RightDockWidgetArea, m_pControlsDock );
 	splitDockWidget( m_pControlsDock, m_pUndoDock, Qt::Vertical );
-	// The rows need the width of a function's name and what it writes.
-	resizeDocks( { m_pFunctionDock }, { 300 }, Qt::Horizontal );
+	// The rows need the width of a function's name and what it writes; the property rows
+	// a label and an editor side by side.
+	resizeDocks( { m_pFunctionDock, m_pPropertyDock }, { 300, 360 }, Qt::Horizontal );
 }
 
 void CQZolMainWnd::OnToggleWindwLock( bool bLocked )
@@ -225,10 +240,12 @@ void CQZolMainWnd::RunFrame()
 
 void CQZolMainWnd::SessionActivated( CZolSession *, CZolSession *pNew )
 {
-	m_pVariableContext->SetSource( pNew, pNew ? pNew->GetControlPointState() : nullptr );
+	m_pDomain->SetSession( pNew );
 	{
 		const QSignalBlocker blocker( m_pFunctionList );
+		const QSignalBlocker propertyBlocker( m_pPropertyWidget );
 		m_pFunctionList->SetSession( pNew );
+		m_pPropertyWidget->SetSession( pNew );
 	}
 	m_SessionTarget.SetTarget( pNew );
 	CQInputBindManager::Get()->GetEngine().MarkDirty();
@@ -261,13 +278,43 @@ void CQZolMainWnd::OnSessionFileChanged( CZolSession *pSession )
 		const QSignalBlocker blocker( m_pFunctionList );
 		m_pFunctionList->SetSession( pSession );
 	}
+	// A reload made the document anew: the panel attaches to it again.
+	if ( pSession && m_pPropertyWidget->GetSession() == pSession )
+		m_pPropertyWidget->SetSession( pSession );
+}
+
+void CQZolMainWnd::OnPropertyAttributeModified( const QString &name, int nModifyType )
+{
+	// The first step of a drag says nothing yet; the function list follows the others.
+	if ( nModifyType == 1 || !GetCurrentSession() )
+		return;
+	if ( name == "m_bDisableOperator" || name == "m_bDisableChild" )
+		m_pFunctionList->RefreshEnabledState();
+	if ( name == "m_bEndCap" || name == "m_flDelay" )
+		m_pFunctionList->RefreshChildStatus();
+	m_pFunctionList->RefreshCheckedType();
+}
+
+void CQZolMainWnd::SaveToolWindowSettings( KeyValues3 *pTable )
+{
+	CQBaseEditorMdiWnd::SaveToolWindowSettings( pTable );
+	m_pPropertyWidget->GetPanel()->SaveSettings( pTable->SetMemberEmptyTable( "property_editor_settings" ) );
+}
+
+void CQZolMainWnd::RestoreToolWindowSettings( const KeyValues3 *pTable )
+{
+	CQBaseEditorMdiWnd::RestoreToolWindowSettings( pTable );
+	if ( const KeyValues3 *pSettings = pTable ? pTable->FindMember( "property_editor_settings" ) : nullptr )
+		m_pPropertyWidget->GetPanel()->RestoreSettings( pSettings );
 }
 
 void CQZolMainWnd::ForgetSession( CZolSession *pSession )
 {
 	m_pFunctionList->ForgetSession( pSession );
-	if ( pSession && m_pVariableContext->GetSource() == pSession )
-		m_pVariableContext->SetSource( nullptr, nullptr );
+	if ( pSession && m_pPropertyWidget->GetSession() == pSession )
+		m_pPropertyWidget->SetSession( nullptr );
+	if ( pSession && m_pDomain->GetSession() == pSession )
+		m_pDomain->SetSession( nullptr );
 	if ( pSession && m_SessionTarget.GetTarget() == pSession )
 	{
 		m_SessionTarget.SetTarget( nullptr );

@@ -11,7 +11,8 @@
 
 class CQParticleFunctionList;
 class CQParticlePreview;
-class CZolNamedValueContext;
+class CQZolPropertyWidget;
+class CZolKV3PropertyDomain;
 class CQUndoHistoryWidget;
 class CZolSession;
 class QDockWidget;
@@ -40,6 +41,9 @@ public:
 	CQParticlePreview *GetPreview() const { return m_pPreview; }
 	CQParticleFunctionList *GetFunctionList() const { return m_pFunctionList; }
 	QDockWidget *GetFunctionDock() const { return m_pFunctionDock; }
+	CQZolPropertyWidget *GetPropertyWidget() const { return m_pPropertyWidget; }
+	QDockWidget *GetPropertyDock() const { return m_pPropertyDock; }
+	CZolKV3PropertyDomain *GetPropertyDomain() const { return m_pDomain.get(); }
 	QDockWidget *GetUndoDock() const { return m_pUndoDock; }
 	CQUndoHistoryWidget *GetUndoHistoryWidget() const { return m_pUndoHistoryWidget; }
 	QMenu *GetEditMenu() const { return m_pEditMenu; }
@@ -65,10 +69,14 @@ public:
 public slots:
 	void UpdateEditMenu();
 	void OnToggleWindwLock( bool bLocked );
+	// The property panel's notice of an edit: the function list shows what it changed.
+	void OnPropertyAttributeModified( const QString &name, int nModifyType );
 
 protected:
 	void CreateChildren() override;
 	void CreateFileMenu( QMenu *pMenu ) override;
+	void SaveToolWindowSettings( KeyValues3 *pTable ) override;
+	void RestoreToolWindowSettings( const KeyValues3 *pTable ) override;
 
 private:
 	QDockWidget *MakeDock( const char *pTitle, const char *pObjectName, QWidget *pContent, int nWidth, int nHeight );
@@ -80,8 +88,10 @@ private:
 	QDockWidget *m_pUndoDock = nullptr;
 	QStatusBar *m_pStatusBar = nullptr;
 	CQParticleFunctionList *m_pFunctionList = nullptr;
-	// The variables around the shown session, for the panels that add or pick variables.
-	std::unique_ptr<CZolNamedValueContext> m_pVariableContext;
+	// The property panel's domain; it is also the named value context of the shown
+	// session for the panels that add or pick variables.
+	std::unique_ptr<CZolKV3PropertyDomain> m_pDomain;
+	CQZolPropertyWidget *m_pPropertyWidget = nullptr;
 	QDockWidget *m_pPropertyDock = nullptr;
 	QMenu *m_pViewMenu = nullptr;
 	QMenu *m_pEditMenu = nullptr;
