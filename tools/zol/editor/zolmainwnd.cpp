@@ -20,6 +20,7 @@
 #include "tools/zol/editor/functionlist/particlesystemthumbnail.h"
 #include "tools/toolutils2/widgets/propertyeditor/propertypanel.h"
 #include "tools/zol/editor/particlepreview.h"
+#include "tools/zol/editor/previewcontrols/particlepreviewcontrols.h"
 #include "tools/zol/editor/properties/zolkv3propertydomain.h"
 #include "tools/zol/editor/properties/zolpropertywidget.h"
 #include "tools/zol/editor/zolapp.h"
@@ -43,6 +44,9 @@ CQZolMainWnd::~CQZolMainWnd()
 	delete m_pFunctionDock;
 	m_pFunctionDock = nullptr;
 	m_pFunctionList = nullptr;
+	delete m_pControlsDock;
+	m_pControlsDock = nullptr;
+	m_pPreviewControls = nullptr;
 }
 
 QDockWidget *CQZolMainWnd::MakeDock( const char *pTitle, const char *pObjectName, QWidget *pContent, int nWidth, int nHeight )
@@ -85,7 +89,8 @@ void CQZolMainWnd::CreateChildren()
 	m_pFunctionList = new CQParticleFunctionList( m_pDomain.get() );
 	m_pFunctionDock = MakeDock( "Functions", "ZOL2_FunctionDock", m_pFunctionList, 300, 500 );
 	RegisterParticleSystemThumbnails();
-	m_pControlsDock = MakeDock( "Controls", "ZOL2_PreviewControlsDock", MakePanelPlaceholder( "Controls" ), 500, 500 );
+	m_pPreviewControls = new CQParticlePreviewControls( m_pDomain.get() );
+	m_pControlsDock = MakeDock( "Controls", "ZOL2_PreviewControlsDock", m_pPreviewControls, 500, 500 );
 	m_pUndoDock = MakeDock( "Undo", "ZOL2_UndoDock", m_pUndoHistoryWidget, 300, 500 );
 	ResetLayout();
 

@@ -11,6 +11,7 @@
 
 class CQParticleFunctionList;
 class CQParticlePreview;
+class CQParticlePreviewControls;
 class CQZolPropertyWidget;
 class CZolKV3PropertyDomain;
 class CQUndoHistoryWidget;
@@ -40,6 +41,8 @@ public:
 	// The live preview in the middle.
 	CQParticlePreview *GetPreview() const { return m_pPreview; }
 	CQParticleFunctionList *GetFunctionList() const { return m_pFunctionList; }
+	CQParticlePreviewControls *GetPreviewControls() const { return m_pPreviewControls; }
+	QDockWidget *GetControlsDock() const { return m_pControlsDock; }
 	QDockWidget *GetFunctionDock() const { return m_pFunctionDock; }
 	CQZolPropertyWidget *GetPropertyWidget() const { return m_pPropertyWidget; }
 	QDockWidget *GetPropertyDock() const { return m_pPropertyDock; }
@@ -88,6 +91,7 @@ private:
 	QDockWidget *m_pUndoDock = nullptr;
 	QStatusBar *m_pStatusBar = nullptr;
 	CQParticleFunctionList *m_pFunctionList = nullptr;
+	CQParticlePreviewControls *m_pPreviewControls = nullptr;
 	// The property panel's domain; it is also the named value context of the shown
 	// session for the panels that add or pick variables.
 	std::unique_ptr<CZolKV3PropertyDomain> m_pDomain;

@@ -608,6 +608,41 @@ ZolControlPointConfiguration_t *CZolSession::GetCurrentConfiguration() const
 	return pRoot && !m_CurrentConfigName.IsEmpty() ? pRoot->FindConfiguration( m_CurrentConfigName ) : nullptr;
 }
 
+bool CZolSession::RenameCurrentConfiguration( const char *pName )
+{
+	CZolRootNode *pRoot = m_pDoc->GetRoot();
+	CUtlString strName( pName ? pName : "" );
+	strName.TrimWhitespace();
+	if ( !pRoot || m_CurrentConfigName.IsEmpty() || !pRoot->FindConfiguration( m_CurrentConfigName ) || strName.IsEmpty() ||
+		 strName.IsEqual_CaseInsensitive( m_CurrentConfigName ) || pRoot->FindConfiguration( strName ) )
+		return false;
+	CUtlString strDescription;
+	strDescription.Format( "Set Control Point Configuration Name '%s'", strName.Get() );
+	m_pDoc->BeginEdit( strDescription, true );
+	// The undo snapshot may make the records anew: find it by name again.
+	ZolControlPointConfiguration_t *pConfig = m_pDoc->GetRoot()->FindConfiguration( m_CurrentConfigName );
+	pConfig->m_KV3.SetMemberString( "m_name", strName );
+	m_CurrentConfigName = strName;
+	SendEvent( ZolEvent_ControlPointListChanged_t() );
+	return true;
+}
+
+void CZolSession::SelectConfigurationByName( const char *pName )
+{
+	if ( !pName || !*pName )
+	{
+		m_CurrentConfigName.Clear();
+		SendEvent( ZolEvent_ControlPointListChanged_t() );
+		return;
+	}
+	CZolRootNode *pRoot = m_pDoc->GetRoot();
+	ZolControlPointConfiguration_t *pConfig = pRoot ? pRoot->FindConfiguration( pName ) : nullptr;
+	if ( !pConfig || m_CurrentConfigName.IsEqual_CaseInsensitive( pConfig->GetName() ) )
+		return;
+	m_CurrentConfigName = pConfig->GetName();
+	SelectConfiguration( pConfig );
+}
+
 void CZolSession::SelectConfiguration( const ZolControlPointConfiguration_t *pConfig )
 {
 	if ( !pConfig )

@@ -134,6 +134,12 @@ public:
 	// the undo step ("Commit Control Point And Preview State").
 	void StoreStateInConfiguration( ZolControlPointConfiguration_t *pConfig ) const;
 	ZolControlPointConfiguration_t *GetCurrentConfiguration() const;
+	// The current configuration takes a new name, as one undo step. Refused (false) for an
+	// empty name, the same name ignoring case, or a name another configuration has.
+	bool RenameCurrentConfiguration( const char *pName );
+	// A configuration other than the current one by name becomes current and takes effect;
+	// an empty name leaves none current. The document doesn't change.
+	void SelectConfigurationByName( const char *pName );
 	const char *GetCurrentConfigName() const { return m_CurrentConfigName.Get(); }
 	// The current state as a configuration on the clipboard ("ControlPointConfiguration"
 	// in KV3 text of the format "generic"); the document doesn't change.
