@@ -6,6 +6,7 @@
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
+#include <QAbstractItemView>
 #include <QIntValidator>
 #include <QLabel>
 #include <QLineEdit>
@@ -137,6 +138,10 @@ QWidget *CQParticlePreviewControls::BuildConfigurationRow()
 	connect( m_pPasteButton, &QToolButton::clicked, this, &CQParticlePreviewControls::OnPastePreviewState );
 	connect( m_pConfigCombo, QOverload<int>::of( &QComboBox::activated ), this, &CQParticlePreviewControls::OnSelectedConfigurationChanged );
 	connect( m_pConfigCombo->lineEdit(), &QLineEdit::editingFinished, this, &CQParticlePreviewControls::OnConfigurationNameChanged );
+	connect( m_pConfigCombo->lineEdit(), &QLineEdit::textEdited, this, [ this ]( const QString &text ) {
+		m_TypedConfigName = text;
+		m_bConfigNameTyped = true;
+	} );
 	return pRow;
 }
 
@@ -836,15 +841,24 @@ void CQParticlePreviewControls::OnConfigurationNameChanged()
 {
 	if ( !m_pSession )
 		return;
-	const QByteArray name = m_pConfigCombo->currentText().trimmed().toUtf8();
-	if ( m_pSession->RenameCurrentConfiguration( name.constData() ) )
-		RebuildConfigurationCombo();
+	if ( !m_bConfigNameTyped )
+		return;
+	const QByteArray name = m_TypedConfigName.trimmed().toUtf8();
+	m_bConfigNameTyped = false;
+	// Refused (empty, or another configuration's name), the name that stands comes back.
+	m_pSession->RenameCurrentConfiguration( name.constData() );
+	RebuildConfigurationCombo();
 }
 
 void CQParticlePreviewControls::OnSelectedConfigurationChanged()
 {
 	if ( !m_pSession )
 		return;
+	// The combo itself picks the entry that a typed name matches; that is a rename the
+	// name handler refuses, not a choice.
+	if ( m_bConfigNameTyped && !m_pConfigCombo->view()->isVisible() )
+		return;
+	m_bConfigNameTyped = false;
 	const QByteArray name = m_pConfigCombo->currentText().toUtf8();
 	m_pSession->SelectConfigurationByName( name.constData() );
 }

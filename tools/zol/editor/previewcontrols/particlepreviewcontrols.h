@@ -7,6 +7,7 @@
 // preview state into the configuration and the configuration's name, each one undo step.
 // Every refresh holds the controls' signals back, so showing data never writes it back.
 
+#include <QString>
 #include <QWidget>
 
 #include <vector>
@@ -135,6 +136,9 @@ private:
 	std::vector<CQNamedValueEditor *> m_NamedValueEditors;
 
 	QComboBox *m_pConfigCombo = nullptr;
+	// What the user typed into the combo since the last choice: a new name.
+	QString m_TypedConfigName;
+	bool m_bConfigNameTyped = false;
 	QToolButton *m_pAddButton = nullptr;
 	QToolButton *m_pRemoveButton = nullptr;
 	QToolButton *m_pResetButton = nullptr;
