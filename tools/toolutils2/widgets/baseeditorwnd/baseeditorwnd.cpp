@@ -9,6 +9,7 @@
 #include <QScreen>
 #include <QWindow>
 
+#include "core/host/hostpaths.h"
 #include "core/kv3/keyvalues3.h"
 #include "core/logging/logging.h"
 #include "core/text/strtools.h"
@@ -113,7 +114,7 @@ void CQBaseEditorWnd::RebuildRecentFilesMenu()
 			QString shown = paths[ i ];
 			if ( shown.startsWith( prefix, Qt::CaseInsensitive ) )
 				shown = shown.mid( prefix.size() );
-			QAction *pAction = m_pRecentFilesMenu->addAction( QString( "&%1 - %2" ).arg( i + 1 ).arg( shown ) );
+			QAction *pAction = m_pRecentFilesMenu->addAction( QString( "&%1 - %2" ).arg( i + 1 ).arg( QString::fromUtf8( Host_DisplayPath( shown.toUtf8().constData() ).Get() ) ) );
 			pAction->setData( paths[ i ] );
 		}
 	}
