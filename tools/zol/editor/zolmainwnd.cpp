@@ -6,11 +6,15 @@
 #include <QLabel>
 #include <QMenu>
 #include <QMenuBar>
+#include <QScreen>
+#include <QScrollArea>
 #include <QSignalBlocker>
+#include <QStyle>
 #include <QStatusBar>
 
 #include "core/host/hostpaths.h"
 #include "core/kv3/keyvalues3.h"
+#include "tools/toolutils2/baseeditorapp/editorfilequeries.h"
 #include "tools/toolutils2/undo/undohistory.h"
 #include "tools/toolutils2/widgets/inputbind/bindablecommandaction.h"
 #include "tools/toolutils2/widgets/inputbind/inputbindmanager.h"
@@ -29,9 +33,26 @@
 
 static constexpr int DOCK_MINIMUM_SIZE = 100;
 
+// A path as the user reads it: as the content tree names it (the whole path outside it),
+// with the platform's separator. Paths are kept with backslashes in memory.
+static QString ShownPath( const char *pPath )
+{
+	CUtlString strShown;
+	if ( !EditorFiles::MakeRelative( pPath, "CONTENT", &strShown ) || strShown.IsEmpty() || strShown.Get()[ 0 ] == '.' )
+		strShown = pPath;
+	return QString::fromUtf8( Host_DisplayPath( strShown ).Get() );
+}
+
 CQZolMainWnd::CQZolMainWnd( QWidget *pParent ) : CQBaseEditorMdiWnd( pParent )
 {
-	resize( 1280, 800 );
+	// Four panels and a preview want room: most of the screen, within sensible bounds.
+	QSize size( 1280, 800 );
+	if ( QScreen *pScreen = QGuiApplication::primaryScreen() )
+	{
+		const QRect available = pScreen->availableGeometry();
+		size = QSize( qBound( 1024, available.width() - 80, 1800 ), qBound( 700, available.height() - 80, 1100 ) );
+	}
+	resize( size );
 }
 
 CQZolMainWnd::~CQZolMainWnd()
@@ -90,7 +111,13 @@ void CQZolMainWnd::CreateChildren()
 	m_pFunctionDock = MakeDock( "Functions", "ZOL2_FunctionDock", m_pFunctionList, 300, 500 );
 	RegisterParticleSystemThumbnails();
 	m_pPreviewControls = new CQParticlePreviewControls( m_pDomain.get() );
-	m_pControlsDock = MakeDock( "Controls", "ZOL2_PreviewControlsDock", m_pPreviewControls, 500, 500 );
+	// The controls are a tall form: on a small screen they scroll rather than squeeze the
+	// preview and the property names.
+	QScrollArea *pControlsScroll = new QScrollArea();
+	pControlsScroll->setWidgetResizable( true );
+	pControlsScroll->setFrameShape( QFrame::NoFrame );
+	pControlsScroll->setWidget( m_pPreviewControls );
+	m_pControlsDock = MakeDock( "Controls", "ZOL2_PreviewControlsDock", pControlsScroll, 500, 500 );
 	m_pUndoDock = MakeDock( "Undo", "ZOL2_UndoDock", m_pUndoHistoryWidget, 300, 500 );
 	ResetLayout();
 
@@ -114,6 +141,10 @@ void CQZolMainWnd::CreateChildren()
 	m_pViewMenu->addAction( m_pControlsDock->toggleViewAction() );
 	m_pViewMenu->addAction( m_pUndoDock->toggleViewAction() );
 	m_pViewMenu->addAction( m_pAssetPaneDock->toggleViewAction() );
+	QAction *pSystemInformation = m_pViewMenu->addAction( "&Display System Information" );
+	pSystemInformation->setCheckable( true );
+	pSystemInformation->setChecked( true );
+	connect( pSystemInformation, &QAction::toggled, m_pPreview, &CQParticlePreview::OnToggleSystemInformationDisplay );
 	m_pViewMenu->addSeparator();
 	QAction *pLock = m_pViewMenu->addAction( "&Toggle Window Lock" );
 	pLock->setCheckable( true );
@@ -163,6 +194,12 @@ void CQZolMainWnd::CreateFileMenu( QMenu *pMenu )
 
 		m_pOpenDirectoryAction = new CQBindableCommandAction( pApp, "FileOpenDir", "Open All In &Directory...", this );
 		pMenu->insertAction( m_pFileReloadAction, m_pOpenDirectoryAction );
+		m_pRecentDirectoriesMenu = new QMenu( "&Recent Directories", this );
+		connect( m_pRecentDirectoriesMenu, &QMenu::aboutToShow, this, &CQZolMainWnd::RebuildRecentDirectoriesSubmenu );
+		connect( m_pRecentDirectoriesMenu, &QMenu::triggered, this, &CQZolMainWnd::LoadRecentDirectory );
+		QList<QAction *> fileActions = pMenu->actions();
+		const int nAfterRecentFiles = fileActions.indexOf( GetRecentFilesMenu()->menuAction() ) + 1;
+		pMenu->insertMenu( nAfterRecentFiles < fileActions.size() ? fileActions[ nAfterRecentFiles ] : nullptr, m_pRecentDirectoriesMenu );
 		m_pSaveAllAction = new CQBindableCommandAction( pApp, "FileSaveAll", "Save &All", this );
 		pMenu->insertAction( m_pFileCloseAction, m_pSaveAllAction );
 		m_pCloseAllAction = new CQBindableCommandAction( pApp, "FileCloseAll", "Close All", this );
@@ -188,9 +225,63 @@ void CQZolMainWnd::ResetLayout()
 	splitDockWidget( m_pFunctionDock, m_pPropertyDock, Qt::Horizontal );
 	addDockWidget( Qt::RightDockWidgetArea, m_pControlsDock );
 	splitDockWidget( m_pControlsDock, m_pUndoDock, Qt::Vertical );
-	// The rows need the width of a function's name and what it writes; the property rows
-	// a label and an editor side by side.
-	resizeDocks( { m_pFunctionDock, m_pPropertyDock }, { 300, 360 }, Qt::Horizontal );
+	ApplyDefaultDockSizes();
+	// Before the first showing the window's size is not final: the sizes wait for it.
+	m_bDefaultSizesPending = !isVisible();
+}
+
+void CQZolMainWnd::ApplyDefaultDockSizes()
+{
+	// The function rows need a function's name and what it writes, the property rows a
+	// label and an editor side by side, the controls their form; the preview keeps the
+	// rest, which is the largest share on a wide screen.
+	const int nWidth = width();
+	const int nControlsWanted = m_pPreviewControls->sizeHint().width() + m_pControlsDock->style()->pixelMetric( QStyle::PM_ScrollBarExtent ) + 8;
+	const int nControls = qBound( 300, nWidth * 32 / 100, nControlsWanted );
+	resizeDocks( { m_pFunctionDock, m_pPropertyDock, m_pControlsDock }, { qMax( 240, nWidth * 20 / 100 ), qMax( 280, nWidth * 23 / 100 ), nControls }, Qt::Horizontal );
+	resizeDocks( { m_pControlsDock, m_pUndoDock }, { height() * 3 / 4, height() / 4 }, Qt::Vertical );
+	resizeDocks( { m_pAssetPaneDock }, { 120 }, Qt::Vertical );
+}
+
+void CQZolMainWnd::showEvent( QShowEvent *pEvent )
+{
+	CQBaseEditorMdiWnd::showEvent( pEvent );
+	if ( m_bDefaultSizesPending )
+	{
+		m_bDefaultSizesPending = false;
+		ApplyDefaultDockSizes();
+	}
+}
+
+void CQZolMainWnd::RebuildRecentDirectoriesSubmenu()
+{
+	m_pRecentDirectoriesMenu->clear();
+	CZolApp *pApp = ZolApp();
+	int nShown = 0;
+	if ( pApp )
+	{
+		for ( const CUtlString &strDirectory : pApp->GetRecentDirectories() )
+		{
+			if ( nShown >= MAX_RECENT_DIRECTORIES_SHOWN )
+				break;
+			// The list keeps a deleted folder (it may come back); the menu leaves it out.
+			if ( !EditorFiles::IsDirectory( strDirectory ) )
+				continue;
+			++nShown;
+			QAction *pAction = m_pRecentDirectoriesMenu->addAction( QString( "&%1 - %2" ).arg( nShown ).arg( ShownPath( strDirectory ) ) );
+			pAction->setData( QString::fromUtf8( strDirectory.Get() ) );
+		}
+	}
+	if ( nShown == 0 )
+		m_pRecentDirectoriesMenu->addAction( "<No recent directories>" )->setEnabled( false );
+}
+
+void CQZolMainWnd::LoadRecentDirectory( QAction *pAction )
+{
+	CZolApp *pApp = ZolApp();
+	const QString path = pAction ? pAction->data().toString() : QString();
+	if ( pApp && !path.isEmpty() )
+		pApp->OpenDirectory( path.toUtf8().constData() );
 }
 
 void CQZolMainWnd::OnToggleWindwLock( bool bLocked )
@@ -266,8 +357,7 @@ void CQZolMainWnd::SessionActivated( CZolSession *, CZolSession *pNew )
 		CUtlString strTitle;
 		pNew->GetTitle( &strTitle, 0 );
 		setWindowTitle( QString::fromUtf8( strTitle.Get() ) );
-		// Paths are kept with backslashes in memory; show the user the path as it is on disk.
-		m_pStatusBar->showMessage( QString::fromUtf8( Host_DiskPath( pNew->GetFileName() ).Get() ) );
+		m_pStatusBar->showMessage( ShownPath( pNew->GetFileName() ) );
 	}
 	else
 	{

@@ -58,6 +58,10 @@ public:
 	QAction *GetOpenDirectoryAction() const { return m_pOpenDirectoryAction; }
 	QAction *GetSaveAllAction() const { return m_pSaveAllAction; }
 	QAction *GetCloseAllAction() const { return m_pCloseAllAction; }
+	QMenu *GetViewMenu() const { return m_pViewMenu; }
+	QMenu *GetRecentDirectoriesMenu() const { return m_pRecentDirectoriesMenu; }
+	// At most this many recent directories show in the submenu.
+	static constexpr int MAX_RECENT_DIRECTORIES_SHOWN = 10;
 
 	enum EditAction_t
 	{
@@ -74,14 +78,20 @@ public slots:
 	void OnToggleWindwLock( bool bLocked );
 	// The property panel's notice of an edit: the function list shows what it changed.
 	void OnPropertyAttributeModified( const QString &name, int nModifyType );
+	void RebuildRecentDirectoriesSubmenu();
+	void LoadRecentDirectory( QAction *pAction );
 
 protected:
 	void CreateChildren() override;
 	void CreateFileMenu( QMenu *pMenu ) override;
 	void SaveToolWindowSettings( KeyValues3 *pTable ) override;
 	void RestoreToolWindowSettings( const KeyValues3 *pTable ) override;
+	void showEvent( QShowEvent *pEvent ) override;
 
 private:
+	// Shares the window's width out between the docks and the preview.
+	void ApplyDefaultDockSizes();
+
 	QDockWidget *MakeDock( const char *pTitle, const char *pObjectName, QWidget *pContent, int nWidth, int nHeight );
 	CZolSession *GetCurrentSession() const;
 
@@ -98,6 +108,9 @@ private:
 	CQZolPropertyWidget *m_pPropertyWidget = nullptr;
 	QDockWidget *m_pPropertyDock = nullptr;
 	QMenu *m_pViewMenu = nullptr;
+	QMenu *m_pRecentDirectoriesMenu = nullptr;
+	// The default layout waits for the window's first showing to know its size.
+	bool m_bDefaultSizesPending = false;
 	QMenu *m_pEditMenu = nullptr;
 	QAction *m_EditActions[ EDIT_ACTION_COUNT ] = {};
 	CBindTargetProxy m_SessionTarget;
