@@ -6,15 +6,22 @@
 #include <QAction>
 #include <QApplication>
 #include <QDockWidget>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QStatusBar>
 #include <QMenu>
 #include <QtTest/QTest>
 
 #include <filesystem>
 #include <string>
 
+#include "core/console/consoleregistry.h"
+#include "core/console/convar.h"
+#include "core/host/resourcetype.h"
 #include "core/kv3/keyvalues3.h"
 #include "tests/zoltool/zolapptestsupport.h"
 #include "tools/zol/editor/particlepreview.h"
+#include "tools/zol/editor/zolassetpane.h"
 
 namespace fs = std::filesystem;
 
@@ -216,6 +223,109 @@ TEST_F( ZolMainWndTest, RecentDirectoriesShowTenThatExistAndOpenTheClickedOne )
 	QApplication::processEvents();
 	EXPECT_EQ( m_pApp->GetSessions().size(), nSessions + 2 ) << "holder.tfxs and lonely.tfxs";
 	EXPECT_STREQ( m_pApp->GetRecentDirectories()[ 0 ], MemoryPath( m_Root / "content/particles/other" ) );
+}
+
+} // namespace
+
+// ---------------------------------------------------------------------------------------
+// The asset pane
+
+namespace
+{
+
+QListWidgetItem *ItemNamed( QListWidget *pList, const QString &name )
+{
+	for ( int i = 0; i < pList->count(); ++i )
+	{
+		if ( pList->item( i )->text() == name )
+			return pList->item( i );
+	}
+	return nullptr;
+}
+
+std::vector<std::string> ShownNames( QListWidget *pList )
+{
+	std::vector<std::string> names;
+	for ( int i = 0; i < pList->count(); ++i )
+	{
+		if ( !pList->item( i )->isHidden() )
+			names.push_back( pList->item( i )->text().toStdString() );
+	}
+	return names;
+}
+
+TEST_F( ZolMainWndTest, AssetPaneBrowsesEverySystemNarrowsByTypingAndOpensWithADoubleClick )
+{
+	CQZolAssetPane *pPane = m_pWindow->GetAssetPane();
+	ASSERT_NE( pPane, nullptr );
+	QListWidget *pList = pPane->GetList();
+	ASSERT_EQ( pPane->GetView(), CQZolAssetPane::VIEW_BROWSE_ALL );
+	CUtlVector<IAsset *> systems;
+	m_Services.GetAssetSystem()->GetAssets( &systems, RESOURCE_TYPE_PARTICLE_SYSTEM );
+	ASSERT_GT( systems.Count(), 5 );
+	EXPECT_EQ( pList->count(), systems.Count() );
+	ASSERT_NE( ItemNamed( pList, "particles/samples/campfire.tfxs" ), nullptr );
+
+	QTest::keyClicks( pPane->GetFilterEdit(), "OTHER/" );
+	EXPECT_EQ( ShownNames( pList ), ( std::vector<std::string>{ "particles/other/holder.tfxs", "particles/other/lonely.tfxs" } ) );
+
+	QListWidgetItem *pLonely = ItemNamed( pList, "particles/other/lonely.tfxs" );
+	const QPoint at = pList->visualItemRect( pLonely ).center();
+	QTest::mouseClick( pList->viewport(), Qt::LeftButton, Qt::NoModifier, at );
+	QTest::mouseDClick( pList->viewport(), Qt::LeftButton, Qt::NoModifier, at );
+	QApplication::processEvents();
+	CZolSession *pLonelySession = static_cast<CZolSession *>( m_pApp->GetActiveSession() );
+	ASSERT_NE( pLonelySession, nullptr );
+	EXPECT_EQ( pLonelySession->GetAsset(), Asset( "particles/other/lonely.tfxs" ) );
+	EXPECT_EQ( m_pWindow->statusBar()->currentMessage().toStdString(), "particles/other/lonely.tfxs" );
+
+	// Enter on the other one opens it too; a filter that matches nothing empties the list.
+	pList->setCurrentItem( ItemNamed( pList, "particles/other/holder.tfxs" ) );
+	QTest::keyClick( pList, Qt::Key_Return );
+	EXPECT_EQ( static_cast<CZolSession *>( m_pApp->GetActiveSession() )->GetAsset(), Asset( "particles/other/holder.tfxs" ) );
+	EXPECT_EQ( m_pApp->GetSessions().size(), 2u );
+	pPane->GetFilterEdit()->setText( "no such system" );
+	EXPECT_TRUE( ShownNames( pList ).empty() );
+}
+
+TEST_F( ZolMainWndTest, AssetPaneShowsTheOpenSystemsWithTheShownOneSelectedAndSwitchesOnlyOutsideTestMode )
+{
+	CQZolAssetPane *pPane = m_pWindow->GetAssetPane();
+	QListWidget *pList = pPane->GetList();
+	pPane->SetView( CQZolAssetPane::VIEW_OPEN );
+	EXPECT_EQ( pList->count(), 0 );
+	CZolSession *pFire = Open( "particles/samples/fire.tfxs" );
+	CZolSession *pSmoke = Open( "particles/samples/smoke.tfxs" );
+	ASSERT_TRUE( pFire && pSmoke );
+	ASSERT_EQ( pList->count(), 2 );
+	EXPECT_EQ( pPane->GetSelectedAssets(), std::vector<IAsset *>{ pSmoke->GetAsset() } );
+
+	// A click selects and, under tests, shows no other session.
+	QListWidgetItem *pFireItem = ItemNamed( pList, "particles/samples/fire.tfxs" );
+	ASSERT_NE( pFireItem, nullptr );
+	QTest::mouseClick( pList->viewport(), Qt::LeftButton, Qt::NoModifier, pList->visualItemRect( pFireItem ).center() );
+	EXPECT_EQ( m_pApp->GetActiveSession(), pSmoke );
+
+	ConVar *pTestMode = ConsoleRegistry().FindVar( "zol_disable_test_mode" );
+	ASSERT_NE( pTestMode, nullptr );
+	pTestMode->SetValue( 1 );
+	QListWidgetItem *pSmokeItem = ItemNamed( pList, "particles/samples/smoke.tfxs" );
+	QTest::mouseClick( pList->viewport(), Qt::LeftButton, Qt::NoModifier, pList->visualItemRect( pSmokeItem ).center() );
+	EXPECT_EQ( m_pApp->GetActiveSession(), pSmoke );
+	QTest::mouseClick( pList->viewport(), Qt::LeftButton, Qt::NoModifier, pList->visualItemRect( pFireItem ).center() );
+	EXPECT_EQ( m_pApp->GetActiveSession(), pFire );
+	// Two selected: nothing changes.
+	pSmokeItem = ItemNamed( pList, "particles/samples/smoke.tfxs" );
+	QTest::mouseClick( pList->viewport(), Qt::LeftButton, Qt::ControlModifier, pList->visualItemRect( pSmokeItem ).center() );
+	EXPECT_EQ( pPane->GetSelectedAssets().size(), 2u );
+	EXPECT_EQ( m_pApp->GetActiveSession(), pFire );
+	pTestMode->SetValue( 0 );
+
+	// A closed system leaves the view.
+	pFire->SetModified( false );
+	ASSERT_TRUE( m_pApp->CloseSession( pFire ) );
+	ASSERT_EQ( pList->count(), 1 );
+	EXPECT_EQ( pList->item( 0 )->text().toStdString(), "particles/samples/smoke.tfxs" );
 }
 
 } // namespace

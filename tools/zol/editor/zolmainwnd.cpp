@@ -3,7 +3,6 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QDockWidget>
-#include <QLabel>
 #include <QMenu>
 #include <QMenuBar>
 #include <QScreen>
@@ -13,6 +12,8 @@
 #include <QStatusBar>
 
 #include "core/host/hostpaths.h"
+#include "core/host/iasset.h"
+#include "core/host/iassetsystem.h"
 #include "core/kv3/keyvalues3.h"
 #include "tools/toolutils2/baseeditorapp/editorfilequeries.h"
 #include "tools/toolutils2/undo/undohistory.h"
@@ -28,6 +29,7 @@
 #include "tools/zol/editor/properties/zolkv3propertydomain.h"
 #include "tools/zol/editor/properties/zolpropertywidget.h"
 #include "tools/zol/editor/zolapp.h"
+#include "tools/zol/editor/zolassetpane.h"
 #include "tools/zol/editor/zolsession.h"
 #include "zoldoc_lib/zoldoc.h"
 
@@ -80,16 +82,6 @@ QDockWidget *CQZolMainWnd::MakeDock( const char *pTitle, const char *pObjectName
 	return pDock;
 }
 
-// A panel that a later part of the editor fills; until then it says what it is for.
-static QLabel *MakePanelPlaceholder( const char *pText )
-{
-	QLabel *pLabel = new QLabel( pText );
-	pLabel->setAlignment( Qt::AlignCenter );
-	pLabel->setWordWrap( true );
-	pLabel->setEnabled( false );
-	return pLabel;
-}
-
 void CQZolMainWnd::CreateChildren()
 {
 	setDockNestingEnabled( true );
@@ -104,7 +96,11 @@ void CQZolMainWnd::CreateChildren()
 	m_pPropertyWidget = new CQZolPropertyWidget( m_pDomain.get() );
 	connect( m_pPropertyWidget, &CQZolPropertyWidget::AttributeModified, this, &CQZolMainWnd::OnPropertyAttributeModified );
 	m_pPropertyDock = MakeDock( "Properties", "ZOL2_PropertyDock", m_pPropertyWidget, 300, 500 );
-	m_pAssetPaneDock = MakeDock( "Current assets", "ZOL2_AssetPaneDock", MakePanelPlaceholder( "Current assets" ), 500, 500 );
+	CZolApp *pZolApp = ZolApp();
+	m_pAssetPane = new CQZolAssetPane( GetAssetSystem(), pZolApp ? pZolApp->GetWorkingSet() : nullptr );
+	connect( m_pAssetPane, &CQZolAssetPane::ZolAssetPaneSelectionChanged, this, &CQZolMainWnd::OnZolAssetPaneSelectionChanged );
+	connect( m_pAssetPane, &CQZolAssetPane::OpenSession, this, &CQZolMainWnd::OnOpenSession );
+	m_pAssetPaneDock = MakeDock( "Current assets", "ZOL2_AssetPaneDock", m_pAssetPane, 500, 500 );
 	// The function list adds variables through the domain, the named value context of the
 	// shown session.
 	m_pFunctionList = new CQParticleFunctionList( m_pDomain.get() );
@@ -253,6 +249,24 @@ void CQZolMainWnd::showEvent( QShowEvent *pEvent )
 	}
 }
 
+void CQZolMainWnd::OnZolAssetPaneSelectionChanged()
+{
+	CZolApp *pApp = ZolApp();
+	const std::vector<IAsset *> selected = m_pAssetPane->GetSelectedAssets();
+	if ( !pApp || selected.size() != 1 )
+		return;
+	CBaseEditorSession *pSession = pApp->FindSessionByFile( selected[ 0 ]->GetAbsolutePath() );
+	if ( pSession && pSession != pApp->GetActiveSession() )
+		pApp->SetActiveEditorSession( pSession, false, true );
+}
+
+void CQZolMainWnd::OnOpenSession( IAsset *pAsset )
+{
+	// An open system's session is shown; another one opens.
+	if ( CZolApp *pApp = ZolApp(); pApp && pAsset )
+		pApp->OpenFile( pAsset->GetAbsolutePath(), true );
+}
+
 void CQZolMainWnd::RebuildRecentDirectoriesSubmenu()
 {
 	m_pRecentDirectoriesMenu->clear();
@@ -352,6 +366,12 @@ void CQZolMainWnd::SessionActivated( CZolSession *, CZolSession *pNew )
 			static_cast<CQBindableCommandAction *>( pAction )->RefreshText();
 	}
 	m_pUndoHistoryWidget->SetUndoHistory( pNew ? pNew->GetDoc()->GetUndoHistory() : nullptr );
+	// The application keeps the working set; the pane shows it and the session's system.
+	m_pAssetPane->Refresh();
+	if ( pNew && pNew->GetAsset() )
+		m_pAssetPane->SelectAsset( pNew->GetAsset() );
+	else
+		m_pAssetPane->ClearSelection();
 	if ( pNew && *pNew->GetFileName() )
 	{
 		CUtlString strTitle;
@@ -406,6 +426,8 @@ void CQZolMainWnd::RestoreToolWindowSettings( const KeyValues3 *pTable )
 void CQZolMainWnd::ForgetSession( CZolSession *pSession )
 {
 	m_pFunctionList->ForgetSession( pSession );
+	// The application took its system out of the working set.
+	m_pAssetPane->Refresh();
 	if ( pSession && m_pPropertyWidget->GetSession() == pSession )
 		m_pPropertyWidget->SetSession( nullptr );
 	if ( pSession && m_pDomain->GetSession() == pSession )

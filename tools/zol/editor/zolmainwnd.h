@@ -10,6 +10,8 @@
 #include "tools/toolutils2/widgets/baseeditorwnd/baseeditormdiwnd.h"
 
 class CQParticleFunctionList;
+class CQZolAssetPane;
+class IAsset;
 class CQParticlePreview;
 class CQParticlePreviewControls;
 class CQZolPropertyWidget;
@@ -43,6 +45,8 @@ public:
 	CQParticleFunctionList *GetFunctionList() const { return m_pFunctionList; }
 	CQParticlePreviewControls *GetPreviewControls() const { return m_pPreviewControls; }
 	QDockWidget *GetControlsDock() const { return m_pControlsDock; }
+	CQZolAssetPane *GetAssetPane() const { return m_pAssetPane; }
+	QDockWidget *GetAssetPaneDock() const { return m_pAssetPaneDock; }
 	QDockWidget *GetFunctionDock() const { return m_pFunctionDock; }
 	CQZolPropertyWidget *GetPropertyWidget() const { return m_pPropertyWidget; }
 	QDockWidget *GetPropertyDock() const { return m_pPropertyDock; }
@@ -78,6 +82,9 @@ public slots:
 	void OnToggleWindwLock( bool bLocked );
 	// The property panel's notice of an edit: the function list shows what it changed.
 	void OnPropertyAttributeModified( const QString &name, int nModifyType );
+	// One selected system with a session that isn't shown: its session is shown.
+	void OnZolAssetPaneSelectionChanged();
+	void OnOpenSession( IAsset *pAsset );
 	void RebuildRecentDirectoriesSubmenu();
 	void LoadRecentDirectory( QAction *pAction );
 
@@ -95,6 +102,7 @@ private:
 	QDockWidget *MakeDock( const char *pTitle, const char *pObjectName, QWidget *pContent, int nWidth, int nHeight );
 	CZolSession *GetCurrentSession() const;
 
+	CQZolAssetPane *m_pAssetPane = nullptr;
 	QDockWidget *m_pAssetPaneDock = nullptr;
 	QDockWidget *m_pFunctionDock = nullptr;
 	QDockWidget *m_pControlsDock = nullptr;
