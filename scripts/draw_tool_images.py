@@ -487,6 +487,7 @@ def main():
                        ("restart_global", "zol/restart_global.png"), ("stop_with_endcap", "zol/stop_with_endcap.png"), ("reset_cam", "zol/reset_cam.png"),
                        ("move_cam_to_origin", "zol/move_cam_to_origin.png")):
         preview_icon(kind).save(path)
+    preview_icon("reload").save("common/reload.png")
     for level, name in enumerate(("Low", "Medium", "High", "Ultra")):
         detail_level_icon(level).save("zol/detail_level_%s.png" % name)
     plus_badge(rgb(64, 128, 160)).save("common/add_sm.png")

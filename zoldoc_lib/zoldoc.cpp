@@ -318,14 +318,14 @@ void CZolDoc::ToggleSelected()
 	SendEvent( ZolEvent_FunctionEnableDisableChanged_t() );
 }
 
-void CZolDoc::UpdateToCurrentVersion()
+void CZolDoc::UpdateToCurrentVersion( CUtlVector<CUtlString> *pChanges )
 {
 	if ( !m_pRoot )
 		return;
 	OpenUndoUnit( "Update to Current Version" );
 	SendEvent( ZolEvent_DocumentModified_t() );
 
-	UpdateRootVersion( m_pRoot, m_bKeepsUnknownFunctions );
+	UpdateRootVersion( m_pRoot, m_bKeepsUnknownFunctions, pChanges );
 	RebuildAttributeLabels();
 	SendEvent( ZolEvent_DocumentReplaced_t() );
 	RebuildAttributeLabels();

@@ -94,7 +94,8 @@ public:
 	void MoveElement( CBaseZolNode *pNode, int nNewIndex );
 	void SetElementEnabled( CBaseZolNode *pNode, bool bEnabled );
 	void ToggleSelected();
-	void UpdateToCurrentVersion();
+	// One undo unit; pChanges receives what the version change did, one line each.
+	void UpdateToCurrentVersion( CUtlVector<CUtlString> *pChanges = nullptr );
 	// Adds the clipboard's functions, children, variables and base properties, keeping
 	// only the keys a new node of each kind has.
 	void Paste( const KeyValues3 *pClipboard );

@@ -10,7 +10,10 @@
 #include "core/text/strtools.h"
 #include "tools/toolutils2/fgd/fgdkv3defaults.h"
 #include "tools/toolutils2/fgd/gamedata.h"
+#include "tools/toolutils2/fgd/gamedataclass.h"
+#include "tools/toolutils2/fgd/gamedatavariable.h"
 #include "zoldoc_lib/particlegamedata.h"
+#include "zoldoc_lib/zoldefinitiontree.h"
 #include "zoldoc_lib/zolfunctionnode.h"
 #include "zoldoc_lib/zolrootnode.h"
 
@@ -43,17 +46,43 @@ const CSchemaClassInfo *FindParticleSchemaClass( const char *pName )
 	return pName && *pName ? ParticleTypeScope()->FindDeclaredClass( pName ) : nullptr;
 }
 
+// "label (m_Key)" for a member of a class description, or the key alone.
+CUtlString DescribeMember( const char *pClassName, const char *pKey )
+{
+	const CGameDataClass *pClass = FindParticleGameDataClass( pClassName );
+	const CGameDataVariable *pVar = pClass ? pClass->FindVariable( pKey ) : nullptr;
+	CUtlString text;
+	if ( pVar && !pVar->m_LongName.IsEmpty() && V_strcmp( pVar->m_LongName.Get(), pKey ) )
+		text.Format( "%s (%s)", pVar->m_LongName.Get(), pKey );
+	else
+		text.Set( pKey );
+	return text;
+}
+
 // Removes from the table, last to first, the members the schema class lacks at the version.
-void RemoveFieldsOutsideVersion( KeyValues3 *pTable, const char *pSchemaClass, int nVersion )
+// Each removal is told under pWhere, first member first.
+void RemoveFieldsOutsideVersion( KeyValues3 *pTable, const char *pSchemaClass, const char *pClassName, int nVersion, const char *pWhere,
+	CUtlVector<CUtlString> *pChanges )
 {
 	if ( !pTable->IsTable() )
 		return;
+	CUtlVector<CUtlString> removed;
 	for ( int i = pTable->GetMemberCount() - 1; i >= 0; --i )
 	{
-		if ( !IsFieldValidForVersion( pSchemaClass, pTable->GetMemberName( i ), nVersion ) )
-			pTable->RemoveMember( i );
+		if ( IsFieldValidForVersion( pSchemaClass, pTable->GetMemberName( i ), nVersion ) )
+			continue;
+		if ( pChanges )
+			removed.AddToHead( DescribeMember( pClassName, pTable->GetMemberName( i ) ) );
+		pTable->RemoveMember( i );
+	}
+	for ( const CUtlString &member : removed )
+	{
+		CUtlString line;
+		line.Format( "%s: drops %s", pWhere, member.Get() );
+		pChanges->AddToTail( line );
 	}
 }
+
 
 // The field stored under that key: by its own name, or by the name it is transferred under.
 const CSchemaClassField *FindFieldByKey( const CSchemaClassInfo *pClass, const char *pKey )
@@ -113,6 +142,13 @@ const char *GetParticleFunctionFriendlyName( const char *pClass )
 		}
 	}
 	return pClass;
+}
+
+CUtlString DescribeParticleFunction( int nType, int nIndex, const char *pClass )
+{
+	CUtlString text;
+	text.Format( "%s #%d %s", GetDefinitionSectionTitle( nType ), nIndex + 1, GetParticleFunctionFriendlyName( pClass ) );
+	return text;
 }
 
 bool IsFunctionValidForVersion( ParticleFunctionType_t eType, const char *pClass, int nVersion )
@@ -234,21 +270,32 @@ void ApplyDefaultArrayRule( CZolRootNode *pRoot, ParticleFunctionType_t eType, C
 void SanitiseFunctionFields( CZolFunctionNode *pNode, int nVersion )
 {
 	if ( pNode )
-		RemoveFieldsOutsideVersion( pNode->GetWriteKV3(), SchemaClassOfNode( pNode ), nVersion );
+		RemoveFieldsOutsideVersion( pNode->GetWriteKV3(), SchemaClassOfNode( pNode ), pNode->GetClassName(), nVersion, "", nullptr );
 }
 
-void SanitiseForVersion( CZolRootNode *pRoot, int nVersion, bool bKeepUnknownClasses )
+void SanitiseForVersion( CZolRootNode *pRoot, int nVersion, bool bKeepUnknownClasses, CUtlVector<CUtlString> *pChanges )
 {
-	RemoveFieldsOutsideVersion( pRoot->GetWriteKV3(), ROOT_CLASS_NAME, nVersion );
+	RemoveFieldsOutsideVersion( pRoot->GetWriteKV3(), ROOT_CLASS_NAME, ROOT_CLASS_NAME, nVersion, "Base Properties", pChanges );
 	for ( int nType = 0; nType < PARTICLE_FUNCTION_CLASS_LIST_COUNT; ++nType )
 	{
 		ParticleFunctionType_t eType = ParticleFunctionType_t( nType );
+		// The list is walked from its end, so that removals leave the places ahead as they
+		// were; its lines are told from its start.
+		CUtlVector<CUtlString> listChanges;
 		for ( int i = pRoot->GetNodeCount( eType ) - 1; i >= 0; --i )
 		{
 			CBaseZolNode *pNode = pRoot->GetNode( eType, i );
+			CUtlString where = pChanges ? DescribeParticleFunction( eType, i, pNode->GetClassName() ) : CUtlString();
+			CUtlVector<CUtlString> nodeChanges;
 			const char *pReplacement = GetReplacementForVersion( eType, pNode->GetClassName(), nVersion );
 			if ( pReplacement && *pReplacement )
 			{
+				if ( pChanges )
+				{
+					CUtlString line;
+					line.Format( "%s: becomes %s (%s)", where.Get(), GetParticleFunctionFriendlyName( pReplacement ), pReplacement );
+					nodeChanges.AddToTail( line );
+				}
 				pNode->GetWriteKV3()->SetMemberString( "_class", pReplacement );
 			}
 			else if ( bKeepUnknownClasses && FindParticleFunctionClass( eType, pNode->GetClassName() ) < 0 )
@@ -257,26 +304,37 @@ void SanitiseForVersion( CZolRootNode *pRoot, int nVersion, bool bKeepUnknownCla
 			}
 			else if ( !IsFunctionValidForVersion( eType, pNode->GetClassName(), nVersion ) )
 			{
+				if ( pChanges )
+				{
+					CUtlString line;
+					line.Format( "%s: removed, behavior version %d has no such function", where.Get(), nVersion );
+					listChanges.AddToHead( line );
+				}
 				pRoot->RemoveFunctionNode( eType, pNode );
 				continue;
 			}
-			SanitiseFunctionFields( pNode->AsFunctionNode(), nVersion );
+			RemoveFieldsOutsideVersion( pNode->GetWriteKV3(), SchemaClassOfNode( pNode ), pNode->GetClassName(), nVersion, where.Get(),
+				pChanges ? &nodeChanges : nullptr );
+			for ( int nLine = nodeChanges.Count() - 1; nLine >= 0; --nLine )
+				listChanges.AddToHead( nodeChanges[ nLine ] );
 		}
+		if ( pChanges )
+			pChanges->AddMultipleToTail( listChanges.Count(), listChanges.Base() );
 	}
 }
 
-void BringRootToVersion( CZolRootNode *pRoot, int nVersion, bool bKeepUnknownClasses )
+void BringRootToVersion( CZolRootNode *pRoot, int nVersion, bool bKeepUnknownClasses, CUtlVector<CUtlString> *pChanges )
 {
-	SanitiseForVersion( pRoot, nVersion, bKeepUnknownClasses );
+	SanitiseForVersion( pRoot, nVersion, bKeepUnknownClasses, pChanges );
 	pRoot->GetWriteKV3()->SetMemberInt( "m_nBehaviorVersion", nVersion );
 }
 
-void UpdateRootVersion( CZolRootNode *pRoot, bool bKeepUnknownClasses )
+void UpdateRootVersion( CZolRootNode *pRoot, bool bKeepUnknownClasses, CUtlVector<CUtlString> *pChanges )
 {
 	const IParticleSystemMgr *pMgr = GetParticleSystemMgr();
 	int nCurrent = pMgr ? pMgr->GetCurrentBehaviorVersion() : 0;
 	const KeyValues3 *pTable = pRoot->GetReadKV3();
 	if ( pTable->HasMember( "m_nBehaviorVersion" ) && pTable->GetMemberInt( "m_nBehaviorVersion" ) == nCurrent )
 		return;
-	BringRootToVersion( pRoot, nCurrent, bKeepUnknownClasses );
+	BringRootToVersion( pRoot, nCurrent, bKeepUnknownClasses, pChanges );
 }

@@ -7,7 +7,9 @@
 // are metadata of their schema classes in the "particles" scope. A class the schema doesn't
 // know has no limits.
 
+#include "core/containers/utlvector.h"
 #include "core/particles/particlefunctiontype.h"
+#include "core/text/utlstring.h"
 
 class CSchemaClassInfo;
 class KeyValues3;
@@ -20,6 +22,10 @@ int FindParticleFunctionClass( ParticleFunctionType_t eType, const char *pClass 
 const CSchemaClassInfo *FindParticleFunctionSchemaClass( ParticleFunctionType_t eType, const char *pClass );
 // The friendly name of the first class of that exact name in any list, or pClass itself.
 const char *GetParticleFunctionFriendlyName( const char *pClass );
+
+// A function as reports name it: "Operators #6 Noise Scalar (simplex noise)", its list,
+// its place counted from 1, its class's friendly name.
+CUtlString DescribeParticleFunction( int nType, int nIndex, const char *pClass );
 
 // A class of the type's list whose version limits admit nVersion.
 bool IsFunctionValidForVersion( ParticleFunctionType_t eType, const char *pClass, int nVersion );
@@ -42,8 +48,10 @@ void SanitiseFunctionFields( CZolFunctionNode *pNode, int nVersion );
 // Root members, then functions of lists 0 .. 6: replaced, removed, or trimmed to the version.
 // With bKeepUnknownClasses a function whose class the list doesn't know stays as written
 // instead of going: comparing and merging files must not lose what a newer editor wrote.
-void SanitiseForVersion( CZolRootNode *pRoot, int nVersion, bool bKeepUnknownClasses = false );
+// pChanges, when given, receives one line per change in the artist's terms, in list order
+// ("Operators #6 Noise Scalar (simplex noise): becomes Noise Scalar").
+void SanitiseForVersion( CZolRootNode *pRoot, int nVersion, bool bKeepUnknownClasses = false, CUtlVector<CUtlString> *pChanges = nullptr );
 // Sanitises the root for the version and records it there, whatever version it stood at.
-void BringRootToVersion( CZolRootNode *pRoot, int nVersion, bool bKeepUnknownClasses = false );
+void BringRootToVersion( CZolRootNode *pRoot, int nVersion, bool bKeepUnknownClasses = false, CUtlVector<CUtlString> *pChanges = nullptr );
 // Brings the root to the manager's behaviour version when it stands at another one.
-void UpdateRootVersion( CZolRootNode *pRoot, bool bKeepUnknownClasses = false );
+void UpdateRootVersion( CZolRootNode *pRoot, bool bKeepUnknownClasses = false, CUtlVector<CUtlString> *pChanges = nullptr );

@@ -3,6 +3,7 @@
 #include "core/host/assetsystem.h"
 #include "core/host/filesystem.h"
 #include "core/host/gameinfo.h"
+#include "core/host/gametoolsservice.h"
 #include "core/host/helpsystem.h"
 #include "core/host/hostpaths.h"
 #include "core/host/interfaceregistry.h"
@@ -44,6 +45,7 @@ bool CHostServices::Init( const char *pGameRoot, const char *pContentRoot, CUtlS
 	}
 	m_pFileSystem->SetupFromRoots( pGameRoot, pContentRoot );
 	m_pAssetSystem = std::make_unique<CAssetSystem>( m_pFileSystem.get(), m_pResourceSystem.get() );
+	m_pGameToolsService = std::make_unique<CGameToolsService>( m_pFileSystem.get() );
 	m_pGameInfo->Load( m_pFileSystem.get(), pError );
 	// What the tools' help entries say; a broken help file costs only its texts.
 	CUtlString strHelpErrors;
@@ -62,6 +64,7 @@ void CHostServices::Install()
 	::SetHelpSystem( m_pHelpSystem.get() );
 	::SetPropertyEditorSystem( m_pPropertyEditorSystem.get() );
 	::SetGameInfo( m_pGameInfo.get() );
+	::SetGameToolsService( m_pGameToolsService.get() );
 	m_Registrations[ 0 ] = std::make_unique<CHostInterfaceReg>( FILESYSTEM_INTERFACE_VERSION, static_cast<IFileSystem *>( m_pFileSystem.get() ) );
 	m_Registrations[ 1 ] = std::make_unique<CHostInterfaceReg>( RESOURCESYSTEM_INTERFACE_VERSION, static_cast<IResourceSystem *>( m_pResourceSystem.get() ) );
 	m_Registrations[ 2 ] = std::make_unique<CHostInterfaceReg>( ASSETSYSTEM_INTERFACE_VERSION, static_cast<IAssetSystem *>( m_pAssetSystem.get() ) );
@@ -70,6 +73,7 @@ void CHostServices::Install()
 	m_Registrations[ 5 ] = std::make_unique<CHostInterfaceReg>( GAMEINFO_INTERFACE_VERSION, static_cast<void *>( m_pGameInfo.get() ) );
 	m_Registrations[ 6 ] = std::make_unique<CHostInterfaceReg>( SCENESYSTEM_INTERFACE_VERSION, static_cast<ISceneSystem *>( m_pSceneSystem.get() ) );
 	m_Registrations[ 7 ] = std::make_unique<CHostInterfaceReg>( TOOLSCENENODEFACTORY_INTERFACE_VERSION, static_cast<IToolSceneNodeFactory *>( m_pToolSceneNodeFactory.get() ) );
+	m_Registrations[ 8 ] = std::make_unique<CHostInterfaceReg>( GAMETOOLSSERVICE_INTERFACE_VERSION, static_cast<IGameToolsService *>( m_pGameToolsService.get() ) );
 	m_bInstalled = true;
 }
 
@@ -93,6 +97,8 @@ void CHostServices::Uninstall()
 		::SetPropertyEditorSystem( nullptr );
 	if ( ::GetGameInfo() == m_pGameInfo.get() )
 		::SetGameInfo( nullptr );
+	if ( ::GetGameToolsService() == m_pGameToolsService.get() )
+		::SetGameToolsService( nullptr );
 	m_bInstalled = false;
 }
 

@@ -15,6 +15,7 @@
 class CAssetSystem;
 class CFileSystem;
 class CGameInfo;
+class CGameToolsService;
 class CHelpSystem;
 class CHostInterfaceReg;
 class CPropertyEditorSystem;
@@ -44,6 +45,7 @@ public:
 	CGameInfo *GetGameInfo() const { return m_pGameInfo.get(); }
 	CSceneSystem *GetSceneSystem() const { return m_pSceneSystem.get(); }
 	CToolSceneNodeFactory *GetToolSceneNodeFactory() const { return m_pToolSceneNodeFactory.get(); }
+	CGameToolsService *GetGameToolsService() const { return m_pGameToolsService.get(); }
 
 	// The particle manager that the host made; it becomes the current one and answers
 	// "ParticleSystemMgr003" until these services go (or another one is given).
@@ -61,7 +63,8 @@ private:
 	std::unique_ptr<CGameInfo> m_pGameInfo;
 	std::unique_ptr<CSceneSystem> m_pSceneSystem;
 	std::unique_ptr<CToolSceneNodeFactory> m_pToolSceneNodeFactory;
-	std::unique_ptr<CHostInterfaceReg> m_Registrations[ 8 ];
+	std::unique_ptr<CGameToolsService> m_pGameToolsService;
+	std::unique_ptr<CHostInterfaceReg> m_Registrations[ 9 ];
 	IParticleSystemMgr *m_pParticleSystemMgr = nullptr;
 	std::unique_ptr<CHostInterfaceReg> m_pParticleSystemMgrRegistration;
 	bool m_bInstalled = false;

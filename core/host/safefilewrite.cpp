@@ -147,7 +147,49 @@ void SyncDirectory( const fs::path &directory )
 	fsync( fd );
 	close( fd );
 }
+
+// The file a write of pPath replaces, after its links, and whether it exists; false with
+// the reason when the target may not be replaced.
+bool FindWriteTarget( const char *pPath, std::string *pTarget, struct stat *pInfo, bool *pExists, std::string *pReason )
+{
+	// Directories are found whatever the case of their names; the file keeps its name as
+	// spelt, so of two files that differ only in case the one named is written.
+	fs::path spelt( Host_DiskPath( pPath ).Get() );
+	*pTarget = spelt.has_parent_path() ? ( fs::path( Host_DiskPathForWrite( spelt.parent_path().c_str() ).Get() ) / spelt.filename() ).string() : spelt.string();
+	if ( !FollowLinks( pTarget, pReason ) )
+		return false;
+	*pExists = stat( pTarget->c_str(), pInfo ) == 0;
+	if ( *pExists )
+		*pReason = CheckExistingTarget( *pTarget, *pInfo );
+	return pReason->empty();
+}
 } // namespace
+
+bool SafeWriteCheck( const char *pPath, CUtlString *pError )
+{
+	if ( !pPath || !*pPath )
+		return Refuse( pError, "", "no file name was given" );
+	std::string target, reason;
+	struct stat info;
+	bool bExists = false;
+	if ( !FindWriteTarget( pPath, &target, &info, &bExists, &reason ) )
+		return Refuse( pError, pPath, reason );
+	// The nearest directory that exists decides: a write makes the rest of the chain in it.
+	std::error_code error;
+	fs::path directory = fs::path( target ).parent_path();
+	while ( !directory.empty() && !fs::exists( directory, error ) && directory != directory.root_path() )
+		directory = directory.parent_path();
+	struct stat directoryInfo;
+	if ( directory.empty() )
+		directory = ".";
+	if ( stat( directory.c_str(), &directoryInfo ) != 0 || !S_ISDIR( directoryInfo.st_mode ) )
+		return Refuse( pError, pPath, "its directory '" + directory.string() + "' can't be made" );
+	if ( !( directoryInfo.st_mode & S_IWUSR ) )
+		return Refuse( pError, pPath, "its directory '" + directory.string() + "' is read only" );
+	if ( pError )
+		pError->Clear();
+	return true;
+}
 
 bool SafeWriteFile( const char *pPath, const void *pData, size_t nSize, CUtlString *pError )
 {
@@ -156,22 +198,11 @@ bool SafeWriteFile( const char *pPath, const void *pData, size_t nSize, CUtlStri
 	if ( nSize > 0 && !pData )
 		return Refuse( pError, pPath, "there is no data" );
 
-	// Directories are found whatever the case of their names; the file keeps its name as
-	// spelt, so of two files that differ only in case the one named is written.
-	fs::path spelt( Host_DiskPath( pPath ).Get() );
-	std::string target = spelt.has_parent_path() ? ( fs::path( Host_DiskPathForWrite( spelt.parent_path().c_str() ).Get() ) / spelt.filename() ).string() : spelt.string();
-	std::string reason;
-	if ( !FollowLinks( &target, &reason ) )
-		return Refuse( pError, pPath, reason );
-
+	std::string target, reason;
 	struct stat info;
-	bool bExists = stat( target.c_str(), &info ) == 0;
-	if ( bExists )
-	{
-		reason = CheckExistingTarget( target, info );
-		if ( !reason.empty() )
-			return Refuse( pError, pPath, reason );
-	}
+	bool bExists = false;
+	if ( !FindWriteTarget( pPath, &target, &info, &bExists, &reason ) )
+		return Refuse( pError, pPath, reason );
 
 	fs::path directory = fs::path( target ).parent_path();
 	if ( directory.empty() )

@@ -31,6 +31,10 @@ class CUtlString;
 bool SafeWriteFile( const char *pPath, const void *pData, size_t nSize, CUtlString *pError = nullptr );
 // The buffer's contents, from 0 to its put position.
 bool SafeWriteFile( const char *pPath, const CUtlBuffer &buffer, CUtlString *pError = nullptr );
+// Whether a write of the file would be refused, without writing anything: the same
+// refusals and the same message as SafeWriteFile's. A dry run tells with it what a real
+// run would refuse.
+bool SafeWriteCheck( const char *pPath, CUtlString *pError = nullptr );
 
 // Called after the temporary file is complete and on disk, just before it is renamed over
 // the target. Crash tests stop the process here; null (the default) calls nothing.

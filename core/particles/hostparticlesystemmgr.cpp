@@ -159,6 +159,11 @@ const char *CHostParticleSystemMgr::GetParticleAttributeName( int nAttribute ) c
 	return ::GetParticleAttributeName( nAttribute );
 }
 
+void CHostParticleSystemMgr::GetFunctionControlPointUsage( const KeyValues3 *pFunction, CUtlVector<HostControlPointUsage_t> *pUsage ) const
+{
+	GetParticleFunctionControlPointUsage( pFunction, pUsage );
+}
+
 void CHostParticleSystemMgr::GetFunctionInfo( const KeyValues3 *pFunction, ParticleFunctionInfo_t *pInfo ) const
 {
 	if ( !pInfo )

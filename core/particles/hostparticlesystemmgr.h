@@ -27,6 +27,7 @@ public:
 	const char *GetBehaviorVersionChange( int nVersion ) const override;
 	const char *GetParticleAttributeName( int nAttribute ) const override;
 	void GetFunctionInfo( const KeyValues3 *pFunction, ParticleFunctionInfo_t *pInfo ) const override;
+	void GetFunctionControlPointUsage( const KeyValues3 *pFunction, CUtlVector<HostControlPointUsage_t> *pUsage ) const override;
 
 	// The runtime: collections of the simulation in core/particles/sim/, tracked while
 	// they live.

@@ -48,6 +48,14 @@ public:
 	}
 	virtual const char *GetParticleAttributeName( int nAttribute ) const = 0;
 	virtual void GetFunctionInfo( const KeyValues3 *pFunction, ParticleFunctionInfo_t *pInfo ) const = 0;
+	// Every use of a control point or named value that the function's table makes, one
+	// record per use, with the input field that reported it. Replaces *pUsage; managers
+	// that can't tell answer none.
+	virtual void GetFunctionControlPointUsage( const KeyValues3 *pFunction, CUtlVector<HostControlPointUsage_t> *pUsage ) const
+	{
+		(void)pFunction;
+		pUsage->RemoveAll();
+	}
 
 	// The runtime: the manager of live effects has its collections made and given back
 	// here. A manager without a runtime makes none.

@@ -40,6 +40,14 @@ void CUtlString::Set( const char *pString, size_t nLength )
 	m_Storage.assign( pString ? pString : "", pString ? nLength : 0 );
 }
 
+int CUtlString::FormatV( const char *pFormat, va_list args )
+{
+	std::string text;
+	int n = FormatAside( &text, pFormat, args );
+	m_Storage = std::move( text );
+	return n;
+}
+
 int CUtlString::Format( const char *pFormat, ... )
 {
 	std::string text;

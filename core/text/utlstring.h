@@ -1,6 +1,7 @@
 #pragma once
 // Owning text. A null pointer reads as the empty string everywhere.
 
+#include <cstdarg>
 #include <cstddef>
 #include <string>
 #include <string_view>
@@ -31,6 +32,8 @@ public:
 
 	// printf-style formatting; replaces the contents.
 	int Format( const char *pFormat, ... ) __attribute__( ( format( printf, 2, 3 ) ) );
+	// As Format, for callers that take their own variable arguments.
+	int FormatV( const char *pFormat, va_list args ) __attribute__( ( format( printf, 2, 0 ) ) );
 	int AppendFormat( const char *pFormat, ... ) __attribute__( ( format( printf, 2, 3 ) ) );
 
 	void Purge() { std::string().swap( m_Storage ); }

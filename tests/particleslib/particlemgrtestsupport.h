@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <mutex>
 #include <string>
 #include <vector>
 
@@ -73,8 +74,12 @@ public:
 	void ReportUnknownSystem( const char *pName ) override { m_UnknownSystems.push_back( pName ? pName : "" ); }
 	bool GetAttachmentFrame( const ParticleControlPointRecord_t &record, Vector *pOrigin, Vector *pForward, Vector *pRight, Vector *pUp ) override
 	{
-		// Each effect asks for its control point 0 in its step: the order of steps.
-		m_AttachmentOrder.push_back( record.m_pEntity );
+		// Each effect asks for its control point 0 in its step: the order of steps. Steps
+		// run on the pool's threads, so the record is kept under a lock.
+		{
+			std::lock_guard<std::mutex> lock( m_AttachmentMutex );
+			m_AttachmentOrder.push_back( record.m_pEntity );
+		}
 		if ( !record.m_pEntity )
 			return false;
 		record.m_pEntity->GetParticleEntityFrame( pOrigin, pForward, pRight, pUp );
@@ -114,6 +119,7 @@ public:
 	bool m_bCullAll = false;
 	std::vector<std::string> m_UnknownSystems;
 	std::vector<IParticleEntity *> m_AttachmentOrder;
+	std::mutex m_AttachmentMutex;
 	std::vector<ParticleLibView_t> m_Views;
 	std::vector<ParticleViewMatrix_t> m_Matrices;
 };

@@ -10,6 +10,8 @@
 #include <QListWidget>
 #include <QStatusBar>
 #include <QMenu>
+#include <QMenuBar>
+#include <QTableWidget>
 #include <QtTest/QTest>
 
 #include <filesystem>
@@ -22,6 +24,8 @@
 #include "tests/zoltool/zolapptestsupport.h"
 #include "tools/zol/editor/particlepreview.h"
 #include "tools/zol/editor/zolassetpane.h"
+#include "tools/toolutils2/widgets/inputbind/inputbindeditor.h"
+#include "tools/toolutils2/widgets/inputbind/inputbindmanager.h"
 
 namespace fs = std::filesystem;
 
@@ -326,6 +330,31 @@ TEST_F( ZolMainWndTest, AssetPaneShowsTheOpenSystemsWithTheShownOneSelectedAndSw
 	ASSERT_TRUE( m_pApp->CloseSession( pFire ) );
 	ASSERT_EQ( pList->count(), 1 );
 	EXPECT_EQ( pList->item( 0 )->text().toStdString(), "particles/samples/smoke.tfxs" );
+}
+
+} // namespace
+
+namespace
+{
+
+TEST_F( ZolMainWndTest, HelpMenuShowsEveryLoadedKeyBinding )
+{
+	QMenu *pHelp = m_pWindow->GetHelpMenu();
+	ASSERT_NE( pHelp, nullptr );
+	ASSERT_EQ( m_pWindow->menuBar()->actions().last(), pHelp->menuAction() );
+	QAction *pShow = pHelp->actions().value( 0 );
+	ASSERT_NE( pShow, nullptr );
+	EXPECT_EQ( pShow->text(), QStringLiteral( "Show Key Bindings" ) );
+	ClickEntry( pHelp, pShow );
+	CQInputBindEditor *pEditor = m_pWindow->GetInputBindEditor();
+	ASSERT_NE( pEditor, nullptr );
+	EXPECT_TRUE( pEditor->isVisible() );
+	const size_t nBindings = CQInputBindManager::Get()->GetEngine().GetBindingList().GetBindings().size();
+	ASSERT_GT( nBindings, 0u );
+	EXPECT_EQ( pEditor->GetTable()->rowCount(), int( nBindings ) );
+	// A second time shows the same window.
+	ClickEntry( pHelp, pShow );
+	EXPECT_EQ( m_pWindow->GetInputBindEditor(), pEditor );
 }
 
 } // namespace

@@ -105,7 +105,9 @@ void CParticleFunctionReader::FloatInput( const char *pName, CSimFloatInput *pIn
 	pInput->Compile( m_pContext, bPerParticle );
 	m_nReadMask |= pInput->GetReadAttributeMask();
 	m_nReadInitialMask |= pInput->GetReadInitialAttributeMask();
+	const int nFirstUse = m_pFunction->m_ControlPointUsage.Count();
 	pInput->CollectControlPointUsage( &m_pFunction->m_ControlPointUsage );
+	NoteUsageSource( nFirstUse, pName, PARTICLE_USAGE_FLOAT_INPUT );
 	if ( ( pInput->m_nType == PF_TYPE_PARTICLE_FLOAT || pInput->m_nType == PF_TYPE_PARTICLE_INITIAL_FLOAT ) && !IsValidParticleAttribute( pInput->m_nScalarAttribute ) )
 		Fail( "%s reads attribute %d, which doesn't exist", pName, pInput->m_nScalarAttribute );
 }
@@ -121,7 +123,9 @@ void CParticleFunctionReader::VecInput( const char *pName, CSimVecInput *pInput,
 	pInput->Compile( m_pContext, bPerParticle );
 	m_nReadMask |= pInput->GetReadAttributeMask();
 	m_nReadInitialMask |= pInput->GetReadInitialAttributeMask();
+	const int nFirstUse = m_pFunction->m_ControlPointUsage.Count();
 	pInput->CollectControlPointUsage( &m_pFunction->m_ControlPointUsage );
+	NoteUsageSource( nFirstUse, pName, PARTICLE_USAGE_VEC_INPUT );
 }
 
 void CParticleFunctionReader::TransformInput( const char *pName, CSimTransformInput *pInput )
@@ -133,7 +137,9 @@ void CParticleFunctionReader::TransformInput( const char *pName, CSimTransformIn
 		return;
 	}
 	pInput->Compile( m_pContext );
+	const int nFirstUse = m_pFunction->m_ControlPointUsage.Count();
 	pInput->CollectControlPointUsage( &m_pFunction->m_ControlPointUsage );
+	NoteUsageSource( nFirstUse, pName, PARTICLE_USAGE_TRANSFORM_INPUT );
 }
 
 void CParticleFunctionReader::ModelInput( const char *pName, CSimModelInput *pInput )
@@ -145,7 +151,19 @@ void CParticleFunctionReader::ModelInput( const char *pName, CSimModelInput *pIn
 		return;
 	}
 	pInput->Compile( m_pContext );
+	const int nFirstUse = m_pFunction->m_ControlPointUsage.Count();
 	pInput->CollectControlPointUsage( &m_pFunction->m_ControlPointUsage );
+	NoteUsageSource( nFirstUse, pName, PARTICLE_USAGE_MODEL_INPUT );
+}
+
+void CParticleFunctionReader::NoteUsageSource( int nFirstUse, const char *pField, ParticleUsageSource_t eSource )
+{
+	CUtlVector<HostControlPointUsage_t> &usage = m_pFunction->m_ControlPointUsage;
+	for ( int i = nFirstUse; i < usage.Count(); ++i )
+	{
+		usage[ i ].m_Field = pField;
+		usage[ i ].m_eSource = eSource;
+	}
 }
 
 void CParticleFunctionReader::Writes( int nAttribute )

@@ -49,6 +49,8 @@ public:
 
 private:
 	const KeyValues3 *Find( const char *pName ) const;
+	// The uses an input added from nFirstUse on name the input's field and class.
+	void NoteUsageSource( int nFirstUse, const char *pField, ParticleUsageSource_t eSource );
 
 	const KeyValues3 *m_pTable;
 	CParticleSimFunction *m_pFunction;

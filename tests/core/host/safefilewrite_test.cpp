@@ -100,6 +100,16 @@ TEST_F( SafeWriteTest, NewFileGetsItsDirectoriesAndLeavesNothingElseBehind )
 	EXPECT_TRUE( Temporaries( Path( "content/particles/new" ) ).empty() );
 }
 
+TEST_F( SafeWriteTest, CheckAcceptsWhatAWriteWouldWriteAndMakesNothing )
+{
+	CUtlString message;
+	EXPECT_TRUE( SafeWriteCheck( Path( "new/deeper/a.tfxs" ).c_str(), &message ) ) << message.Get();
+	EXPECT_FALSE( Exists( Path( "new" ) ) );
+	ASSERT_TRUE( Write( Path( "b.tfxs" ), "text" ) );
+	EXPECT_TRUE( SafeWriteCheck( Path( "b.tfxs" ).c_str(), &message ) ) << message.Get();
+	EXPECT_EQ( m_Scratch.Read( "b.tfxs" ), "text" );
+}
+
 TEST_F( SafeWriteTest, ReplacedFileKeepsItsPermissions )
 {
 	m_Scratch.Write( "a.tfxs", "old" );
@@ -134,8 +144,14 @@ TEST_P( SafeWriteRefusal, IsToldWithTheFileAndLeavesItUntouched )
 	fs::perms permissions = bRegular ? Permissions( target ) : fs::perms::none;
 	std::string before = bRegular ? m_Scratch.Read( refusal.m_pTarget ) : "";
 
+	// A dry run's check refuses with the same words and touches nothing.
+	CUtlString checked;
+	EXPECT_FALSE( SafeWriteCheck( target.c_str(), &checked ) );
+	ASSERT_EQ( Exists( target ), bExisted );
+
 	CUtlString message;
 	EXPECT_FALSE( Write( target, "replacement", &message ) );
+	EXPECT_STREQ( checked.Get(), message.Get() );
 	EXPECT_NE( strstr( message.Get(), target.c_str() ), nullptr ) << message.Get();
 	EXPECT_NE( strstr( message.Get(), refusal.m_pReason ), nullptr ) << message.Get();
 	ASSERT_EQ( Exists( target ), bExisted );

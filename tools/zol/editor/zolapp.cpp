@@ -24,6 +24,7 @@
 #include "tools/toolutils2/widgets/inputbind/inputbindmanager.h"
 #include "tools/toolutils2/baseeditorapp/sessionversioncontrol.h"
 #include "tools/toolutils2/toolattr/toolattrhost.h"
+#include "tools/zol/editor/assetmaintenance/zolvariableconvertdialog.h"
 #include "tools/zol/editor/zoladdvariabledialog.h"
 #include "tools/zol/editor/zolattributeeditorfactories.h"
 #include "tools/zol/editor/zolmainwnd.h"
@@ -46,6 +47,7 @@ CZolApp::CZolApp()
 
 CZolApp::~CZolApp()
 {
+	delete m_pVariableConvertDialog;
 	delete m_pMainWnd;
 	m_pMainWnd = nullptr;
 	if ( s_pZolApp == this )
@@ -155,6 +157,8 @@ void CZolApp::Shutdown()
 			pAssetSystem->RegisterCompiler( RESOURCE_TYPE_PARTICLE_SYSTEM, nullptr );
 		m_bParticleCompilerRegistered = false;
 	}
+	delete m_pVariableConvertDialog;
+	m_pVariableConvertDialog = nullptr;
 	delete m_pMainWnd;
 	m_pMainWnd = nullptr;
 }
@@ -432,6 +436,13 @@ bool CZolApp::RunAddVariableDialog( CZolNamedValueContext *pContext, CUtlString 
 	*pName = dialog.GetVariableName();
 	*pType = dialog.GetVariableType();
 	return true;
+}
+
+void CZolApp::ShowVariableConvertDialog( CZolSession *pSession, int nControlPoint )
+{
+	if ( !m_pVariableConvertDialog )
+		m_pVariableConvertDialog = new CQZolVariableConvertDialog( m_pMainWnd );
+	m_pVariableConvertDialog->Show( pSession, nControlPoint );
 }
 
 void CZolApp::SetClipboardText( const char *pText )

@@ -18,6 +18,7 @@
 
 class CPulseValueFullType;
 class CQZolMainWnd;
+class CQZolVariableConvertDialog;
 class CZolNamedValueContext;
 class CZolSession;
 
@@ -129,11 +130,17 @@ public:
 	using AddVariableDialogFn_t = std::function<bool( CZolNamedValueContext *, CUtlString *, CPulseValueFullType * )>;
 	void SetAddVariableDialogRunner( AddVariableDialogFn_t fn ) { m_fnAddVariableDialog = std::move( fn ); }
 
+	// "Convert Control Point #N to Variable" for the session's family: the one dialog of
+	// the application, made at first use over the window and kept.
+	void ShowVariableConvertDialog( CZolSession *pSession, int nControlPoint );
+	CQZolVariableConvertDialog *GetVariableConvertDialog() const { return m_pVariableConvertDialog; }
+
 	// Whether the main window is made by Init; tests of the logic run without one.
 	void SetCreatesMainWindow( bool bCreate ) { m_bCreatesMainWindow = bCreate; }
 
 private:
 	CQZolMainWnd *m_pMainWnd = nullptr;
+	CQZolVariableConvertDialog *m_pVariableConvertDialog = nullptr;
 	std::unique_ptr<CZolEventHub> m_pEventHub;
 	// Turns edited and loaded definitions into what the preview simulates.
 	CParticleAssetCompiler m_ParticleCompiler;

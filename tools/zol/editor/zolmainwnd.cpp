@@ -18,9 +18,12 @@
 #include "tools/toolutils2/baseeditorapp/editorfilequeries.h"
 #include "tools/toolutils2/undo/undohistory.h"
 #include "tools/toolutils2/widgets/inputbind/bindablecommandaction.h"
+#include "tools/toolutils2/widgets/inputbind/inputbindeditor.h"
 #include "tools/toolutils2/widgets/inputbind/inputbindmanager.h"
 #include "tools/toolutils2/widgets/undo/undohistorywidget.h"
 #include "tools/widgets/assetthumbnail.h"
+#include "tools/zol/editor/assetmaintenance/zolreferencenavigatorwidget.h"
+#include "tools/zol/editor/assetmaintenance/zolstaleversiontoolbar.h"
 #include "tools/zol/editor/functionlist/particlefunctionlist.h"
 #include "tools/zol/editor/functionlist/particlesystemthumbnail.h"
 #include "tools/toolutils2/widgets/propertyeditor/propertypanel.h"
@@ -147,6 +150,7 @@ void CQZolMainWnd::CreateChildren()
 	pLock->setChecked( true );
 	connect( pLock, &QAction::toggled, this, &CQZolMainWnd::OnToggleWindwLock );
 	OnToggleWindwLock( true );
+	CreateAssetMaintenanceChildren();
 
 	m_pStatusBar = new QStatusBar( this );
 	setStatusBar( m_pStatusBar );
@@ -159,6 +163,29 @@ void CQZolMainWnd::CreateChildren()
 		pApp->SetClipboardHooks( []( const char *pText ) { QApplication::clipboard()->setText( QString::fromUtf8( pText ) ); },
 			[]() { return CUtlString( QApplication::clipboard()->text().toUtf8().constData() ); } );
 	}
+}
+
+void CQZolMainWnd::CreateAssetMaintenanceChildren()
+{
+	m_pStaleVersionToolBar = new CQZolStaleVersionToolBar( this );
+	addToolBar( Qt::TopToolBarArea, m_pStaleVersionToolBar );
+	// The navigator is a tool window: it floats until the user docks it, and lives on hidden.
+	m_pReferenceNavigator = new CQZolReferenceNavigatorWidget();
+	m_pReferenceNavigatorDock = MakeDock( "Particle Reference Navigator", "ZOL2_ReferenceNavigatorDock", m_pReferenceNavigator, 800, 400 );
+	addDockWidget( Qt::BottomDockWidgetArea, m_pReferenceNavigatorDock );
+	m_pReferenceNavigatorDock->setFloating( true );
+	m_pReferenceNavigatorDock->resize( 800, 400 );
+	m_pReferenceNavigatorDock->hide();
+	m_pViewMenu->addSeparator();
+	m_pViewMenu->addAction( "Show Reference Navigator", this, &CQZolMainWnd::ShowReferenceNavigatorWidget );
+}
+
+void CQZolMainWnd::ShowReferenceNavigatorWidget()
+{
+	m_pReferenceNavigatorDock->show();
+	m_pReferenceNavigatorDock->raise();
+	m_pReferenceNavigator->OnReloadModifierInfo();
+	m_pReferenceNavigator->OnRefresh();
 }
 
 void CQZolMainWnd::CreateFileMenu( QMenu *pMenu )
@@ -205,6 +232,8 @@ void CQZolMainWnd::CreateFileMenu( QMenu *pMenu )
 	}
 	menuBar()->addMenu( m_pEditMenu );
 	menuBar()->addMenu( m_pViewMenu );
+	m_pHelpMenu = menuBar()->addMenu( "&Help" );
+	m_pHelpMenu->addAction( "Show Key Bindings", this, &CQZolMainWnd::ShowKeyBindings );
 	UpdateEditMenu();
 }
 
@@ -265,6 +294,18 @@ void CQZolMainWnd::OnOpenSession( IAsset *pAsset )
 	// An open system's session is shown; another one opens.
 	if ( CZolApp *pApp = ZolApp(); pApp && pAsset )
 		pApp->OpenFile( pAsset->GetAbsolutePath(), true );
+}
+
+void CQZolMainWnd::ShowKeyBindings()
+{
+	if ( !m_pInputBindEditor )
+	{
+		m_pInputBindEditor = new CQInputBindEditor( &CQInputBindManager::Get()->GetEngine().GetBindingList(), this );
+		m_pInputBindEditor->setWindowFlag( Qt::Window );
+	}
+	m_pInputBindEditor->Refresh();
+	m_pInputBindEditor->show();
+	m_pInputBindEditor->raise();
 }
 
 void CQZolMainWnd::RebuildRecentDirectoriesSubmenu()

@@ -11,7 +11,10 @@
 
 class CQParticleFunctionList;
 class CQZolAssetPane;
+class CQInputBindEditor;
 class IAsset;
+class CQZolReferenceNavigatorWidget;
+class CQZolStaleVersionToolBar;
 class CQParticlePreview;
 class CQParticlePreviewControls;
 class CQZolPropertyWidget;
@@ -63,9 +66,18 @@ public:
 	QAction *GetSaveAllAction() const { return m_pSaveAllAction; }
 	QAction *GetCloseAllAction() const { return m_pCloseAllAction; }
 	QMenu *GetViewMenu() const { return m_pViewMenu; }
+	QMenu *GetHelpMenu() const { return m_pHelpMenu; }
+	// The key bindings window, once "Show Key Bindings" made it; else null.
+	CQInputBindEditor *GetInputBindEditor() const { return m_pInputBindEditor; }
 	QMenu *GetRecentDirectoriesMenu() const { return m_pRecentDirectoriesMenu; }
 	// At most this many recent directories show in the submenu.
 	static constexpr int MAX_RECENT_DIRECTORIES_SHOWN = 10;
+
+	// Asset maintenance: the bar of a stale behaviour version over the preview, and the
+	// reference navigator's dock.
+	CQZolStaleVersionToolBar *GetStaleVersionToolBar() const { return m_pStaleVersionToolBar; }
+	CQZolReferenceNavigatorWidget *GetReferenceNavigator() const { return m_pReferenceNavigator; }
+	QDockWidget *GetReferenceNavigatorDock() const { return m_pReferenceNavigatorDock; }
 
 	enum EditAction_t
 	{
@@ -86,7 +98,11 @@ public slots:
 	void OnZolAssetPaneSelectionChanged();
 	void OnOpenSession( IAsset *pAsset );
 	void RebuildRecentDirectoriesSubmenu();
+	// Opens the table of every key binding, read again.
+	void ShowKeyBindings();
 	void LoadRecentDirectory( QAction *pAction );
+	// Shows the navigator, reads the modifier table again and rebuilds it.
+	void ShowReferenceNavigatorWidget();
 
 protected:
 	void CreateChildren() override;
@@ -101,6 +117,8 @@ private:
 
 	QDockWidget *MakeDock( const char *pTitle, const char *pObjectName, QWidget *pContent, int nWidth, int nHeight );
 	CZolSession *GetCurrentSession() const;
+	// The stale version bar, the navigator's dock and its View menu entry.
+	void CreateAssetMaintenanceChildren();
 
 	CQZolAssetPane *m_pAssetPane = nullptr;
 	QDockWidget *m_pAssetPaneDock = nullptr;
@@ -117,6 +135,8 @@ private:
 	QDockWidget *m_pPropertyDock = nullptr;
 	QMenu *m_pViewMenu = nullptr;
 	QMenu *m_pRecentDirectoriesMenu = nullptr;
+	QMenu *m_pHelpMenu = nullptr;
+	CQInputBindEditor *m_pInputBindEditor = nullptr;
 	// The default layout waits for the window's first showing to know its size.
 	bool m_bDefaultSizesPending = false;
 	QMenu *m_pEditMenu = nullptr;
@@ -128,4 +148,7 @@ private:
 	QAction *m_pSaveAllAction = nullptr;
 	QAction *m_pCloseAllAction = nullptr;
 	int m_nFrameCount = 0;
+	CQZolStaleVersionToolBar *m_pStaleVersionToolBar = nullptr;
+	CQZolReferenceNavigatorWidget *m_pReferenceNavigator = nullptr;
+	QDockWidget *m_pReferenceNavigatorDock = nullptr;
 };
