@@ -158,6 +158,15 @@ TEST_F( ZolMainWndTest, LayoutComesBackAfterARestartAndABrokenOrOlderOneLeavesTh
 	EXPECT_FALSE( m_pWindow->GetUndoDock()->isVisible() );
 	EXPECT_NEAR( m_pWindow->GetPropertyDock()->width(), nPropertyWidth, 4 );
 
+	// A start restores the layout before the window shows: the first showing keeps it.
+	m_pWindow->hide();
+	m_pWindow->ResetLayout();
+	m_pWindow->RestoreLayout( &saved );
+	m_pWindow->show();
+	QApplication::processEvents();
+	EXPECT_FALSE( m_pWindow->GetUndoDock()->isVisible() );
+	EXPECT_NEAR( m_pWindow->GetPropertyDock()->width(), nPropertyWidth, 4 );
+
 	// A state that does not decode and one saved by a build with another layout leave the
 	// default layout standing.
 	const QByteArray older = m_pWindow->saveState( 1 ).toBase64();

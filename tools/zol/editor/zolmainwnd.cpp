@@ -460,6 +460,9 @@ void CQZolMainWnd::SaveToolWindowSettings( KeyValues3 *pTable )
 void CQZolMainWnd::RestoreToolWindowSettings( const KeyValues3 *pTable )
 {
 	CQBaseEditorMdiWnd::RestoreToolWindowSettings( pTable );
+	// The docks stand where the saved state put them: the first showing keeps them there.
+	if ( m_bLayoutStateRestored )
+		m_bDefaultSizesPending = false;
 	if ( const KeyValues3 *pSettings = pTable ? pTable->FindMember( "property_editor_settings" ) : nullptr )
 		m_pPropertyWidget->GetPanel()->RestoreSettings( pSettings );
 }
