@@ -88,6 +88,14 @@ void CColorGradient::Normalize()
 	std::stable_sort( m_Stops.begin(), m_Stops.end(), PositionLess );
 }
 
+void CColorGradient::Reverse()
+{
+	for ( ColorGradientStop_t &stop : m_Stops )
+		stop.m_flPosition = 1.0f - stop.m_flPosition;
+	// Equal positions swap sides too, so a hard edge stays a hard edge of the same colours.
+	std::reverse( m_Stops.begin(), m_Stops.end() );
+}
+
 void CColorGradient::KV3PostLoad( CColorGradient &gradient, const KeyValues3 *, CKV3TransferLoadContext * )
 {
 	gradient.Normalize();

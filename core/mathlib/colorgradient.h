@@ -46,6 +46,8 @@ class CColorGradient
 
 	// Clamps positions to 0..1 and sorts the stops, keeping the order of equal ones.
 	void Normalize();
+	// Mirrors the gradient: every position p becomes 1 - p.
+	void Reverse();
 
 	// A file may hold stops out of range or out of order.
 	static void KV3PostLoad( CColorGradient &gradient, const KeyValues3 *pTable, CKV3TransferLoadContext *pContext );

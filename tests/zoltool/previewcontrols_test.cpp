@@ -28,7 +28,7 @@
 #include "tools/widgets/smartcombobox.h"
 #include "tools/widgets/smartlineedit.h"
 #include "tools/widgets/toolbutton.h"
-#include "tools/widgets/vectoredit.h"
+#include "tools/widgets/captionedvectoredit.h"
 #include "tools/zol/editor/previewcontrols/controlpointeditor.h"
 #include "tools/zol/editor/previewcontrols/namedvalueeditor.h"
 #include "tools/zol/editor/previewcontrols/particlepreviewcontrols.h"

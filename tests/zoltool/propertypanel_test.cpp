@@ -68,6 +68,12 @@ protected:
 		QTest::mouseClick( pRow->GetEditButton(), Qt::LeftButton, modifiers, pRow->GetEditButton()->rect().center() );
 		QApplication::processEvents();
 	}
+	// A field of a particle input's editor in the row of pKey ("Literal", "RandomMax").
+	CQSmartLineEdit *InputField( const char *pKey, const char *pField ) const
+	{
+		QWidget *pEditor = Panel()->FindEditor( QString::fromUtf8( pKey ) );
+		return pEditor ? pEditor->findChild<CQSmartLineEdit *>( QString::fromUtf8( pField ) ) : nullptr;
+	}
 	CQAttributeEditor_DomainAgnostic *Plain( const char *pKey ) const
 	{
 		return dynamic_cast<CQAttributeEditor_DomainAgnostic *>( Panel()->FindEditor( QString::fromUtf8( pKey ) ) );
@@ -100,9 +106,11 @@ TEST_F( PropertyPanelAppTest, TheSelectionShowsItsFieldsAndTheBasePropertiesLeav
 	EXPECT_EQ( Panel()->GetTitleLabel()->text(), QStringLiteral( "Continuous Emitter" ) );
 	QStringList keys = Panel()->GetRowKeys();
 	EXPECT_TRUE( keys.contains( "m_flEmitRate" ) );
-	EXPECT_TRUE( keys.contains( "m_flEmitRate/m_flLiteralValue" ) );
+	ASSERT_NE( Panel()->FindEditor( "m_flEmitRate" ), nullptr );
+	EXPECT_STREQ( Panel()->FindEditor( "m_flEmitRate" )->metaObject()->className(), "CQParticleCollectionFloatInput" ) << "a float input has its editor";
+	EXPECT_FALSE( keys.contains( "m_flEmitRate/m_flLiteralValue" ) );
 	EXPECT_TRUE( keys.contains( "m_flStartTime" ) );
-	EXPECT_EQ( Plain( "m_flEmitRate/m_flLiteralValue" )->GetLineEdit()->text(), QStringLiteral( "40" ) );
+	EXPECT_EQ( InputField( "m_flEmitRate", "Literal" )->text(), QStringLiteral( "40" ) );
 
 	List()->SelectBaseProperties();
 	QApplication::processEvents();
@@ -127,7 +135,7 @@ TEST_F( PropertyPanelAppTest, TypingAValueIsOneStepTheListAndPreviewFollowAndCtr
 	const int nListRebuilds = List()->GetRebuildCount();
 	QPointer<CQParticleFunctionBaseWidget> pRow = List()->FindRow( Node( PARTICLE_FUNCTION_EMITTER, 0 ) );
 
-	Type( Plain( "m_flEmitRate/m_flLiteralValue" )->GetLineEdit(), "55" );
+	Type( InputField( "m_flEmitRate", "Literal" ), "55" );
 	EXPECT_DOUBLE_EQ( EmitRate(), 55.0 );
 	EXPECT_TRUE( pSession->IsModified() );
 	EXPECT_EQ( UndoSteps(), nSteps + 1 );
@@ -141,11 +149,11 @@ TEST_F( PropertyPanelAppTest, TypingAValueIsOneStepTheListAndPreviewFollowAndCtr
 	EXPECT_NE( strstr( pSession->GetLastCompiledText(), "m_flLiteralValue = 55.0" ), nullptr ) << pSession->GetLastCompiledText().Get();
 
 	// Ctrl+Z with the focus still in the field reaches the document's history.
-	ASSERT_EQ( QApplication::focusWidget(), Plain( "m_flEmitRate/m_flLiteralValue" )->GetLineEdit() );
+	ASSERT_EQ( QApplication::focusWidget(), InputField( "m_flEmitRate", "Literal" ) );
 	Undo();
 	EXPECT_DOUBLE_EQ( EmitRate(), 40.0 );
 	EXPECT_EQ( UndoSteps(), nSteps );
-	EXPECT_EQ( Plain( "m_flEmitRate/m_flLiteralValue" )->GetLineEdit()->text(), QStringLiteral( "40" ) ) << "the rows were made anew for the undone nodes";
+	EXPECT_EQ( InputField( "m_flEmitRate", "Literal" )->text(), QStringLiteral( "40" ) ) << "the rows were made anew for the undone nodes";
 	m_pApp->Frame();
 	EXPECT_NE( strstr( pSession->GetLastCompiledText(), "m_flLiteralValue = 40.0" ), nullptr );
 
@@ -155,7 +163,7 @@ TEST_F( PropertyPanelAppTest, TypingAValueIsOneStepTheListAndPreviewFollowAndCtr
 	QPointer<CQParticleFunctionBaseWidget> pLife = List()->FindRow( Node( PARTICLE_FUNCTION_INITIALIZER, 1 ) );
 	ASSERT_TRUE( pLife );
 	EXPECT_EQ( pLife->GetEditButton()->GetValueLabel()->GetText(), QStringLiteral( "= Random 0.6 - 1.2" ) );
-	Type( Plain( "m_InputValue/m_flRandomMax" )->GetLineEdit(), "2" );
+	Type( InputField( "m_InputValue", "RandomMax" ), "2" );
 	m_pApp->Frame();
 	QApplication::processEvents();
 	ASSERT_TRUE( pLife ) << "the list kept its rows";
@@ -235,7 +243,7 @@ TEST_F( PropertyPanelAppTest, AnEmitRateChangedInThePanelSavedAndReloadedIsTheFi
 	ASSERT_TRUE( m_pApp->SaveSession( pSession ) );
 	fs::copy_file( file, original );
 	Select( PARTICLE_FUNCTION_EMITTER, 0 );
-	Type( Plain( "m_flEmitRate/m_flLiteralValue" )->GetLineEdit(), "65" );
+	Type( InputField( "m_flEmitRate", "Literal" ), "65" );
 	ASSERT_TRUE( m_pApp->SaveSession( pSession ) );
 	EXPECT_FALSE( pSession->IsModified() );
 	ASSERT_TRUE( pSession->Reload() );
@@ -311,7 +319,7 @@ TEST_F( PropertyPanelAppTest, TextTypedButNotEnteredGoesToItsFunctionWhenAnother
 {
 	ASSERT_NE( OpenShown( "particles/samples/fire.tfxs" ), nullptr );
 	Select( PARTICLE_FUNCTION_EMITTER, 0 );
-	QLineEdit *pRate = Plain( "m_flEmitRate/m_flLiteralValue" )->GetLineEdit();
+	QLineEdit *pRate = InputField( "m_flEmitRate", "Literal" );
 	pRate->setFocus();
 	pRate->selectAll();
 	QTest::keyClicks( pRate, "70" );

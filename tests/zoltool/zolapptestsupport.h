@@ -25,6 +25,7 @@
 #include "tools/zol/editor/zolmainwnd.h"
 #include "tools/zol/editor/zolmoduleexports.h"
 #include "tools/zol/editor/zolsession.h"
+#include "tests/zoltool/testqapplication.h"
 
 // Paths in memory use backslashes, also on this platform.
 inline CUtlString MemoryPath( const std::filesystem::path &path )
@@ -45,17 +46,6 @@ inline std::string ReadText( const std::filesystem::path &path )
 {
 	std::ifstream in( path );
 	return std::string( std::istreambuf_iterator<char>( in ), std::istreambuf_iterator<char>() );
-}
-
-// The one QApplication of the test binary, made by the first test that shows a window and
-// never destroyed.
-inline void EnsureTestQApplication()
-{
-	static int s_nArgc = 1;
-	static char s_szName[] = "zoltool_tests";
-	static char *s_pArgv[] = { s_szName, nullptr };
-	if ( !QApplication::instance() )
-		new QApplication( s_nArgc, s_pArgv );
 }
 
 class ZolAppTest : public ::testing::Test

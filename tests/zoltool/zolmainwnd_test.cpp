@@ -77,8 +77,8 @@ TEST_F( ZolMainWndTest, DefaultLayoutGivesEveryPanelRoomForItsWordsAndThePreview
 	}
 	// Property names and function names need their room; a dock squeezed to its minimum
 	// cuts them off.
-	EXPECT_GE( m_pWindow->GetPropertyDock()->width(), 300 );
-	EXPECT_GE( m_pWindow->GetFunctionDock()->width(), 280 );
+	EXPECT_GE( m_pWindow->GetPropertyDock()->width(), 400 );
+	EXPECT_GE( m_pWindow->GetFunctionDock()->width(), 270 );
 	EXPECT_GE( m_pWindow->GetControlsDock()->width(), 400 );
 	EXPECT_GE( m_pWindow->GetPreview()->width(), 320 );
 	// Functions, properties, preview and controls from left to right.
@@ -87,11 +87,11 @@ TEST_F( ZolMainWndTest, DefaultLayoutGivesEveryPanelRoomForItsWordsAndThePreview
 	EXPECT_LT( left( m_pWindow->GetPropertyDock() ), left( m_pWindow->GetPreview() ) );
 	EXPECT_LT( left( m_pWindow->GetPreview() ), left( m_pWindow->GetControlsDock() ) );
 	// The controls' form scrolls in a small window rather than pushing the preview out.
-	m_pWindow->resize( 1024, 700 );
+	m_pWindow->resize( 1280, 800 );
 	m_pWindow->ResetLayout();
 	QApplication::processEvents();
 	EXPECT_GE( m_pWindow->GetPreview()->width(), 320 );
-	EXPECT_GE( m_pWindow->GetPropertyDock()->width(), 200 );
+	EXPECT_GE( m_pWindow->GetPropertyDock()->width(), 360 );
 }
 
 TEST_F( ZolMainWndTest, ViewMenuHidesAndShowsEachPanelOnceUnlockedAndDefaultLayoutBringsThemAllBack )

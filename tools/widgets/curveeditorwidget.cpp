@@ -98,6 +98,18 @@ CQCurveEditorWidget::CQCurveEditorWidget( QWidget *pParent ) : CQMouseDragWidget
 	RebuildHandles();
 }
 
+CQCurveEditorWidget::Options_t CQCurveEditorWidget::RowOptions( int nVerticalMargin )
+{
+	Options_t options;
+	options.m_nLeftMargin = options.m_nRightMargin = 30;
+	options.m_nTopMargin = options.m_nBottomMargin = nVerticalMargin;
+	options.m_flKeyHandleRadius = 5.0f;
+	options.m_flCurveLineWidth = 2.0f;
+	options.m_bEditPointItem = true;
+	options.m_bSetAllTangentMenus = true;
+	return options;
+}
+
 void CQCurveEditorWidget::SetOptions( const Options_t &options )
 {
 	m_Options = options;

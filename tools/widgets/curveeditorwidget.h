@@ -50,6 +50,10 @@ public:
 		float m_flInitialZoomY = 1.0f;
 	};
 
+	// The options of a curve standing in a property row: narrow margins (top and bottom
+	// nVerticalMargin), small handles, tangent menus and point edits.
+	static Options_t RowOptions( int nVerticalMargin );
+
 	static constexpr float MIN_ZOOM = 0.1f;
 	static constexpr float MAX_ZOOM = 10.0f;
 	static constexpr double MIN_VISIBLE_RANGE = 0.01;

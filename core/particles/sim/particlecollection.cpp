@@ -71,8 +71,13 @@ CParticleCollection::CParticleCollection( const ParticleDefinitionPtr_t &pDefini
 			m_NamedValues[ size_t( nSlot ) ] = *pShared;
 	}
 	m_EmitterStates.resize( m_pDefinition->GetFunctions( PARTICLE_FUNCTION_EMITTER ).size() );
+	// A renderer the preview has no behaviour for is skipped: it draws nothing, so it
+	// gives no draw data either.
 	for ( const auto &pRenderer : m_pDefinition->GetFunctions( PARTICLE_FUNCTION_RENDERER ) )
-		m_Renderers.push_back( pRenderer.get() );
+	{
+		if ( pRenderer->m_bHasBehaviour )
+			m_Renderers.push_back( pRenderer.get() );
+	}
 
 	for ( const ParticleChildInfo_t &child : m_pDefinition->m_Children )
 	{

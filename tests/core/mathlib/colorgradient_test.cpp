@@ -109,3 +109,26 @@ TEST( ColorGradient, KV3RoundTrip )
 	EXPECT_EQ( loaded.GetStopColor( 1 ), Color( 250, 251, 252, 253 ) );
 	EXPECT_FLOAT_EQ( loaded.GetStopPosition( 0 ), 0.1f );
 }
+
+TEST( ColorGradient, ReverseMirrorsTheLookAndKeepsAHardEdgeSharp )
+{
+	CColorGradient gradient;
+	gradient.AddStop( 0.2f, Color( 255, 0, 0 ) );
+	gradient.AddStop( 0.6f, Color( 0, 255, 0 ) );
+	gradient.AddStop( 0.6f, Color( 0, 0, 255 ) );
+	CColorGradient reversed = gradient;
+	reversed.Reverse();
+	ASSERT_EQ( reversed.GetStopCount(), 3 );
+	for ( float t : { 0.0f, 0.1f, 0.3f, 0.55f, 0.7f, 0.9f, 1.0f } )
+	{
+		// Channels are cut to integers from either end: they may differ by one.
+		Color a = reversed.Evaluate( 1.0f - t ), b = gradient.Evaluate( t );
+		for ( int c = 0; c < 4; ++c )
+			EXPECT_NEAR( a[ c ], b[ c ], 1 ) << "t " << t << " channel " << c;
+	}
+	// The edge at 0.6 is at 0.4 now, blue to its left and green to its right.
+	EXPECT_GT( reversed.Evaluate( 0.39f ).b(), 250 );
+	EXPECT_GT( reversed.Evaluate( 0.41f ).g(), 200 );
+	for ( int i = 1; i < reversed.GetStopCount(); ++i )
+		EXPECT_LE( reversed.GetStopPosition( i - 1 ), reversed.GetStopPosition( i ) );
+}

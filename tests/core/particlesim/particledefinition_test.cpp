@@ -244,6 +244,23 @@ TEST( ParticleDefinition, DeclaredClassesWithoutBehaviourCompileAsNoOps )
 	EXPECT_TRUE( pDef->GetFunctions( PARTICLE_FUNCTION_INITIALIZER )[ 1 ]->m_bHasBehaviour );
 }
 
+TEST( ParticleDefinition, RendererWithoutBehaviourGivesNoDrawData )
+{
+	// Draw data always matches the particles: a renderer the preview skips is no renderer
+	// of the collection, so the scene never draws an empty or stale list for it.
+	ParticleDefinitionPtr_t pDef = CompileBody( R"(m_Emitters = [ { _class = "C_OP_InstantaneousEmitter" m_nParticlesToEmit = 5 } ]
+		m_Renderers = [ { _class = "CParticleFunctionRenderer" }, { _class = "C_OP_RenderSprites" } ])" );
+	ASSERT_TRUE( pDef );
+	ASSERT_EQ( pDef->GetFunctions( PARTICLE_FUNCTION_RENDERER ).size(), 2u );
+	auto pCollection = MakeCollection( pDef );
+	Step( pCollection.get(), 1 );
+	ASSERT_EQ( pCollection->GetRendererCount(), 1 );
+	ParticleDrawData_t data;
+	ASSERT_TRUE( pCollection->GetDrawData( 0, &data ) );
+	EXPECT_STREQ( data.m_pClassName, "C_OP_RenderSprites" );
+	EXPECT_EQ( data.m_nCount, 5 );
+}
+
 TEST( ParticleDefinition, SampleUsageNamesThePointsItsFunctionsRead )
 {
 	std::string path = std::string( ZOL_SOURCE_DIR ) + "/content/content/particles/samples/sparks.tfxs";

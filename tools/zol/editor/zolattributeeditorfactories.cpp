@@ -3,23 +3,39 @@
 #include "core/host/ipropertyeditorsystem.h"
 #include "core/platform/fatalerror.h"
 #include "tools/toolutils2/propertyeditor/propertyattributeeditorfactory.h"
+#include "tools/toolutils2/widgets/propertyeditor/attributeeditorfactory.h"
+#include "tools/zol/editor/inputs/particlefloatinputeditor.h"
+#include "tools/zol/editor/inputs/particlemodelinputeditor.h"
+#include "tools/zol/editor/inputs/particletransforminputeditor.h"
+#include "tools/zol/editor/inputs/particlevariablerefeditor.h"
+#include "tools/zol/editor/inputs/particlevecinputeditor.h"
+#include "tools/zol/editor/properties/zolpickereditors.h"
 
 namespace
 {
+// One factory per editor class, made at its first registration; the editors read the
+// attribute's value as they are made.
+template <typename E, typename Base = CPropertyAttributeEditorFactoryBaseVariableHeight>
+CPropertyAttributeEditorFactoryBase *MakeFactory( const char *pName )
+{
+	static CPropertyAttributeEditorFactory<E, Base> s_Factory( pName, 1 );
+	return &s_Factory;
+}
+
 const ZolAttributeEditorFactoryEntry_t s_Factories[] = {
-	{ "SequencePicker", "CQAttributeEditor_SequencePicker", true, nullptr },
-	{ "SoundPicker", "CQAttributeEditor_SoundPicker", true, nullptr },
-	{ "PerParticleFloatInput", "CQPerParticleFloatInputEditor", false, nullptr },
-	{ "CollectionFloatInput", "CQParticleCollectionFloatInput", false, nullptr },
-	{ "CollectionRendererFloatInput", "CQParticleCollectionRendererFloatInput", false, nullptr },
-	{ "RemapFloatInput", "CQParticleRemapFloatInput", false, nullptr },
-	{ "PerParticleVecInput", "CQPerParticleVecInputEditor", false, nullptr },
-	{ "CollectionVecInput", "CQParticleCollectionVecInput", false, nullptr },
-	{ "CollectionRendererVecInput", "CQParticleCollectionRendererVecInput", false, nullptr },
-	{ "TransformInput", "CQParticleTransformInputEditor", false, nullptr },
-	{ "ModelInput", "CQParticleModelInputEditor", false, nullptr },
-	{ "LedgeChoice", "CQAttributeEditor_LedgeChoice", false, nullptr },
-	{ "ParticleVariableRef", "CQParticleVariableRefEditor", true, nullptr },
+	{ "SequencePicker", "CQAttributeEditor_SequencePicker", true, &MakeFactory<CQAttributeEditor_SequencePicker, CPropertyAttributeEditorFactoryBaseFixedHeight> },
+	{ "SoundPicker", "CQAttributeEditor_SoundPicker", true, &MakeFactory<CQAttributeEditor_SoundPicker, CPropertyAttributeEditorFactoryBaseFixedHeight> },
+	{ "PerParticleFloatInput", "CQPerParticleFloatInputEditor", false, &MakeFactory<CQPerParticleFloatInputEditor> },
+	{ "CollectionFloatInput", "CQParticleCollectionFloatInput", false, &MakeFactory<CQParticleCollectionFloatInput> },
+	{ "CollectionRendererFloatInput", "CQParticleCollectionRendererFloatInput", false, &MakeFactory<CQParticleCollectionRendererFloatInput> },
+	{ "RemapFloatInput", "CQParticleRemapFloatInput", false, &MakeFactory<CQParticleRemapFloatInput> },
+	{ "PerParticleVecInput", "CQPerParticleVecInputEditor", false, &MakeFactory<CQPerParticleVecInputEditor> },
+	{ "CollectionVecInput", "CQParticleCollectionVecInput", false, &MakeFactory<CQParticleCollectionVecInput> },
+	{ "CollectionRendererVecInput", "CQParticleCollectionRendererVecInput", false, &MakeFactory<CQParticleCollectionRendererVecInput> },
+	{ "TransformInput", "CQParticleTransformInputEditor", false, &MakeFactory<CQParticleTransformInputEditor> },
+	{ "ModelInput", "CQParticleModelInputEditor", false, &MakeFactory<CQParticleModelInputEditor> },
+	{ "LedgeChoice", "CQAttributeEditor_LedgeChoice", false, &MakeFactory<CQAttributeEditor_LedgeChoice> },
+	{ "ParticleVariableRef", "CQParticleVariableRefEditor", true, &MakeFactory<CQParticleVariableRefEditor, CPropertyAttributeEditorFactoryBaseFixedHeight> },
 };
 } // namespace
 
@@ -31,21 +47,17 @@ const ZolAttributeEditorFactoryEntry_t *GetZolAttributeEditorFactories( int *pCo
 
 int RegisterZolAttributeEditorFactories()
 {
-	// Checked before the once-only mark, so an unconnected start always stops here.
-	if ( !GetPropertyEditorSystem() )
+	IPropertyEditorSystem *pSystem = GetPropertyEditorSystem();
+	if ( !pSystem )
 		Plat_FatalError( "Cannot register an attribute editor factory before we're connected to the Property Editor System.\n" );
-	static bool s_bRegistered = false;
-	if ( s_bRegistered )
-		return 0;
-	s_bRegistered = true;
 	int nRegistered = 0;
 	for ( const ZolAttributeEditorFactoryEntry_t &entry : s_Factories )
 	{
-		if ( !entry.m_fnCreate )
+		// The factories live for the process; a system that has them already keeps them.
+		CPropertyAttributeEditorFactoryBase *pFactory = entry.m_fnCreate( entry.m_pName );
+		if ( pSystem->FindAttributeEditorFactory( entry.m_pName ) == pFactory )
 			continue;
-		// Factories stay registered for the life of the process.
-		CPropertyAttributeEditorFactoryBase *pFactory = entry.m_fnCreate();
-		if ( pFactory && pFactory->RegisterWithPropertyEditorSystem() )
+		if ( pFactory->RegisterWithPropertyEditorSystem() )
 			++nRegistered;
 	}
 	return nRegistered;

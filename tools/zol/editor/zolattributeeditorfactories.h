@@ -9,19 +9,15 @@ struct ZolAttributeEditorFactoryEntry_t
 	const char *m_pName;        // what a schema field's editor metadata asks for
 	const char *m_pWidgetClass; // the editor widget the factory makes
 	bool m_bFixedHeight;        // rows of 22 pixels, else the widget sets its height
-	// Makes the factory; null while the editor widget isn't part of the module, so the
-	// field falls back to the property panel's plain editor. An editor class fills it in
-	// with its factory of tools/toolutils2/widgets/propertyeditor/attributeeditorfactory.h:
-	//   []() -> CPropertyAttributeEditorFactoryBase * {
-	//       static CPropertyAttributeEditorFactory<CQParticleVariableRefEditor, CPropertyAttributeEditorFactoryBaseFixedHeight> s_Factory( "ParticleVariableRef" );
-	//       return &s_Factory; }
-	CPropertyAttributeEditorFactoryBase *( *m_fnCreate )();
+	// The factory of the editor, made once and kept for the process; it registers under
+	// the entry's name.
+	CPropertyAttributeEditorFactoryBase *( *m_fnCreate )( const char *pName );
 };
 
 // The table, in registration order.
 const ZolAttributeEditorFactoryEntry_t *GetZolAttributeEditorFactories( int *pCount );
 
-// Registers every factory of the table that can be made. The first call of the process
-// registers; later ones do nothing and answer 0. Without a property editor system the
-// process stops with a fatal error. Answers the count registered by this call.
+// Registers every factory of the table with the connected property editor system, once: a
+// system that has them already gets none again (the answer is then 0). Without a property
+// editor system the process stops with a fatal error. Answers the count registered.
 int RegisterZolAttributeEditorFactories();

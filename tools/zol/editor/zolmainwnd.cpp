@@ -55,7 +55,7 @@ CQZolMainWnd::CQZolMainWnd( QWidget *pParent ) : CQBaseEditorMdiWnd( pParent )
 	if ( QScreen *pScreen = QGuiApplication::primaryScreen() )
 	{
 		const QRect available = pScreen->availableGeometry();
-		size = QSize( qBound( 1024, available.width() - 80, 1800 ), qBound( 700, available.height() - 80, 1100 ) );
+		size = QSize( qBound( 1280, available.width() - 80, 1800 ), qBound( 800, available.height() - 80, 1100 ) );
 	}
 	resize( size );
 }
@@ -258,12 +258,15 @@ void CQZolMainWnd::ResetLayout()
 void CQZolMainWnd::ApplyDefaultDockSizes()
 {
 	// The function rows need a function's name and what it writes, the property rows a
-	// label and an editor side by side, the controls their form; the preview keeps the
-	// rest, which is the largest share on a wide screen.
+	// label and an editor side by side (a float input's range rows the widest of them,
+	// 420 where there is room), the controls their form; the preview keeps the rest.
 	const int nWidth = width();
 	const int nControlsWanted = m_pPreviewControls->sizeHint().width() + m_pControlsDock->style()->pixelMetric( QStyle::PM_ScrollBarExtent ) + 8;
-	const int nControls = qBound( 300, nWidth * 32 / 100, nControlsWanted );
-	resizeDocks( { m_pFunctionDock, m_pPropertyDock, m_pControlsDock }, { qMax( 240, nWidth * 20 / 100 ), qMax( 280, nWidth * 23 / 100 ), nControls }, Qt::Horizontal );
+	const int nFunctions = qMax( 230, nWidth * 18 / 100 );
+	const int nProperties = qBound( 300, nWidth * 33 / 100, 420 );
+	// The controls scroll rather than take the preview's room below 420.
+	const int nControls = qBound( 280, nWidth - nFunctions - nProperties - 420, qMax( 280, nControlsWanted ) );
+	resizeDocks( { m_pFunctionDock, m_pPropertyDock, m_pControlsDock }, { nFunctions, nProperties, nControls }, Qt::Horizontal );
 	resizeDocks( { m_pControlsDock, m_pUndoDock }, { height() * 3 / 4, height() / 4 }, Qt::Vertical );
 	resizeDocks( { m_pAssetPaneDock }, { 120 }, Qt::Vertical );
 }

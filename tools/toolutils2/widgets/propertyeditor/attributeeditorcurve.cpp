@@ -14,15 +14,8 @@ CQAttributeEditor_Curve::CQAttributeEditor_Curve( QWidget *pParent ) : CQAttribu
 	QVBoxLayout *pLayout = new QVBoxLayout( this );
 	pLayout->setContentsMargins( 0, 0, 0, 0 );
 	m_pCurve = new CQCurveEditorWidget( this );
-	// A row's room: narrow margins, the labels of the edges, tangent menus and point edits.
-	CQCurveEditorWidget::Options_t options;
-	options.m_nLeftMargin = options.m_nRightMargin = 30;
-	options.m_nTopMargin = options.m_nBottomMargin = 14;
-	options.m_flKeyHandleRadius = 5.0f;
-	options.m_flCurveLineWidth = 2.0f;
-	options.m_bEditPointItem = true;
-	options.m_bSetAllTangentMenus = true;
-	m_pCurve->SetOptions( options );
+	// A row's room, with the labels of the edges above and below.
+	m_pCurve->SetOptions( CQCurveEditorWidget::RowOptions( 14 ) );
 	pLayout->addWidget( m_pCurve );
 	setFixedHeight( ROW_HEIGHT );
 	SetPoolKey( FACTORY_NAME );

@@ -24,7 +24,7 @@
 #include "tools/widgets/animpreviewwidget.h"
 #include "tools/widgets/assetpicker.h"
 #include "tools/widgets/smartcombobox.h"
-#include "tools/widgets/vectoredit.h"
+#include "tools/widgets/captionedvectoredit.h"
 #include "tools/zol/editor/previewcontrols/controlpointeditor.h"
 #include "tools/zol/editor/previewcontrols/namedvalueeditor.h"
 #include "tools/zol/editor/previewcontrols/previewcontrolsupport.h"
@@ -236,10 +236,10 @@ QGroupBox *CQParticlePreviewControls::BuildPreviewGroup()
 	pGrid->addLayout( pGround, nRow++, 3 );
 
 	addLabel( "World Gravity:", 0 );
-	m_pGravity = new CQVectorEdit( pPreview );
+	m_pGravity = new CQCaptionedVectorEdit( pPreview );
 	m_pGravity->setObjectName( "WorldGravity" );
 	m_pGravity->SetValue( Vector( 0.0f, 0.0f, -800.0f ) );
-	connect( m_pGravity, &CQVectorEdit::ValueChanged, this, &CQParticlePreviewControls::OnGravityChanged );
+	connect( m_pGravity, &CQCaptionedVectorEdit::ValueChanged, this, &CQParticlePreviewControls::OnGravityChanged );
 	pGrid->addWidget( m_pGravity, nRow, 1, 1, 2 );
 	m_pWater = new QCheckBox( "Groundplane is Water", pPreview );
 	m_pWater->setChecked( false );

@@ -20,7 +20,7 @@ class CQAssetPicker;
 class CQControlPointEditor;
 class CQNamedValueEditor;
 class CQSmartComboBox;
-class CQVectorEdit;
+class CQCaptionedVectorEdit;
 class CZolNamedValueContext;
 class CZolSession;
 class IAsset;
@@ -73,7 +73,7 @@ public:
 	QLineEdit *GetSimulationRateEdit() const { return m_pSimulationRate; }
 	CQSmartComboBox *GetGroundCombo() const { return m_pGroundCombo; }
 	QCheckBox *GetAxesCheckBox() const { return m_pDrawAxes; }
-	CQVectorEdit *GetGravityEdit() const { return m_pGravity; }
+	CQCaptionedVectorEdit *GetGravityEdit() const { return m_pGravity; }
 	QCheckBox *GetWaterCheckBox() const { return m_pWater; }
 	CQAnimPreviewWidget *GetAnimationWidget() const { return m_pAnimation; }
 	QLineEdit *GetFrameEdit() const { return m_pFrameEdit; }
@@ -158,7 +158,7 @@ private:
 	QLineEdit *m_pSimulationRate = nullptr;
 	CQSmartComboBox *m_pGroundCombo = nullptr;
 	QCheckBox *m_pDrawAxes = nullptr;
-	CQVectorEdit *m_pGravity = nullptr;
+	CQCaptionedVectorEdit *m_pGravity = nullptr;
 	QCheckBox *m_pWater = nullptr;
 	CQAnimPreviewWidget *m_pAnimation = nullptr;
 	QLineEdit *m_pFrameEdit = nullptr;
