@@ -411,6 +411,76 @@ def detail_level_icon(level):
     return c
 
 
+# The preview controls: configuration buttons and the icons of control point and variable rows.
+def control_icon(kind):
+    c = Canvas(16, 16)
+    if kind == "save":
+        # A floppy disk: commit.
+        c.rounded_rect(1.5, 1.5, 14.5, 14.5, 1.5, OUTLINE)
+        c.rounded_rect(2.2, 2.2, 13.8, 13.8, 1.2, rgb(70, 110, 180))
+        c.rect(4.5, 2.2, 11.5, 6.2, rgb(235, 235, 235))
+        c.rect(9.2, 2.9, 10.6, 5.5, rgb(70, 110, 180))
+        c.rect(4, 8.8, 12, 13.8, rgb(245, 245, 240))
+    elif kind in ("copy", "paste"):
+        if kind == "copy":
+            for dx, dy in ((0, 0), (4, 3)):
+                c.rect(2 + dx, 1.5 + dy, 10 + dx, 11.5 + dy, OUTLINE)
+                c.rect(2.8 + dx, 2.3 + dy, 9.2 + dx, 10.7 + dy, rgb(250, 250, 246))
+        else:
+            c.rounded_rect(2, 2.5, 12.5, 15, 1.2, rgb(150, 105, 60))
+            c.rect(4.5, 1, 10, 4, GLYPH)
+            c.rect(6.5, 6, 14.5, 15, OUTLINE)
+            c.rect(7.3, 6.8, 13.7, 14.2, rgb(250, 250, 246))
+    elif kind in ("lock", "unlock"):
+        # A padlock; open, its shackle stands up on one leg.
+        shackle = rgb(170, 170, 178)
+        lift = 0.0 if kind == "lock" else 2.5
+        c.ring(8, 4.8 - lift, 2.8, 1.6, shackle)
+        c.line(10.8, 4.8 - lift, 10.8, 7.5, 1.6, shackle)
+        if kind == "lock":
+            c.line(5.2, 4.8, 5.2, 7.5, 1.6, shackle)
+        c.rounded_rect(3, 7, 13, 14.5, 1.5, OUTLINE)
+        c.rounded_rect(3.8, 7.8, 12.2, 13.7, 1.2, rgb(230, 190, 60))
+        c.circle(8, 10.6, 1.1, GLYPH)
+    elif kind == "dropdown_right":
+        c.polygon([(5, 3.5), (11.5, 8), (5, 12.5)], LIGHT)
+    elif kind == "subtract":
+        c.line(3.5, 8, 12.5, 8, 2.2, LIGHT, round_caps=False)
+    elif kind == "cp_position":
+        # A point with arrows along two axes.
+        c.line(8, 8, 14, 8, 1.6, rgb(220, 70, 60))
+        c.polygon([(15.5, 8), (12, 5.8), (12, 10.2)], rgb(220, 70, 60))
+        c.line(8, 8, 8, 2, 1.6, rgb(80, 190, 70))
+        c.polygon([(8, 0.5), (5.8, 4), (10.2, 4)], rgb(80, 190, 70))
+        c.circle(6, 10, 3.2, OUTLINE)
+        c.circle(6, 10, 2.4, rgb(250, 220, 90))
+    elif kind == "cp_orientation":
+        # A ring with an arrow: turned.
+        c.ring(8, 8, 5.0, 1.8, rgb(90, 150, 230))
+        c.polygon([(13.5, 5.0), (15.5, 9.5), (10.5, 8.5)], rgb(90, 150, 230))
+        c.circle(8, 8, 1.6, rgb(250, 220, 90))
+    elif kind == "float_literal":
+        # One number.
+        c.rounded_rect(1.5, 4, 14.5, 12, 2, OUTLINE)
+        c.rounded_rect(2.2, 4.7, 13.8, 11.3, 1.6, rgb(120, 190, 120))
+        c.line(5, 8, 11, 8, 1.6, WHITE, round_caps=False)
+    elif kind == "vec_cp_value":
+        # Three numbers.
+        for i, color in enumerate((rgb(220, 80, 70), rgb(90, 190, 80), rgb(80, 130, 230))):
+            c.rounded_rect(1 + i * 5, 4, 5 + i * 5, 12, 1.2, color)
+    elif kind == "float_named_value":
+        # A tag: a value known by name.
+        c.polygon([(1.5, 4), (10.5, 4), (15, 8), (10.5, 12), (1.5, 12)], OUTLINE)
+        c.polygon([(2.3, 4.8), (10.2, 4.8), (13.8, 8), (10.2, 11.2), (2.3, 11.2)], rgb(200, 160, 230))
+        c.circle(10.5, 8, 1.2, WHITE)
+    elif kind == "bind_command_list":
+        # Keys on a list: the commands and their keys.
+        for row in range(3):
+            c.rounded_rect(1.5, 1.5 + row * 4.8, 5.5, 5 + row * 4.8, 1, rgb(200, 200, 205))
+            c.line(7.5, 3.3 + row * 4.8, 14.5, 3.3 + row * 4.8, 1.4, LIGHT, round_caps=False)
+    return c
+
+
 def main():
     for kind, path in (("play", "common/control_play_sm.png"), ("pause", "common/control_pause_sm.png"), ("first", "common/control_first_sm.png"),
                        ("stop", "common/control_stop_sm.png"), ("reload", "common/reload_sm.png"), ("warning", "common/generic_hud_warning.png"),
@@ -447,6 +517,12 @@ def main():
     remove_badge(rgb(235, 100, 80)).save("propertyeditor/extra_attr_remove_hover.png")
     for kind in ("linear", "spline", "free", "mirror", "sine"):
         tangent_mode(kind).save("common/curve_tangent_%s.png" % kind)
+    for kind, path in (("save", "common/save_sm.png"), ("copy", "common/copy_sm.png"), ("paste", "common/paste_sm.png"), ("lock", "common/lock_sm.png"),
+                       ("unlock", "common/unlock_sm.png"), ("dropdown_right", "common/dropdown_menu_right.png"), ("subtract", "common/subtract_sm.png"),
+                       ("bind_command_list", "common/bind_command_list.png"), ("cp_position", "zol/cp_position.png"),
+                       ("cp_orientation", "zol/cp_orientation.png"), ("float_literal", "zol/float_literal.png"), ("vec_cp_value", "zol/vec_cp_value.png"),
+                       ("float_named_value", "zol/float_named_value.png")):
+        control_icon(kind).save(path)
 
 
 if __name__ == "__main__":

@@ -167,6 +167,24 @@ void CZolControlPointState::ChangedControlPoint( const ParticleParamID_t &key )
 		m_pHost->OnControlPointStateChanged( key );
 }
 
+void CZolControlPointState::RestoreRecord( const ParticleParamID_t &key, const ZolControlPointRecord_t *pRecord )
+{
+	if ( pRecord )
+		m_Records[ key ] = *pRecord;
+	else
+		m_Records.erase( key );
+	if ( key.IsNamed() )
+	{
+		if ( m_pHost )
+			m_pHost->OnNamedValueStateChanged( key );
+		return;
+	}
+	CZolPersistedControlPoints &persisted = CZolPersistedControlPoints::Get();
+	if ( persisted.IsPersisted( key ) )
+		persisted.Set( key, GetPosition( key ), GetAngles( key ) );
+	ChangedControlPoint( key );
+}
+
 void CZolControlPointState::Clear()
 {
 	m_Records.clear();

@@ -109,6 +109,8 @@ public:
 	// Numbers first, ascending; then names, ignoring case.
 	void GetKeys( CUtlVector<ParticleParamID_t> *pKeys ) const;
 	const ZolControlPointRecord_t *FindRecord( const ParticleParamID_t &key ) const;
+	// Puts a record back as it was (null: the key had none), and tells the host (undo).
+	void RestoreRecord( const ParticleParamID_t &key, const ZolControlPointRecord_t *pRecord );
 	void Clear();
 
 	// The attachment names of an entity kind's model, and for "self_with_wearables" on the

@@ -106,11 +106,16 @@ void CZolDoc::ApplyUndoState( IUndoable *pState )
 		pOther->m_pRoot->SaveRootToKV3( &definition );
 	m_pRoot->TakeRootFromKV3( &definition );
 	m_Selection = pOther->m_Selection;
+	m_bUndoStateApplied = true;
 }
 
 void CZolDoc::OnUndoEvent( UndoEvent_t eEvent )
 {
-	if ( eEvent != UNDO_EVENT_AFTER_UNDO )
+	if ( eEvent == UNDO_EVENT_BEFORE_UNDO )
+		m_bUndoStateApplied = false;
+	// A step of other objects only (a control point moved in the preview) leaves the
+	// document as it was.
+	if ( eEvent != UNDO_EVENT_AFTER_UNDO || !m_bUndoStateApplied )
 		return;
 	RebuildAttributeLabels();
 	SendEvent( ZolEvent_DocumentReplaced_t() );

@@ -171,6 +171,8 @@ private:
 	CZolRootNode *m_pRoot = nullptr;
 	CUndoHistory *m_pUndoHistory = nullptr;
 	CUndoHistory *m_pRedoHistory = nullptr;
+	// Whether the undo running now gave this document a state back.
+	bool m_bUndoStateApplied = false;
 	CUtlVector<CUtlString> m_AttributeLabels;
 	std::unordered_set<CBaseZolNode *> m_ModifiedNodes;
 	CUtlString m_LoadWarnings;

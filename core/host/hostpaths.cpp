@@ -47,6 +47,17 @@ CUtlString Host_DiskPath( const char *pPath )
 	return CUtlString( Normalized( pPath ) );
 }
 
+CUtlString Host_DisplayPath( const char *pPath )
+{
+	CUtlString strPath( pPath ? pPath : "" );
+#ifdef _WIN32
+	strPath.FixSlashes( '\\' );
+#else
+	strPath.FixSlashes( '/' );
+#endif
+	return strPath;
+}
+
 CUtlString Host_JoinPath( const char *pDirectory, const char *pRelative )
 {
 	std::string joined( pDirectory ? pDirectory : "" );

@@ -9,6 +9,8 @@
 CUtlString Host_NormalizePath( const char *pPath );
 // The same with forward slashes, as the operating system takes it.
 CUtlString Host_DiskPath( const char *pPath );
+// A path as the user reads it (titles, menus, messages): the platform's separator.
+CUtlString Host_DisplayPath( const char *pPath );
 // Joins a directory and a relative name into the in-memory form.
 CUtlString Host_JoinPath( const char *pDirectory, const char *pRelative );
 

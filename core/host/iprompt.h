@@ -5,6 +5,7 @@
 // installed prompt, a headless one logs and answers the default.
 
 #include "core/containers/utlvector.h"
+#include "core/mathlib/color.h"
 #include "core/text/utlstring.h"
 
 enum PromptIcon_t
@@ -47,6 +48,7 @@ enum PromptKind_t
 	PROMPT_KIND_SAVE_FILE,   // name a file to write
 	PROMPT_KIND_DIRECTORY,   // pick an existing directory
 	PROMPT_KIND_PICK_ITEM,   // pick one row of a list
+	PROMPT_KIND_PICK_COLOR,  // pick a colour
 };
 
 const char *PromptKindName( PromptKind_t eKind );
@@ -117,6 +119,9 @@ public:
 	// A list to pick one row from: true with the row's index, false when cancelled. The
 	// base answers as a batch run does: cancelled, and logged.
 	virtual bool PickItem( const PromptPickRequest_t &request, int *pChosen );
+	// A colour dialog starting at a colour: true with the colour chosen, false when
+	// cancelled. The base answers as a batch run does: cancelled, and logged.
+	virtual bool PickColor( const char *pTitle, const Color &initial, Color *pChosen, void *pParentWindow = nullptr );
 	// The short sound of a refused command; the base (a batch run) makes none.
 	virtual void Beep() {}
 

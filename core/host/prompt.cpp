@@ -36,6 +36,7 @@ const char *PromptKindName( PromptKind_t eKind )
 	case PROMPT_KIND_SAVE_FILE: return "save file dialog";
 	case PROMPT_KIND_DIRECTORY: return "directory dialog";
 	case PROMPT_KIND_PICK_ITEM: return "item picker";
+	case PROMPT_KIND_PICK_COLOR: return "colour dialog";
 	}
 	return "prompt";
 }
@@ -92,6 +93,12 @@ bool IPrompt::PickItem( const PromptPickRequest_t &request, int *pChosen )
 	Log_Msg( LOG_GENERAL, "%s \"%s\" cancelled without a user interface\n", PromptKindName( PROMPT_KIND_PICK_ITEM ), request.m_strTitle.Get() );
 	if ( pChosen )
 		*pChosen = -1;
+	return false;
+}
+
+bool IPrompt::PickColor( const char *pTitle, const Color &, Color *, void * )
+{
+	Log_Msg( LOG_GENERAL, "%s \"%s\" cancelled without a user interface\n", PromptKindName( PROMPT_KIND_PICK_COLOR ), pTitle ? pTitle : "" );
 	return false;
 }
 

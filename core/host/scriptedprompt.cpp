@@ -86,6 +86,35 @@ void CScriptedPrompt::ExpectPickItem( int nIndex, const char *pTitle )
 	Queue( std::move( expectation ) );
 }
 
+void CScriptedPrompt::ExpectPickColor( const Color &color, const char *pTitle )
+{
+	Expectation_t expectation;
+	expectation.m_eKind = PROMPT_KIND_PICK_COLOR;
+	expectation.m_strTitle.Set( pTitle );
+	expectation.m_Color = color;
+	Queue( std::move( expectation ) );
+}
+
+bool CScriptedPrompt::PickColor( const char *pTitle, const Color &initial, Color *pChosen, void * )
+{
+	Record_t record;
+	record.m_eKind = PROMPT_KIND_PICK_COLOR;
+	record.m_strTitle.Set( pTitle );
+	record.m_InitialColor = initial;
+	Expectation_t expectation;
+	bool bPicked = false;
+	if ( TakeExpectation( PROMPT_KIND_PICK_COLOR, pTitle, &expectation ) )
+	{
+		bPicked = !expectation.m_bCancel;
+		if ( bPicked && pChosen )
+			*pChosen = expectation.m_Color;
+	}
+	else
+		record.m_bExpected = false;
+	m_Records.AddToTail( std::move( record ) );
+	return bPicked;
+}
+
 bool CScriptedPrompt::PickItem( const PromptPickRequest_t &request, int *pChosen )
 {
 	Record_t record;

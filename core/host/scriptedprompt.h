@@ -31,6 +31,7 @@ public:
 		CUtlVector<CUtlString> m_Chosen;               // dialogs; empty when cancelled
 		CUtlVector<CUtlString> m_Items;                // item pickers: the names offered
 		int m_nPicked = -1;                            // item pickers: the row chosen, -1 cancelled
+		Color m_InitialColor;                          // colour dialogs: the colour it started at
 		bool m_bExpected = true; // false when no queued answer was meant for it
 	};
 
@@ -51,12 +52,16 @@ public:
 	void ExpectCancelledDialog( PromptKind_t eKind, const char *pTitle = nullptr );
 	// An item picker answered with the row at nIndex (-1: cancelled).
 	void ExpectPickItem( int nIndex, const char *pTitle = nullptr );
+	// A colour dialog answered with a colour; ExpectCancelledDialog( PROMPT_KIND_PICK_COLOR )
+	// for one the user cancels.
+	void ExpectPickColor( const Color &color, const char *pTitle = nullptr );
 
 	// IPrompt
 	void ShowMessage( const PromptQuestion_t &message ) override;
 	PromptButton_t Ask( const PromptQuestion_t &question ) override;
 	bool RunFileDialog( const PromptFileRequest_t &request, CUtlVector<CUtlString> *pChosen ) override;
 	bool PickItem( const PromptPickRequest_t &request, int *pChosen ) override;
+	bool PickColor( const char *pTitle, const Color &initial, Color *pChosen, void *pParentWindow = nullptr ) override;
 	void Beep() override { ++m_nBeeps; }
 	using IPrompt::Ask;
 	using IPrompt::ShowMessage;
@@ -88,6 +93,7 @@ private:
 		CUtlVector<CUtlString> m_Chosen;
 		bool m_bCancel = false;
 		int m_nPickIndex = -1;
+		Color m_Color;
 	};
 
 	void Queue( Expectation_t &&expectation );

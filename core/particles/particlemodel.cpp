@@ -133,6 +133,103 @@ bool ReadHitbox( const KeyValues3 *pTable, int nIndex, ParticleModelHitbox_t *pH
 	return true;
 }
 
+// A table of a list, named.
+bool ReadNamedTable( const KeyValues3 *pTable, const char *pWhere, CUtlString *pName, CUtlString *pError )
+{
+	if ( !pTable || !pTable->IsTable() )
+	{
+		pError->Format( "%s is not a table", pWhere );
+		return false;
+	}
+	return ReadName( pTable, pWhere, pName, pError );
+}
+
+// An optional whole number of at least nMin: missing keeps the default.
+bool ReadOptionalCount( const KeyValues3 *pTable, const char *pKey, int nMin, int *pOut, const char *pWhere, CUtlString *pError )
+{
+	const KeyValues3 *pValue = ParticleKV3::Member( pTable, pKey );
+	if ( !pValue )
+		return true;
+	float flValue = 0.0f;
+	if ( !ReadNumber( pValue, &flValue ) || flValue != std::floor( flValue ) || flValue < float( nMin ) || flValue > 1e7f )
+	{
+		pError->Format( "%s: %s is not a whole number of at least %d", pWhere, pKey, nMin );
+		return false;
+	}
+	*pOut = int( flValue );
+	return true;
+}
+
+bool ReadMaterialGroup( const KeyValues3 *pTable, int nIndex, ParticleModelMaterialGroup_t *pGroup, CUtlString *pError )
+{
+	CUtlString where;
+	where.Format( "m_MaterialGroups[%d]", nIndex );
+	if ( !ReadNamedTable( pTable, where.Get(), &pGroup->m_Name, pError ) || !ReadOptionalVec3( pTable, "m_vColor", &pGroup->m_vColor, where.Get(), pError ) )
+		return false;
+	for ( int k = 0; k < 3; ++k )
+	{
+		if ( pGroup->m_vColor[ k ] < 0.0f || pGroup->m_vColor[ k ] > 255.0f )
+		{
+			pError->Format( "%s (\"%s\"): m_vColor goes from 0 to 255", where.Get(), pGroup->m_Name.Get() );
+			return false;
+		}
+	}
+	return true;
+}
+
+bool ReadBodyGroup( const KeyValues3 *pTable, int nIndex, int nTriangles, ParticleModelBodyGroup_t *pGroup, CUtlString *pError )
+{
+	CUtlString where;
+	where.Format( "m_BodyGroups[%d]", nIndex );
+	if ( !ReadNamedTable( pTable, where.Get(), &pGroup->m_Name, pError ) )
+		return false;
+	const KeyValues3 *pChoices = ParticleKV3::Member( pTable, "m_Choices" );
+	if ( !pChoices || !pChoices->IsArray() || pChoices->GetArrayElementCount() == 0 )
+	{
+		pError->Format( "%s (\"%s\"): m_Choices is not an array of at least one choice", where.Get(), pGroup->m_Name.Get() );
+		return false;
+	}
+	for ( int i = 0; i < pChoices->GetArrayElementCount(); ++i )
+	{
+		CUtlString choiceWhere;
+		choiceWhere.Format( "%s.m_Choices[%d]", where.Get(), i );
+		ParticleModelBodyGroupChoice_t choice;
+		const KeyValues3 *pChoice = pChoices->GetArrayElement( i );
+		if ( !ReadNamedTable( pChoice, choiceWhere.Get(), &choice.m_Name, pError ) ||
+			 !ReadOptionalCount( pChoice, "m_nFirstTriangle", 0, &choice.m_nFirstTriangle, choiceWhere.Get(), pError ) ||
+			 !ReadOptionalCount( pChoice, "m_nTriangleCount", 0, &choice.m_nTriangleCount, choiceWhere.Get(), pError ) )
+			return false;
+		if ( choice.m_nTriangleCount > 0 && int64_t( choice.m_nFirstTriangle ) + choice.m_nTriangleCount > nTriangles )
+		{
+			pError->Format( "%s (\"%s\"): triangles %d to %d lie past the model's %d", choiceWhere.Get(), choice.m_Name.Get(), choice.m_nFirstTriangle,
+				choice.m_nFirstTriangle + choice.m_nTriangleCount - 1, nTriangles );
+			return false;
+		}
+		pGroup->m_Choices.push_back( choice );
+	}
+	return true;
+}
+
+bool ReadSequence( const KeyValues3 *pTable, int nIndex, ParticleModelSequence_t *pSequence, CUtlString *pError )
+{
+	CUtlString where;
+	where.Format( "m_Sequences[%d]", nIndex );
+	if ( !ReadNamedTable( pTable, where.Get(), &pSequence->m_Name, pError ) ||
+		 !ReadOptionalCount( pTable, "m_nFrameCount", 1, &pSequence->m_nFrameCount, where.Get(), pError ) )
+		return false;
+	if ( const KeyValues3 *pFps = ParticleKV3::Member( pTable, "m_flFps" ) )
+	{
+		if ( !ReadNumber( pFps, &pSequence->m_flFps ) || !( pSequence->m_flFps > 0.0f ) || pSequence->m_flFps > 1000.0f )
+		{
+			pError->Format( "%s (\"%s\"): m_flFps is not a rate above 0 and up to 1000", where.Get(), pSequence->m_Name.Get() );
+			return false;
+		}
+	}
+	if ( const KeyValues3 *pLooping = ParticleKV3::Member( pTable, "m_bLooping" ) )
+		pSequence->m_bLooping = pLooping->GetBool();
+	return true;
+}
+
 // The frame's axes: where its x, y and z point in model space.
 void FrameAxes( const ParticleModelFrame_t &frame, Vector *pX, Vector *pY, Vector *pZ )
 {
@@ -165,6 +262,9 @@ void CParticleModel::Clear()
 	m_TriangleAreaSums.clear();
 	m_Hitboxes.clear();
 	m_Attachments.clear();
+	m_MaterialGroups.clear();
+	m_BodyGroups.clear();
+	m_Sequences.clear();
 }
 
 bool CParticleModel::LoadFromText( const char *pText, size_t nLength, const char *pName, CUtlString *pError )
@@ -261,6 +361,33 @@ bool CParticleModel::LoadFromKV3( const KeyValues3 &root, CUtlString *pError )
 				return false;
 			m_Attachments.push_back( attachment );
 		}
+		if ( !GetList( root, "m_MaterialGroups", &pList, pError ) )
+			return false;
+		for ( int i = 0; pList && i < pList->GetArrayElementCount(); ++i )
+		{
+			ParticleModelMaterialGroup_t group;
+			if ( !ReadMaterialGroup( pList->GetArrayElement( i ), i, &group, pError ) )
+				return false;
+			m_MaterialGroups.push_back( group );
+		}
+		if ( !GetList( root, "m_BodyGroups", &pList, pError ) )
+			return false;
+		for ( int i = 0; pList && i < pList->GetArrayElementCount(); ++i )
+		{
+			ParticleModelBodyGroup_t group;
+			if ( !ReadBodyGroup( pList->GetArrayElement( i ), i, GetTriangleCount(), &group, pError ) )
+				return false;
+			m_BodyGroups.push_back( group );
+		}
+		if ( !GetList( root, "m_Sequences", &pList, pError ) )
+			return false;
+		for ( int i = 0; pList && i < pList->GetArrayElementCount(); ++i )
+		{
+			ParticleModelSequence_t sequence;
+			if ( !ReadSequence( pList->GetArrayElement( i ), i, &sequence, pError ) )
+				return false;
+			m_Sequences.push_back( sequence );
+		}
 		return true;
 	}();
 	if ( !bOk )
@@ -291,6 +418,89 @@ void CParticleModel::GetHitboxesOfSet( const char *pSetName, std::vector<int> *p
 		for ( size_t i = 0; i < m_Hitboxes.size(); ++i )
 			pIndices->push_back( int( i ) );
 	}
+}
+
+void CParticleModel::GetHitboxSetNames( std::vector<CUtlString> *pNames ) const
+{
+	pNames->clear();
+	for ( const ParticleModelHitbox_t &hitbox : m_Hitboxes )
+	{
+		if ( std::none_of( pNames->begin(), pNames->end(), [ & ]( const CUtlString &name ) { return name.IsEqual_CaseInsensitive( hitbox.m_SetName ); } ) )
+			pNames->push_back( hitbox.m_SetName );
+	}
+}
+
+const ParticleModelMaterialGroup_t *CParticleModel::FindMaterialGroup( const char *pName ) const
+{
+	for ( const ParticleModelMaterialGroup_t &group : m_MaterialGroups )
+	{
+		if ( V_stricmp_fast( group.m_Name.Get(), pName ? pName : "" ) == 0 )
+			return &group;
+	}
+	return nullptr;
+}
+
+const ParticleModelSequence_t *CParticleModel::FindSequence( const char *pName ) const
+{
+	for ( const ParticleModelSequence_t &sequence : m_Sequences )
+	{
+		if ( V_stricmp_fast( sequence.m_Name.Get(), pName ? pName : "" ) == 0 )
+			return &sequence;
+	}
+	return nullptr;
+}
+
+bool CParticleModel::GetHiddenTriangles( const std::vector<int> &choices, std::vector<bool> *pHidden ) const
+{
+	pHidden->assign( size_t( GetTriangleCount() ), false );
+	bool bAnyHidden = false;
+	for ( size_t nGroup = 0; nGroup < m_BodyGroups.size(); ++nGroup )
+	{
+		const ParticleModelBodyGroup_t &group = m_BodyGroups[ nGroup ];
+		int nChosen = nGroup < choices.size() ? choices[ nGroup ] : 0;
+		if ( nChosen < 0 || nChosen >= int( group.m_Choices.size() ) )
+			nChosen = 0;
+		for ( int nChoice = 0; nChoice < int( group.m_Choices.size() ); ++nChoice )
+		{
+			const ParticleModelBodyGroupChoice_t &choice = group.m_Choices[ size_t( nChoice ) ];
+			for ( int t = 0; nChoice != nChosen && t < choice.m_nTriangleCount; ++t )
+			{
+				( *pHidden )[ size_t( choice.m_nFirstTriangle + t ) ] = true;
+				bAnyHidden = true;
+			}
+		}
+		// A triangle of the chosen choice shows, even if another choice names it too.
+		const ParticleModelBodyGroupChoice_t &chosen = group.m_Choices[ size_t( nChosen ) ];
+		for ( int t = 0; t < chosen.m_nTriangleCount; ++t )
+			( *pHidden )[ size_t( chosen.m_nFirstTriangle + t ) ] = false;
+	}
+	return bAnyHidden && std::find( pHidden->begin(), pHidden->end(), true ) != pHidden->end();
+}
+
+std::shared_ptr<CParticleModel> CParticleModel::WithoutTriangles( const std::vector<bool> &hidden ) const
+{
+	auto pCopy = std::make_shared<CParticleModel>( *this );
+	pCopy->m_Triangles.clear();
+	pCopy->m_TriangleAreaSums.clear();
+	float flSum = 0.0f;
+	for ( size_t t = 0; t < m_TriangleAreaSums.size(); ++t )
+	{
+		if ( t < hidden.size() && hidden[ t ] )
+			continue;
+		for ( size_t k = 0; k < 3; ++k )
+			pCopy->m_Triangles.push_back( m_Triangles[ t * 3 + k ] );
+		flSum += m_TriangleAreaSums[ t ] - ( t > 0 ? m_TriangleAreaSums[ t - 1 ] : 0.0f );
+		pCopy->m_TriangleAreaSums.push_back( flSum );
+	}
+	return pCopy;
+}
+
+ParticleModelPtr_t ParticleModelWithBodyGroups( const ParticleModelPtr_t &pModel, const std::vector<int> &choices )
+{
+	std::vector<bool> hidden;
+	if ( !pModel || !pModel->GetHiddenTriangles( choices, &hidden ) )
+		return pModel;
+	return pModel->WithoutTriangles( hidden );
 }
 
 Vector CParticleModel::SampleHitbox( int nHitbox, bool bInside, const Vector &vScale, CParticleRandom &random ) const

@@ -10,9 +10,14 @@
 //                      m_vOrigin = [ 0, 0, 0 ] m_angRotation = [ 0, 45, 0 ] m_HitboxSet = "default" },
 //                    { m_name = "head" m_nShape = "sphere" m_flRadius = 4 m_vOrigin = [ 0, 0, 20 ] } ]
 //     m_Attachments = [ { m_name = "top" m_vOrigin = [ 0, 0, 16 ] m_angRotation = [ 0, 0, 0 ] } ]
+//     m_MaterialGroups = [ { m_name = "default" m_vColor = [ 158, 140, 115 ] } ]   // skins: a flat colour, 0-255
+//     m_BodyGroups = [ { m_name = "lid" m_Choices = [ { m_name = "closed" m_nFirstTriangle = 2 m_nTriangleCount = 2 },
+//                                                     { m_name = "open" } ] } ]      // a choice shows its triangles
+//     m_Sequences = [ { m_name = "idle" m_nFrameCount = 30 m_flFps = 30 m_bLooping = true } ]
 //   }
 //
-// Every list may be missing. Positions are in the model's own space; the runtime places the
+// Every list may be missing. A triangle that a body group's choice names shows only while
+// that choice is selected. Positions are in the model's own space; the runtime places the
 // model at a control point.
 
 #include <memory>
@@ -55,6 +60,36 @@ struct ParticleModelAttachment_t
 	ParticleModelFrame_t m_Frame;
 };
 
+// A skin: the colour the model is shaded in.
+struct ParticleModelMaterialGroup_t
+{
+	CUtlString m_Name;
+	Vector m_vColor{ 158.0f, 140.0f, 115.0f };
+};
+
+// One choice of a body group: a run of the model's triangles, or none.
+struct ParticleModelBodyGroupChoice_t
+{
+	CUtlString m_Name;
+	int m_nFirstTriangle = 0;
+	int m_nTriangleCount = 0;
+};
+
+struct ParticleModelBodyGroup_t
+{
+	CUtlString m_Name;
+	std::vector<ParticleModelBodyGroupChoice_t> m_Choices;
+};
+
+// An animation of the model: a count of frames played at a rate.
+struct ParticleModelSequence_t
+{
+	CUtlString m_Name;
+	int m_nFrameCount = 1;
+	float m_flFps = 30.0f;
+	bool m_bLooping = true;
+};
+
 class CParticleModel
 {
 public:
@@ -77,6 +112,20 @@ public:
 	const ParticleModelAttachment_t *FindAttachment( const char *pName ) const;
 	// The indices of the hitboxes of a set (case ignored); all of them when no hitbox is in it.
 	void GetHitboxesOfSet( const char *pSetName, std::vector<int> *pIndices ) const;
+	// The names of the hitbox sets, in the order they first occur.
+	void GetHitboxSetNames( std::vector<CUtlString> *pNames ) const;
+
+	const std::vector<ParticleModelMaterialGroup_t> &GetMaterialGroups() const { return m_MaterialGroups; }
+	// By name (case ignored), or null.
+	const ParticleModelMaterialGroup_t *FindMaterialGroup( const char *pName ) const;
+	const std::vector<ParticleModelBodyGroup_t> &GetBodyGroups() const { return m_BodyGroups; }
+	const std::vector<ParticleModelSequence_t> &GetSequences() const { return m_Sequences; }
+	const ParticleModelSequence_t *FindSequence( const char *pName ) const;
+	// Which triangles the body groups hide when entry i chooses for body group i (missing
+	// or out of range is choice 0); false when none is hidden.
+	bool GetHiddenTriangles( const std::vector<int> &choices, std::vector<bool> *pHidden ) const;
+	// A copy without the hidden triangles.
+	std::shared_ptr<CParticleModel> WithoutTriangles( const std::vector<bool> &hidden ) const;
 
 	// A random point on the surface (or, when bInside, in the volume) of a hitbox, with its
 	// extent scaled per axis about the frame's origin; in model space.
@@ -95,6 +144,12 @@ private:
 	std::vector<float> m_TriangleAreaSums; // running sums, for sampling by area
 	std::vector<ParticleModelHitbox_t> m_Hitboxes;
 	std::vector<ParticleModelAttachment_t> m_Attachments;
+	std::vector<ParticleModelMaterialGroup_t> m_MaterialGroups;
+	std::vector<ParticleModelBodyGroup_t> m_BodyGroups;
+	std::vector<ParticleModelSequence_t> m_Sequences;
 };
 
 using ParticleModelPtr_t = std::shared_ptr<const CParticleModel>;
+
+// The model as its body groups show it; the model itself when they hide nothing.
+ParticleModelPtr_t ParticleModelWithBodyGroups( const ParticleModelPtr_t &pModel, const std::vector<int> &choices );

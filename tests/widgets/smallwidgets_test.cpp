@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
+
 #include <QApplication>
 #include <QSignalSpy>
 #include <QtTest/QTest>
@@ -30,6 +32,35 @@ TEST( ElidedLabel, CutsTheTextButNeverItsPrefixAndShowsTheWholeTextAsToolTip )
 	EXPECT_EQ( label.GetShownText(), text );
 	EXPECT_TRUE( label.toolTip().isEmpty() );
 	EXPECT_EQ( label.minimumSizeHint().width(), 0 );
+}
+
+// A narrow dock keeps the file's name readable: the folders go first, then the label's
+// words, and the name is cut at its end only when nothing else is left to cut.
+TEST( ElidedLabel, AKeptTailStaysWholeLongerThanThePrefix )
+{
+	CQElidedLabel label;
+	label.show();
+	const QString text = QStringLiteral( "Now editing: particles/samples/campfire.tfxs" );
+	label.SetText( text, 13, int( strlen( "campfire.tfxs" ) ) );
+	const QFontMetrics metrics = label.fontMetrics();
+	struct Case_t
+	{
+		const char *m_pRoomFor;
+		const char *m_pStarts;
+		const char *m_pEnds;
+	} cases[] = {
+		{ "Now editing: part\u2026campfire.tfxs", "Now editing: ", "campfire.tfxs" },
+		{ "\u2026campfire.tfxs", "\u2026", "campfire.tfxs" },
+		{ "campfi\u2026", "campf", "\u2026" },
+	};
+	for ( const Case_t &c : cases )
+	{
+		label.resize( metrics.horizontalAdvance( QString::fromUtf8( c.m_pRoomFor ) ) + 1, 20 );
+		const QString shown = label.GetShownText();
+		EXPECT_TRUE( shown.startsWith( QString::fromUtf8( c.m_pStarts ) ) ) << shown.toStdString();
+		EXPECT_TRUE( shown.endsWith( QString::fromUtf8( c.m_pEnds ) ) ) << shown.toStdString();
+		EXPECT_LE( metrics.horizontalAdvance( shown ), label.contentsRect().width() ) << shown.toStdString();
+	}
 }
 
 TEST( HoverButton, TellsEnterAndLeave )

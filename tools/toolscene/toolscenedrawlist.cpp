@@ -22,6 +22,7 @@ void CToolSceneDrawList::Clear()
 	m_SpriteBatches.clear();
 	m_TrailBatches.clear();
 	m_ModelBatches.clear();
+	m_OverlayTriangles.clear();
 }
 
 static void PushLine( std::vector<ToolSceneLineVertex_t> &lines, const Vector &a, const Vector &b, const float color[ 4 ] )
@@ -41,6 +42,20 @@ static void PushLine( std::vector<ToolSceneLineVertex_t> &lines, const Vector &a
 void CToolSceneDrawList::AddLine( const Vector &a, const Vector &b, const float color[ 4 ] )
 {
 	PushLine( m_Lines, a, b, color );
+}
+
+void CToolSceneDrawList::AddOverlayTriangle( const Vector &a, const Vector &b, const Vector &c, const float color[ 4 ] )
+{
+	for ( const Vector *p : { &a, &b, &c } )
+	{
+		ToolSceneLineVertex_t v;
+		v.m_Position[ 0 ] = p->x;
+		v.m_Position[ 1 ] = p->y;
+		v.m_Position[ 2 ] = p->z;
+		for ( int i = 0; i < 4; ++i )
+			v.m_Color[ i ] = color[ i ];
+		m_OverlayTriangles.push_back( v );
+	}
 }
 
 void CToolSceneDrawList::AddBackdropLine( const Vector &a, const Vector &b, const float color[ 4 ] )

@@ -74,6 +74,9 @@ public:
 	void AddLine( const Vector &a, const Vector &b, const float color[ 4 ] );
 	// A line of the ground, under everything else.
 	void AddBackdropLine( const Vector &a, const Vector &b, const float color[ 4 ] );
+	// A triangle over everything else, blended and not hidden by depth: handles such as
+	// gizmos, which must stay grabbable wherever they stand.
+	void AddOverlayTriangle( const Vector &a, const Vector &b, const Vector &c, const float color[ 4 ] );
 	// Three coloured axes of a frame: forward red, left green, up blue.
 	void AddAxes( const Vector &vOrigin, const Vector &vForward, const Vector &vRight, const Vector &vUp, float flSize );
 	// A small marker of a control point: a yellow cross along the world axes.
@@ -86,6 +89,8 @@ public:
 
 	const std::vector<ToolSceneLineVertex_t> &GetLines() const { return m_Lines; }
 	const std::vector<ToolSceneLineVertex_t> &GetBackdropLines() const { return m_BackdropLines; }
+	// Three vertices a triangle.
+	const std::vector<ToolSceneLineVertex_t> &GetOverlayTriangles() const { return m_OverlayTriangles; }
 	const std::vector<ToolSceneSpriteInstance_t> &GetSprites() const { return m_Sprites; }
 	const std::vector<ToolSceneTrailInstance_t> &GetTrails() const { return m_Trails; }
 	const std::vector<ToolSceneModelInstance_t> &GetModels() const { return m_Models; }
@@ -109,6 +114,7 @@ private:
 
 	std::vector<ToolSceneLineVertex_t> m_Lines;
 	std::vector<ToolSceneLineVertex_t> m_BackdropLines;
+	std::vector<ToolSceneLineVertex_t> m_OverlayTriangles;
 	std::vector<ToolSceneSpriteInstance_t> m_Sprites;
 	std::vector<ToolSceneTrailInstance_t> m_Trails;
 	std::vector<ToolSceneModelInstance_t> m_Models;

@@ -1,6 +1,7 @@
 #include "tools/toolscene/toolscenemodel.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstring>
 
 #include "core/kv3/kv3membername.h"
@@ -15,19 +16,111 @@ bool CToolSceneModel::SetModelName( const char *pResourceName )
 {
 	m_strModelName = pResourceName ? pResourceName : "";
 	m_pModel = nullptr;
-	if ( m_strModelName.IsEmpty() )
-		return true;
-	CUtlString strError;
-	m_pModel = FindParticleModel( m_strModelName.Get(), &strError );
-	if ( !m_pModel )
-		LoggingSystem_LogOnceByKey( LOG_ZOL, LS_WARNING, m_strModelName.Get(), "Preview model '%s' can't be shown: %s\n", m_strModelName.Get(), strError.Get() );
-	return m_pModel != nullptr;
+	m_flSequenceTime = 0.0f;
+	if ( !m_strModelName.IsEmpty() )
+	{
+		CUtlString strError;
+		m_pModel = FindParticleModel( m_strModelName.Get(), &strError );
+		if ( !m_pModel )
+			LoggingSystem_LogOnceByKey( LOG_ZOL, LS_WARNING, m_strModelName.Get(), "Preview model '%s' can't be shown: %s\n", m_strModelName.Get(), strError.Get() );
+	}
+	UpdateShownModel();
+	return m_strModelName.IsEmpty() || m_pModel != nullptr;
 }
 
 void CToolSceneModel::SetModel( const ParticleModelPtr_t &pModel )
 {
 	m_pModel = pModel;
 	m_strModelName = pModel ? pModel->GetName() : "";
+	m_flSequenceTime = 0.0f;
+	UpdateShownModel();
+}
+
+void CToolSceneModel::SetMaterialGroup( const char *pName )
+{
+	m_strMaterialGroup = pName ? pName : "";
+}
+
+void CToolSceneModel::GetColor( float rgba[ 4 ] ) const
+{
+	for ( int i = 0; i < 4; ++i )
+		rgba[ i ] = m_Color[ i ];
+	if ( const ParticleModelMaterialGroup_t *pGroup = m_pModel ? m_pModel->FindMaterialGroup( m_strMaterialGroup ) : nullptr )
+	{
+		for ( int i = 0; i < 3; ++i )
+			rgba[ i ] = pGroup->m_vColor[ i ] / 255.0f;
+	}
+}
+
+void CToolSceneModel::SetBodyGroups( const std::vector<std::pair<CUtlString, int>> &values )
+{
+	if ( values == m_BodyGroups )
+		return;
+	m_BodyGroups = values;
+	UpdateShownModel();
+}
+
+void CToolSceneModel::UpdateShownModel()
+{
+	if ( !m_pModel )
+	{
+		m_pShownModel = nullptr;
+		return;
+	}
+	std::vector<int> choices;
+	for ( const ParticleModelBodyGroup_t &group : m_pModel->GetBodyGroups() )
+	{
+		int nChoice = 0;
+		for ( const auto &[ name, nValue ] : m_BodyGroups )
+		{
+			if ( name.IsEqual_CaseInsensitive( group.m_Name ) )
+				nChoice = nValue;
+		}
+		choices.push_back( nChoice );
+	}
+	m_pShownModel = ParticleModelWithBodyGroups( m_pModel, choices );
+}
+
+void CToolSceneModel::SetSequence( const char *pName )
+{
+	CUtlString strName( pName ? pName : "" );
+	if ( !strName.IsEqual_CaseInsensitive( m_strSequence ) )
+		m_flSequenceTime = 0.0f;
+	m_strSequence = strName;
+}
+
+const ParticleModelSequence_t *CToolSceneModel::GetSequence() const
+{
+	return m_pModel && !m_strSequence.IsEmpty() ? m_pModel->FindSequence( m_strSequence ) : nullptr;
+}
+
+int CToolSceneModel::GetSequenceFrame() const
+{
+	const ParticleModelSequence_t *pSequence = GetSequence();
+	if ( !pSequence )
+		return -1;
+	const int nFrame = int( m_flSequenceTime * pSequence->m_flFps );
+	if ( m_bLooping )
+		return nFrame % pSequence->m_nFrameCount;
+	return std::min( nFrame, pSequence->m_nFrameCount - 1 );
+}
+
+bool CToolSceneModel::IsSequenceFinished() const
+{
+	const ParticleModelSequence_t *pSequence = GetSequence();
+	return pSequence && !m_bLooping && m_flSequenceTime * pSequence->m_flFps >= float( pSequence->m_nFrameCount );
+}
+
+void CToolSceneModel::Update( float flTimeDelta )
+{
+	const ParticleModelSequence_t *pSequence = GetSequence();
+	if ( !pSequence || IsSequenceFinished() )
+		return;
+	m_flSequenceTime += flTimeDelta * m_flPlaybackSpeed;
+	// A looping sequence keeps its clock within one run, so that it never loses precision.
+	const float flLength = float( pSequence->m_nFrameCount ) / pSequence->m_flFps;
+	if ( m_bLooping && m_flSequenceTime >= flLength )
+		m_flSequenceTime = std::fmod( m_flSequenceTime, flLength );
 }
 
 void CToolSceneModel::SetColor( float r, float g, float b, float a )
@@ -101,7 +194,10 @@ void CToolSceneModel::AddToDrawList( CToolSceneDrawList &drawList, const ToolSce
 		return;
 	Vector vOrigin, vForward, vRight, vUp;
 	GetWorldFrame( &vOrigin, &vForward, &vRight, &vUp );
-	drawList.AddModel( m_pModel, vOrigin, vForward, vRight, vUp, GetWorldScale(), m_Color );
+	float color[ 4 ];
+	GetColor( color );
+	if ( m_pShownModel && m_pShownModel->GetTriangleCount() > 0 )
+		drawList.AddModel( m_pShownModel, vOrigin, vForward, vRight, vUp, GetWorldScale(), color );
 	if ( !m_bDrawAttachments )
 		return;
 	for ( int i = 0; i < int( m_pModel->GetAttachments().size() ); ++i )

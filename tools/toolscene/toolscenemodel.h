@@ -2,6 +2,9 @@
 // A model ("*.tmsh") in the scene, shaded flat: the preview model that particles sit on,
 // with its attachments as places control points follow.
 
+#include <utility>
+#include <vector>
+
 #include "core/particles/particlemodel.h"
 #include "core/text/utlstring.h"
 #include "tools/toolscene/toolscenenode.h"
@@ -20,6 +23,26 @@ public:
 	void SetColor( float r, float g, float b, float a );
 	void SetDrawAttachments( bool bDraw ) { m_bDrawAttachments = bDraw; }
 
+	// The skin: the material group's colour; a name the model lacks keeps the set colour.
+	void SetMaterialGroup( const char *pName );
+	// Body groups by name (case ignored) and choice; groups not named take choice 0.
+	void SetBodyGroups( const std::vector<std::pair<CUtlString, int>> &values );
+	// The model as drawn: the body groups' variant of it.
+	const ParticleModelPtr_t &GetShownModel() const { return m_pShownModel; }
+	void GetColor( float rgba[ 4 ] ) const;
+
+	// The sequence that plays, by name (one the model lacks plays nothing), at a speed;
+	// a sequence that doesn't loop stops on its last frame.
+	void SetSequence( const char *pName );
+	const char *GetSequenceName() const { return m_strSequence.Get(); }
+	void SetPlaybackSpeed( float flSpeed ) { m_flPlaybackSpeed = flSpeed; }
+	void SetLooping( bool bLooping ) { m_bLooping = bLooping; }
+	void RestartSequence() { m_flSequenceTime = 0.0f; }
+	// The frame the sequence stands at; -1 without one.
+	int GetSequenceFrame() const;
+	bool IsSequenceFinished() const;
+	void Update( float flTimeDelta ) override;
+
 	// Attachments: an index by name (-1 for none), and the world frame of an index.
 	int LookupAttachment( const char *pName ) const;
 	bool GetAttachmentFrame( int nIndex, Vector *pOrigin, Vector *pForward, Vector *pRight, Vector *pUp ) const;
@@ -30,8 +53,18 @@ public:
 	void AddToDrawList( CToolSceneDrawList &drawList, const ToolSceneView_t &view ) const override;
 
 private:
+	const ParticleModelSequence_t *GetSequence() const;
+	void UpdateShownModel();
+
 	ParticleModelPtr_t m_pModel;
+	ParticleModelPtr_t m_pShownModel;
 	CUtlString m_strModelName;
 	float m_Color[ 4 ] = { 0.62f, 0.55f, 0.45f, 1.0f };
+	CUtlString m_strMaterialGroup;
+	std::vector<std::pair<CUtlString, int>> m_BodyGroups;
 	bool m_bDrawAttachments = false;
+	CUtlString m_strSequence;
+	float m_flSequenceTime = 0.0f;
+	float m_flPlaybackSpeed = 1.0f;
+	bool m_bLooping = true;
 };

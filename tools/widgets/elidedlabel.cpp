@@ -7,12 +7,13 @@ CQElidedLabel::CQElidedLabel( QWidget *pParent ) : QFrame( pParent )
 	setSizePolicy( QSizePolicy::Expanding, QSizePolicy::Preferred );
 }
 
-void CQElidedLabel::SetText( const QString &text, int nKeep )
+void CQElidedLabel::SetText( const QString &text, int nKeep, int nKeepTail )
 {
-	if ( text == m_Text && nKeep == m_nKeep )
+	if ( text == m_Text && nKeep == m_nKeep && nKeepTail == m_nKeepTail )
 		return;
 	m_Text = text;
 	m_nKeep = qBound( 0, nKeep, text.size() );
+	m_nKeepTail = qBound( 0, nKeepTail, text.size() - m_nKeep );
 	UpdateToolTip();
 	updateGeometry();
 	update();
@@ -32,7 +33,19 @@ QString CQElidedLabel::GetShownText() const
 	if ( metrics.horizontalAdvance( m_Text ) <= nWidth )
 		return m_Text;
 	const QString kept = m_Text.left( m_nKeep );
-	return kept + metrics.elidedText( m_Text.mid( m_nKeep ), m_eElideMode, qMax( 0, nWidth - metrics.horizontalAdvance( kept ) ) );
+	if ( m_nKeepTail <= 0 )
+		return kept + metrics.elidedText( m_Text.mid( m_nKeep ), m_eElideMode, qMax( 0, nWidth - metrics.horizontalAdvance( kept ) ) );
+	// The middle goes first, then the kept words; the tail is cut last, at its end.
+	const QString tail = m_Text.right( m_nKeepTail );
+	const QString middle = m_Text.mid( m_nKeep, m_Text.size() - m_nKeep - m_nKeepTail );
+	const QString dots = QStringLiteral( "\u2026" );
+	const int nTail = metrics.horizontalAdvance( tail );
+	const int nRoomForMiddle = nWidth - metrics.horizontalAdvance( kept ) - nTail;
+	if ( nRoomForMiddle >= metrics.horizontalAdvance( dots ) )
+		return kept + metrics.elidedText( middle, m_eElideMode, nRoomForMiddle ) + tail;
+	if ( nWidth >= nTail + metrics.horizontalAdvance( dots ) )
+		return dots + tail;
+	return metrics.elidedText( tail, Qt::ElideRight, nWidth );
 }
 
 QSize CQElidedLabel::sizeHint() const

@@ -12,8 +12,10 @@ class CQElidedLabel : public QFrame
 public:
 	explicit CQElidedLabel( QWidget *pParent = nullptr );
 
-	// The first nKeep characters always show (a label's own words before a path).
-	void SetText( const QString &text, int nKeep = 0 );
+	// The first nKeep characters show while there is room for them and the last nKeepTail
+	// (a file's name after its folder) before anything else: when the room runs short the
+	// middle goes first, then the kept words, and the tail is cut at its end last.
+	void SetText( const QString &text, int nKeep = 0, int nKeepTail = 0 );
 	const QString &GetText() const { return m_Text; }
 	// Where the dots go; Qt::ElideMiddle keeps both ends of a path.
 	void SetElideMode( Qt::TextElideMode eMode );
@@ -32,5 +34,6 @@ private:
 
 	QString m_Text;
 	int m_nKeep = 0;
+	int m_nKeepTail = 0;
 	Qt::TextElideMode m_eElideMode = Qt::ElideMiddle;
 };

@@ -5,6 +5,7 @@
 
 #include <cmath>
 #include <fstream>
+#include <memory>
 #include <sstream>
 #include <string>
 
@@ -73,6 +74,48 @@ TEST( ParticleModel, TheShippedCrateLoadsWithItsHitboxAndAttachment )
 	ASSERT_NE( pLid, nullptr );
 	EXPECT_FLOAT_EQ( pLid->m_Frame.m_vOrigin.z, 32.0f );
 	EXPECT_EQ( model.FindAttachment( "handle" ), nullptr );
+
+	// Its skins, lid and animations, which the preview controls list.
+	ASSERT_EQ( model.GetMaterialGroups().size(), 3u );
+	EXPECT_STREQ( model.GetMaterialGroups()[ 1 ].m_Name.Get(), "charred" );
+	ASSERT_NE( model.FindMaterialGroup( "PAINTED" ), nullptr );
+	EXPECT_FLOAT_EQ( model.FindMaterialGroup( "painted" )->m_vColor.z, 150.0f );
+	ASSERT_EQ( model.GetBodyGroups().size(), 1u );
+	ASSERT_EQ( model.GetBodyGroups()[ 0 ].m_Choices.size(), 2u );
+	EXPECT_STREQ( model.GetBodyGroups()[ 0 ].m_Choices[ 1 ].m_Name.Get(), "open" );
+	ASSERT_EQ( model.GetSequences().size(), 3u );
+	ASSERT_NE( model.FindSequence( "lid_open" ), nullptr );
+	EXPECT_FALSE( model.FindSequence( "lid_open" )->m_bLooping );
+	EXPECT_EQ( model.FindSequence( "rattle" )->m_nFrameCount, 24 );
+}
+
+TEST( ParticleModel, BodyGroupsShowTheChosenTrianglesOnly )
+{
+	CParticleModel model;
+	CUtlString error;
+	// Four triangles: two of the body, the lid (2), a handle (3) of the other choice.
+	ASSERT_TRUE( LoadModel( &model,
+		"m_Vertices = [ [ 0, 0, 0 ], [ 1, 0, 0 ], [ 0, 1, 0 ], [ 0, 0, 1 ] ] m_Triangles = [ 0, 1, 2, 0, 1, 3, 0, 2, 3, 1, 2, 3 ]\n"
+		"m_BodyGroups = [ { m_name = \"top\" m_Choices = [ { m_name = \"lid\" m_nFirstTriangle = 2 m_nTriangleCount = 1 },\n"
+		"  { m_name = \"handle\" m_nFirstTriangle = 3 m_nTriangleCount = 1 }, { m_name = \"none\" } ] } ]",
+		&error ) )
+		<< error.Get();
+	auto pModel = std::make_shared<CParticleModel>( model );
+	struct Case_t
+	{
+		int m_nChoice;
+		int m_nTriangles;
+	} cases[] = { { 0, 3 }, { 1, 3 }, { 2, 2 }, { 7, 3 } };
+	for ( const Case_t &c : cases )
+	{
+		ParticleModelPtr_t pShown = ParticleModelWithBodyGroups( pModel, { c.m_nChoice } );
+		EXPECT_EQ( pShown->GetTriangleCount(), c.m_nTriangles ) << "choice " << c.m_nChoice;
+	}
+	ParticleModelPtr_t pHandle = ParticleModelWithBodyGroups( pModel, { 1 } );
+	EXPECT_EQ( pHandle->GetTriangles()[ 6 ], 1 ) << "the handle's triangle stands third";
+	// A model without body groups is shown as it is.
+	ParticleModelPtr_t pPlain = std::make_shared<CParticleModel>();
+	EXPECT_EQ( ParticleModelWithBodyGroups( pPlain, { 1 } ), pPlain );
 }
 
 TEST( ParticleModel, BrokenFilesSayWhatIsWrongAndLeaveTheModelEmpty )
@@ -95,6 +138,13 @@ TEST( ParticleModel, BrokenFilesSayWhatIsWrongAndLeaveTheModelEmpty )
 		{ "m_HitBoxes = [ { m_nShape = \"sphere\" m_flRadius = 2 } ]", "m_HitBoxes[0] has no m_name" },
 		{ "m_Attachments = [ { m_name = \"tip\" m_vOrigin = [ 0, \"x\", 0 ] } ]", "m_Attachments[0]: m_vOrigin" },
 		{ "m_Attachments = [ 5 ]", "m_Attachments[0] is not a table" },
+		{ "m_MaterialGroups = [ { m_name = \"red\" m_vColor = [ 300, 0, 0 ] } ]", "m_vColor goes from 0 to 255" },
+		{ "m_BodyGroups = [ { m_name = \"lid\" } ]", "m_Choices is not an array" },
+		{ "m_Vertices = [ [ 0, 0, 0 ] ] m_Triangles = [ 0, 0, 0 ] m_BodyGroups = [ { m_name = \"lid\" m_Choices = [ { m_name = \"on\" m_nFirstTriangle = 1 m_nTriangleCount = 1 } ] } ]",
+			"lie past the model's 1" },
+		{ "m_Sequences = [ { m_name = \"run\" m_nFrameCount = 0 } ]", "m_nFrameCount is not a whole number of at least 1" },
+		{ "m_Sequences = [ { m_name = \"run\" m_flFps = -3 } ]", "m_flFps is not a rate" },
+		{ "m_Sequences = [ { m_nFrameCount = 3 } ]", "m_Sequences[0] has no m_name" },
 	};
 	for ( const Case_t &c : cases )
 	{

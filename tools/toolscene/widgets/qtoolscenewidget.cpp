@@ -2,6 +2,7 @@
 
 #include <QFileInfo>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QMouseEvent>
 #include <QOpenGLContext>
@@ -17,6 +18,7 @@
 #include "tools/toolscene/toolscenenode.h"
 #include "tools/toolscene/toolsceneview.h"
 #include "tools/toolutils2/inputbind/bindtargetdescriptor.h"
+#include "tools/toolutils2/widgets/inputbind/inputbindmanager.h"
 
 static void BuildToolSceneWidgetCommands( CBindTargetDescriptor<CQToolSceneWidget> &d )
 {
@@ -192,9 +194,48 @@ void CQToolSceneWidget::paintGL()
 // ---------------------------------------------------------------------------------------
 // Camera by mouse
 
+ToolSceneView_t CQToolSceneWidget::GetSceneView() const
+{
+	return GetView();
+}
+
+bool CQToolSceneWidget::GetPointerPosition( float *pX, float *pY ) const
+{
+	QPoint pos;
+	if ( !CQInputBindManager::Get()->GetPointerPosition( this, &pos ) )
+		return false;
+	// The picture has device pixels; events have logical ones.
+	const qreal flRatio = devicePixelRatioF();
+	*pX = float( std::lround( pos.x() * flRatio ) );
+	*pY = float( std::lround( pos.y() * flRatio ) );
+	return true;
+}
+
+void CQToolSceneWidget::RequestRedraw()
+{
+	RequestPaint();
+	update();
+}
+
+void CQToolSceneWidget::keyPressEvent( QKeyEvent *pEvent )
+{
+	if ( m_fnKeyHandler && m_fnKeyHandler( pEvent ) )
+	{
+		pEvent->accept();
+		return;
+	}
+	QOpenGLWidget::keyPressEvent( pEvent );
+}
+
 void CQToolSceneWidget::mousePressEvent( QMouseEvent *pEvent )
 {
 	m_LastMousePos = pEvent->pos();
+	// A handle grabbed under the pointer keeps the camera still.
+	if ( m_pPointerListener && m_pPointerListener->IsHoldingPointer() )
+	{
+		pEvent->accept();
+		return;
+	}
 	if ( pEvent->button() == Qt::LeftButton )
 		m_eDrag = ( pEvent->modifiers() & Qt::ShiftModifier ) ? DRAG_PAN : DRAG_ORBIT;
 	else if ( pEvent->button() == Qt::MiddleButton )
@@ -218,7 +259,14 @@ void CQToolSceneWidget::mouseMoveEvent( QMouseEvent *pEvent )
 	case DRAG_ORBIT: m_Camera.Orbit( float( delta.x() ), float( delta.y() ) ); break;
 	case DRAG_PAN: m_Camera.Pan( float( delta.x() ), float( delta.y() ), height() ); break;
 	case DRAG_ZOOM: m_Camera.Zoom( float( -delta.y() ) * 0.05f ); break;
-	case DRAG_NONE: QOpenGLWidget::mouseMoveEvent( pEvent ); return;
+	case DRAG_NONE:
+		if ( m_pPointerListener )
+		{
+			const qreal flRatio = devicePixelRatioF();
+			m_pPointerListener->OnPointerMoved( float( std::lround( pEvent->x() * flRatio ) ), float( std::lround( pEvent->y() * flRatio ) ) );
+		}
+		QOpenGLWidget::mouseMoveEvent( pEvent );
+		return;
 	}
 	m_Camera.ApplyTo( m_pCameraNode );
 	RequestPaint();

@@ -8,9 +8,11 @@
 #include <QOpenGLWidget>
 #include <QPoint>
 
+#include <functional>
 #include <vector>
 
 #include "tools/toolscene/bindablecamera.h"
+#include "tools/toolscene/itoolscenewindow.h"
 #include "tools/toolscene/toolsceneclock.h"
 #include "tools/toolscene/toolscenedrawlist.h"
 #include "tools/toolscene/widgets/toolscenerenderer.h"
@@ -21,7 +23,7 @@ class CToolSceneCamera;
 class QLabel;
 class QVBoxLayout;
 
-class CQToolSceneWidget : public QOpenGLWidget, public IBindTarget
+class CQToolSceneWidget : public QOpenGLWidget, public IBindTarget, public IToolSceneWindow
 {
 	Q_OBJECT
 
@@ -62,6 +64,19 @@ public:
 	void SetMessage( const QString &text, const QColor &color );
 	QString GetMessage() const;
 
+	// What acts in the scene with the pointer (a gizmo): it hears the pointer's moves, and
+	// while it holds the pointer the camera starts no drag. Not owned; null for none.
+	void SetPointerListener( IToolScenePointerListener *pListener ) { m_pPointerListener = pListener; }
+	// Keys typed while the view has focus go here first (a gizmo's typed value); true
+	// when it took the key.
+	using KeyHandlerFn_t = std::function<bool( QKeyEvent * )>;
+	void SetKeyHandler( KeyHandlerFn_t fn ) { m_fnKeyHandler = std::move( fn ); }
+
+	// IToolSceneWindow
+	ToolSceneView_t GetSceneView() const override;
+	bool GetPointerPosition( float *pX, float *pY ) const override;
+	void RequestRedraw() override;
+
 	// IBindTarget: context "ToolSceneWidget".
 	const CBindTargetDescriptorBase *GetBindTargetDescriptor() const override;
 	void DebugToolScene();
@@ -74,6 +89,7 @@ protected:
 	void mouseMoveEvent( QMouseEvent *pEvent ) override;
 	void mouseReleaseEvent( QMouseEvent *pEvent ) override;
 	void wheelEvent( QWheelEvent *pEvent ) override;
+	void keyPressEvent( QKeyEvent *pEvent ) override;
 
 private slots:
 	void OnAboutToDestroyContext();
@@ -100,6 +116,8 @@ private:
 	int m_nPaintCount = 0;
 	DragMode_t m_eDrag = DRAG_NONE;
 	QPoint m_LastMousePos;
+	IToolScenePointerListener *m_pPointerListener = nullptr;
+	KeyHandlerFn_t m_fnKeyHandler;
 
 	QVBoxLayout *m_pIndicatorLayout = nullptr;
 	int m_nNoContextIndicator = -1;

@@ -404,13 +404,21 @@ void CToolSceneRenderer::Render( const CToolSceneDrawList &drawList, const ToolS
 	DrawMeshes( drawList, viewProjection, MESH_PASS_TRANSLUCENT );
 	DrawTrails( drawList, view, viewProjection );
 	DrawSprites( drawList, view, viewProjection );
+	// Handles last, over everything.
+	if ( !drawList.GetOverlayTriangles().empty() )
+	{
+		m_pGL->glDisable( GL_DEPTH_TEST );
+		SetBlend( TOOLSCENE_BLEND_ALPHA );
+		DrawLines( drawList.GetOverlayTriangles(), viewProjection, GL_TRIANGLES );
+		m_pGL->glEnable( GL_DEPTH_TEST );
+	}
 	m_pGL->glDepthMask( GL_TRUE );
 	m_pGL->glDisable( GL_BLEND );
 	m_pGL->glBindVertexArray( 0 );
 	m_pGL->glUseProgram( 0 );
 }
 
-void CToolSceneRenderer::DrawLines( const std::vector<ToolSceneLineVertex_t> &lines, const float *pViewProjection )
+void CToolSceneRenderer::DrawLines( const std::vector<ToolSceneLineVertex_t> &lines, const float *pViewProjection, unsigned int nPrimitive )
 {
 	if ( lines.empty() )
 		return;
@@ -422,7 +430,7 @@ void CToolSceneRenderer::DrawLines( const std::vector<ToolSceneLineVertex_t> &li
 	m_pGL->glEnableVertexAttribArray( 1 );
 	m_pGL->glVertexAttribPointer( 0, 3, GL_FLOAT, GL_FALSE, nStride, reinterpret_cast<const void *>( Offset( offsetof( ToolSceneLineVertex_t, m_Position ) ) ) );
 	m_pGL->glVertexAttribPointer( 1, 4, GL_FLOAT, GL_FALSE, nStride, reinterpret_cast<const void *>( Offset( offsetof( ToolSceneLineVertex_t, m_Color ) ) ) );
-	m_pGL->glDrawArrays( GL_LINES, 0, GLsizei( lines.size() ) );
+	m_pGL->glDrawArrays( nPrimitive, 0, GLsizei( lines.size() ) );
 	m_pGL->glDisableVertexAttribArray( 0 );
 	m_pGL->glDisableVertexAttribArray( 1 );
 }

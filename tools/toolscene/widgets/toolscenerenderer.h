@@ -64,7 +64,8 @@ private:
 		MESH_PASS_OPAQUE,
 		MESH_PASS_TRANSLUCENT,
 	};
-	void DrawLines( const std::vector<ToolSceneLineVertex_t> &lines, const float *pViewProjection );
+	// Vertices of lines, or of triangles with GL_TRIANGLES (0x0004).
+	void DrawLines( const std::vector<ToolSceneLineVertex_t> &lines, const float *pViewProjection, unsigned int nPrimitive = 0x0001 );
 	void DrawMeshes( const CToolSceneDrawList &drawList, const float *pViewProjection, MeshPass_t ePass );
 	// Instanced quads (the four corners of one buffer), one draw a batch: sprites, trails.
 	struct InstanceAttribute_t

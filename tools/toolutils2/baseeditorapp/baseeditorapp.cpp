@@ -1,5 +1,7 @@
 #include "tools/toolutils2/baseeditorapp/baseeditorapp.h"
 
+#include "core/host/hostpaths.h"
+
 #include <algorithm>
 
 #include "core/host/iprompt.h"
@@ -439,7 +441,7 @@ CBaseEditorSession *CBaseEditorApp::OpenFileSteps( const char *pPath, bool bTrac
 	if ( !EditorFiles::Exists( strPath ) )
 	{
 		CUtlString strText;
-		strText.Format( "Cannot open '%s':\nThe file does not exist!", strPath.Get() );
+		strText.Format( "Cannot open '%s':\nThe file does not exist!", Host_DisplayPath( strPath ).Get() );
 		pPrompt->Warning( "Error opening file", strText );
 		return nullptr;
 	}
@@ -467,7 +469,7 @@ CBaseEditorSession *CBaseEditorApp::OpenFileSteps( const char *pPath, bool bTrac
 	switch ( nResult )
 	{
 	case EDITOR_OPEN_FAILED:
-		strText.Format( "Failed to load '%s':\nError while loading the file:\n%s", strPath.Get(), strError.Get() );
+		strText.Format( "Failed to load '%s':\nError while loading the file:\n%s", Host_DisplayPath( strPath ).Get(), strError.Get() );
 		pPrompt->Warning( "Error opening file", strText );
 		RemoveSessionFromList( pSession );
 		DestroySession( pSession );
@@ -475,7 +477,7 @@ CBaseEditorSession *CBaseEditorApp::OpenFileSteps( const char *pPath, bool bTrac
 	case EDITOR_OPEN_LOADED:
 		break;
 	case EDITOR_OPEN_LOADED_WITH_ERRORS:
-		strText.Format( "Loaded '%s':\nwith the following errors:\n%s", strPath.Get(), strError.Get() );
+		strText.Format( "Loaded '%s':\nwith the following errors:\n%s", Host_DisplayPath( strPath ).Get(), strError.Get() );
 		pPrompt->Warning( "File opened with errors", strText );
 		break;
 	case EDITOR_OPEN_CONTENT_COPY:
@@ -483,7 +485,7 @@ CBaseEditorSession *CBaseEditorApp::OpenFileSteps( const char *pPath, bool bTrac
 		pSession->UpdateFileStatus();
 		break;
 	default:
-		strText.Format( "Failed to load '%s':\nError while loading the file:\n%s", strPath.Get(), strError.Get() );
+		strText.Format( "Failed to load '%s':\nError while loading the file:\n%s", Host_DisplayPath( strPath ).Get(), strError.Get() );
 		pPrompt->Warning( "Error opening file", strText );
 		break;
 	}

@@ -1,5 +1,7 @@
 #include "tools/toolutils2/baseeditorapp/baseeditorsession.h"
 
+#include "core/host/hostpaths.h"
+
 #include <algorithm>
 
 #include "core/host/iprompt.h"
@@ -48,7 +50,7 @@ bool CBaseEditorSession::QuerySave( bool bClearModified )
 	if ( IBaseEditorWindow *pWindow = GetWindow() )
 		pWindow->BringUp();
 	CUtlString strText;
-	strText.Format( "<br>The file:<pre>\"%s\"</pre>has unsaved changes. Save them?", GetFileName() );
+	strText.Format( "<br>The file:<pre>\"%s\"</pre>has unsaved changes. Save them?", Host_DisplayPath( GetFileName() ).Get() );
 	PromptButton_t eAnswer = GetPrompt()->Ask( PROMPT_ICON_QUESTION, "Save changes?", strText, PROMPT_BUTTON_YES | PROMPT_BUTTON_NO | PROMPT_BUTTON_CANCEL, PROMPT_BUTTON_YES );
 	if ( eAnswer == PROMPT_BUTTON_YES )
 		return m_pApp->SaveSession( this );
@@ -121,6 +123,7 @@ void CBaseEditorSession::GetTitle( CUtlString *pOut, int nMode ) const
 	{
 		if ( !EditorFiles::MakeRelative( pFileName, "CONTENT", pOut ) )
 			*pOut = szBase;
+		*pOut = Host_DisplayPath( *pOut );
 	}
 	else if ( nMode == 1 )
 		*pOut = V_UnqualifiedFileName( pFileName );
@@ -179,7 +182,7 @@ void CBaseEditorSession::ConfirmReload()
 	if ( !*pFileName || !EditorFiles::Exists( pFileName ) )
 	{
 		CUtlString strText;
-		strText.Format( "Cannot reload - The file\n\"%s\"\ndoes not exist.", pFileName );
+		strText.Format( "Cannot reload - The file\n\"%s\"\ndoes not exist.", Host_DisplayPath( pFileName ).Get() );
 		pPrompt->Warning( "Cannot Reload", strText );
 		return;
 	}
@@ -190,7 +193,7 @@ void CBaseEditorSession::ConfirmReload()
 	{
 		question.m_eIcon = PROMPT_ICON_CRITICAL;
 		question.m_strTitle = "Warning!";
-		question.m_strText.Format( "The file:<pre>\"%s\"</pre>has unsaved changes. Do you want to discard them?", pFileName );
+		question.m_strText.Format( "The file:<pre>\"%s\"</pre>has unsaved changes. Do you want to discard them?", Host_DisplayPath( pFileName ).Get() );
 		question.SetButtonLabel( PROMPT_BUTTON_YES, "Yes - Discard and reload from disk" );
 		question.SetButtonLabel( PROMPT_BUTTON_NO, "Cancel and keep my changes" );
 	}
@@ -198,7 +201,7 @@ void CBaseEditorSession::ConfirmReload()
 	{
 		question.m_eIcon = PROMPT_ICON_QUESTION;
 		question.m_strTitle = "Reload?";
-		question.m_strText.Format( "Reload this file?<br><pre>\"%s\"</pre>", pFileName );
+		question.m_strText.Format( "Reload this file?<br><pre>\"%s\"</pre>", Host_DisplayPath( pFileName ).Get() );
 		question.SetButtonLabel( PROMPT_BUTTON_YES, "Reload" );
 		question.SetButtonLabel( PROMPT_BUTTON_NO, "Cancel" );
 	}

@@ -5,6 +5,7 @@
 #include <QDoubleValidator>
 #include <QFile>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
@@ -24,7 +25,12 @@
 #include "core/particles/sim/iparticlecollection.h"
 #include "core/text/strtools.h"
 #include "particleslib/particlemgr.h"
+#include "core/particles/controlpointusagekind.h"
+#include "tools/toolscene/gizmoevents.h"
 #include "tools/toolscene/toolsceneaxis.h"
+#include "tools/toolscene/toolscenegizmolibgizmo.h"
+#include "tools/toolscene/toolsceneview.h"
+#include "tools/toolutils2/toolevents/tooleventdispatcher.h"
 #include "tools/toolscene/toolscenegrid.h"
 #include "tools/toolscene/toolscenemath.h"
 #include "tools/toolscene/toolscenemodel.h"
@@ -38,6 +44,7 @@
 #include "particleslib/particleeffect.h"
 #include "zoldoc_lib/zolcollectionpreviewtarget.h"
 #include "zoldoc_lib/zoldoc.h"
+#include "zoldoc_lib/zolnamedvalue.h"
 
 ConVar r_particle_max_detail_level( "r_particle_max_detail_level", "3", FCVAR_NONE, "The highest detail level that previewed particle systems run at (0 low to 3 ultra).",
 	true, 0.0f, true, 3.0f );
@@ -95,10 +102,18 @@ float ParseRestartTime( QLineEdit *pEdit, float flOld )
 
 void BuildParticlePreviewCommands( CBindTargetDescriptor<CQParticlePreview> &d )
 {
-	// The gizmo isn't part of this preview yet: with none shown, its modes have nothing to do.
-	d.AddClickCommand( "GizmoRotate", []( CQParticlePreview * ) {} );
-	d.AddClickCommand( "GizmoTranslate", []( CQParticlePreview * ) {} );
+	d.AddClickCommand( "GizmoRotate", []( CQParticlePreview *pPreview ) { pPreview->SetGizmoRotating( true ); } );
+	d.AddClickCommand( "GizmoTranslate", []( CQParticlePreview *pPreview ) { pPreview->SetGizmoRotating( false ); } );
 	d.AddClickCommand( "HideGizmo", []( CQParticlePreview *pPreview ) { pPreview->HideGizmo(); } );
+	// Keyboard steps of the gizmo, repeating while the key is held.
+	static const char *const s_Nudges[ 4 ] = { "GizmoNudgeRight", "GizmoNudgeLeft", "GizmoNudgeUp", "GizmoNudgeDown" };
+	for ( int nDirection = 0; nDirection < 4; ++nDirection )
+	{
+		auto fnNudge = [ nDirection ]( CQParticlePreview *pPreview ) { pPreview->NudgeGizmo( nDirection ); };
+		d.AddCommand( s_Nudges[ nDirection ] ).SetHandler( BIND_STAGE_PRESS, fnNudge ).SetHandler( BIND_STAGE_REPEAT, fnNudge );
+	}
+	// A click (no drag) on a control point's axes selects it.
+	d.AddClickCommand( "PickControlPoint", []( CQParticlePreview *pPreview ) { pPreview->PickControlPointAtPointer(); } );
 }
 
 CBindTargetDescriptor<CQParticlePreview> s_ParticlePreviewCommands( "ParticlePreview", "CQParticlePreview", &BuildParticlePreviewCommands );
@@ -182,13 +197,24 @@ CQParticlePreview::CQParticlePreview( QWidget *pParent ) : QWidget( pParent ), m
 	m_pParticleSystem->SetApplyDefaultControlPoints( true );
 	m_pPreviewModel = std::make_unique<CToolSceneModel>( &m_Scene );
 	m_Scene.SetMainModel( m_pPreviewModel.get() );
+	m_pGizmo = std::make_unique<CToolSceneGizmoLibGizmo>( &m_Scene );
+	m_pGizmo->SetWindow( m_pSceneWidget );
+	m_pGizmo->GetGizmo().SetListeners( this, &m_GizmoSnapper );
+	m_pGizmo->SetVisible( false );
+	m_pSceneWidget->SetPointerListener( m_pGizmo.get() );
+	m_pSceneWidget->SetKeyHandler( [ this ]( QKeyEvent *pEvent ) { return OnSceneKey( pEvent ); } );
 	m_pGround = std::make_unique<CToolSceneGrid>( &m_Scene );
 	CopyRestartTimesToSystem();
 	SetParticleDetailLevel( r_particle_max_detail_level.GetInt() );
 
 	CQInputBindManager::Get()->RegisterTarget( this, this );
 	CQInputBindManager::Get()->RegisterTarget( m_pSceneWidget, m_pSceneWidget );
+	CQInputBindManager::Get()->RegisterTarget( m_pSceneWidget, m_pGizmo.get() );
+	GizmoEventDispatcher().AddListener( this, &CQParticlePreview::OnGizmoLengthChanged );
+	GizmoEventDispatcher().AddListener( this, &CQParticlePreview::OnGizmoAngleChanged );
+	GizmoEventDispatcher().AddListener( this, &CQParticlePreview::OnGizmoScaleChanged );
 	m_EventMap.MapEvent( TOOL_EVENT_SLOT_HUB, &CQParticlePreview::OnPreviewSessionChanged );
+	m_EventMap.MapEvent( TOOL_EVENT_SLOT_SESSION, &CQParticlePreview::OnPreviewConfigSelectionChanged );
 	m_EventMap.MapEvent( TOOL_EVENT_SLOT_SESSION, &CQParticlePreview::OnControlPointListChanged );
 	m_EventMap.MapEvent( TOOL_EVENT_SLOT_SESSION, &CQParticlePreview::OnControlPointValueChanged );
 	m_EventMap.MapEvent( TOOL_EVENT_SLOT_SESSION, &CQParticlePreview::OnPreviewStateChanged );
@@ -204,10 +230,15 @@ CQParticlePreview::~CQParticlePreview()
 		m_pSession->SetPreviewTarget( nullptr );
 	CQInputBindManager::Get()->UnregisterTarget( this );
 	CQInputBindManager::Get()->UnregisterTarget( m_pSceneWidget );
+	CQInputBindManager::Get()->UnregisterTarget( m_pGizmo.get() );
+	GizmoEventDispatcher().RemoveListenersOf( this );
+	m_pSceneWidget->SetPointerListener( nullptr );
+	m_pSceneWidget->SetKeyHandler( nullptr );
 	m_EventMap.Detach( TOOL_EVENT_SLOT_SESSION );
 	m_EventMap.Detach( TOOL_EVENT_SLOT_HUB );
 	// Nodes go before the scene that the widget draws; the widget goes with its parent.
 	m_ControlPointAxes.clear();
+	m_pGizmo.reset();
 	m_pParticleSystem.reset();
 	if ( m_Scene.GetMainModel() == m_pPreviewModel.get() )
 		m_Scene.SetMainModel( nullptr );
@@ -246,6 +277,8 @@ void CQParticlePreview::SetSession( CZolSession *pSession )
 
 void CQParticlePreview::RefreshSession()
 {
+	m_pGizmo->SetVisible( false );
+	m_bGizmoShown = false;
 	m_nPeakActive = 0;
 	m_nPeakTotalActive = 0;
 	const CResourceHandle *pResource = m_pSession ? &m_pSession->GetResource() : nullptr;
@@ -264,6 +297,7 @@ void CQParticlePreview::RefreshSession()
 	}
 	m_pSceneWidget->SetMessage( m_pSession && !( pResource && *pResource ) ? NO_RESOURCE_MESSAGE : "", QColor( 255, 0, 0 ) );
 	m_pSceneWidget->ResetCamera( true, true );
+	UpdateGizmo();
 }
 
 void CQParticlePreview::RebuildPreview( bool bReloadModels )
@@ -279,6 +313,16 @@ void CQParticlePreview::RebuildPreview( bool bReloadModels )
 		}
 		ApplyControlPoints();
 	}
+	// Skin, body parts and the sequence of the preview model.
+	m_pPreviewModel->SetMaterialGroup( state.m_materialGroupName.Get() );
+	std::vector<std::pair<CUtlString, int>> bodyGroups;
+	for ( const ParticlePreviewBodyGroup_t &group : state.m_vecBodyGroups )
+		bodyGroups.emplace_back( group.m_bodyGroupName, group.m_nValue );
+	m_pPreviewModel->SetBodyGroups( bodyGroups );
+	// An animation clip path names nothing the models here have.
+	m_pPreviewModel->SetSequence( state.m_bSequenceNameIsAnimClipPath ? "" : ( state.m_sequenceName.IsEmpty() ? "idle" : state.m_sequenceName.Get() ) );
+	m_pPreviewModel->SetPlaybackSpeed( state.m_flPlaybackSpeed );
+	m_pPreviewModel->SetLooping( !state.m_bAnimationNonLooping );
 	m_pPreviewModel->SetDrawAttachments( state.m_bShouldDrawAttachments );
 	m_pGround->SetGroundType( state.m_groundType == ZOL_GROUND_PLANE  ? TOOLSCENE_GROUND_PLANE
 							  : state.m_groundType == ZOL_GROUND_NONE ? TOOLSCENE_GROUND_NONE
@@ -287,10 +331,11 @@ void CQParticlePreview::RebuildPreview( bool bReloadModels )
 	m_bDrawControlPointAxes = state.m_bShouldDrawControlPointAxes;
 	m_pParticleSystem->SetDrawControlPoints( m_bDrawControlPointAxes );
 	m_flSimulationRate = state.m_flParticleSimulationRate >= 0.0f && state.m_flParticleSimulationRate <= 100.0f ? state.m_flParticleSimulationRate : 1.0f;
-	// A non-looping animation that fires the system on a frame would restart it; the
-	// preview models have no animations, so the node restarts by its own rules.
+	// A non-looping sequence that fires the system on a frame restarts it (Update); the
+	// node's own rule stands down meanwhile.
 	const bool bFiresOnFrame = state.m_bAnimationNonLooping && state.m_nFireParticleOnSequenceFrame != 0;
 	m_pParticleSystem->SetAutoRestart( !bFiresOnFrame && m_pAutoRestartAction->isChecked() );
+	m_bNonLoopingSequenceRunning = false;
 }
 
 void CQParticlePreview::ApplyControlPoints()
@@ -377,14 +422,29 @@ void CQParticlePreview::OnControlPointListChanged( const ZolEvent_ControlPointLi
 	ApplyControlPoints();
 }
 
-void CQParticlePreview::OnControlPointValueChanged( const ZolEvent_ControlPointValueChanged_t & )
+void CQParticlePreview::OnControlPointValueChanged( const ZolEvent_ControlPointValueChanged_t &event )
 {
+	if ( m_pSession )
+	{
+		const ZolKnownControlPoint_t *pKnown = m_pSession->GetControlPointState()->FindKnown( event.m_ControlPoint );
+		if ( pKnown && pKnown->m_bDriven )
+			return;
+		if ( m_bGizmoShown && event.m_ControlPoint == m_pSession->GetSelectedControlPoint() )
+			PlaceGizmo();
+	}
 	ApplyControlPoints();
 }
 
-void CQParticlePreview::OnNamedValueChanged( const ZolEvent_NamedValueChanged_t & )
+void CQParticlePreview::OnNamedValueChanged( const ZolEvent_NamedValueChanged_t &event )
 {
+	if ( m_pSession && m_bGizmoShown && event.m_NamedValue == m_pSession->GetSelectedControlPoint() )
+		PlaceGizmo();
 	ApplyControlPoints();
+}
+
+void CQParticlePreview::OnPreviewConfigSelectionChanged( const ZolEvent_PreviewConfigSelectionChanged_t & )
+{
+	UpdateGizmo();
 }
 
 void CQParticlePreview::OnPreviewStateChanged( const ZolEvent_PreviewStateChanged_t &event )
@@ -397,6 +457,24 @@ void CQParticlePreview::OnPreviewStateChanged( const ZolEvent_PreviewStateChange
 
 void CQParticlePreview::Update()
 {
+	// A sequence that doesn't loop plays again once the system has ended; with a fire
+	// frame, the system starts over when the sequence reaches it.
+	if ( m_pSession && m_pSession->GetPreviewState().m_bAnimationNonLooping )
+	{
+		const ParticlePreviewState_t &state = m_pSession->GetPreviewState();
+		if ( !m_bNonLoopingSequenceRunning && ( !m_pParticleSystem->GetEffect() || m_pParticleSystem->IsEnded() ) )
+		{
+			m_pPreviewModel->RestartSequence();
+			m_bNonLoopingSequenceRunning = state.m_nFireParticleOnSequenceFrame != 0;
+		}
+		if ( m_bNonLoopingSequenceRunning && m_pPreviewModel->GetSequenceFrame() >= state.m_nFireParticleOnSequenceFrame )
+		{
+			m_pParticleSystem->Restart();
+			m_pParticleSystem->SetAutoRestart( false );
+			m_bNonLoopingSequenceRunning = false;
+			ApplyControlPoints();
+		}
+	}
 	m_pSceneWidget->Tick( m_flSimulationRate );
 	UpdateInformationText();
 	UpdateControlPointAxes();
@@ -583,4 +661,298 @@ void CQParticlePreview::HideGizmo()
 {
 	if ( m_pSession )
 		m_pSession->SetSelectedControlPoint( ParticleParamID_t() );
+}
+
+// ---------------------------------------------------------------------------------------
+// The gizmo
+
+GizmoMatrix_t CQParticlePreview::GetNodeFrame() const
+{
+	Vector vOrigin, vForward, vRight, vUp;
+	m_pParticleSystem->GetWorldFrame( &vOrigin, &vForward, &vRight, &vUp );
+	const float flScale = m_pParticleSystem->GetWorldScale();
+	return GizmoMatrix_t::FromAxes( ToolSceneMath::Scale( vForward, flScale ), ToolSceneMath::Scale( vRight, -flScale ), ToolSceneMath::Scale( vUp, flScale ), vOrigin );
+}
+
+bool CQParticlePreview::GetGizmoTarget( ParticleParamID_t *pKey, Vector *pPosition, QAngle *pAngles, int *pGizmoMode ) const
+{
+	if ( !m_pSession )
+		return false;
+	const ParticleParamID_t key = m_pSession->GetSelectedControlPoint();
+	if ( key.IsNone() )
+		return false;
+	const CZolControlPointState *pState = m_pSession->GetControlPointState();
+	const ZolKnownControlPoint_t *pKnown = pState->FindKnown( key );
+	if ( !pKnown || pKnown->m_bDriven )
+		return false;
+	*pKey = key;
+	if ( key.IsNamed() )
+	{
+		// Variables of a vector or a transform are placed by their value.
+		const int nType = pKnown->m_NamedValueType.GetBaseType();
+		if ( nType != PVAL_VEC3 && nType != PVAL_TRANSFORM )
+			return false;
+		KeyValues3 value;
+		if ( !pState->GetValue( key, &value ) || !ZolNamedValue_ToTransform( pKnown->m_NamedValueType, value, pPosition, pAngles ) )
+			return false;
+		*pGizmoMode = nType == PVAL_TRANSFORM && pState->GetEditMode( key ) == CONTROL_POINT_EDIT_ROTATE ? SCENE_GIZMO_ROTATE : SCENE_GIZMO_TRANSLATE;
+		return true;
+	}
+	if ( GetControlPointUsageKindInfo( pKnown->m_nUsageKind ).m_eGizmo == CONTROL_POINT_GIZMO_NONE )
+		return false;
+	*pGizmoMode = GetSceneGizmoModeForEditMode( pState->GetEditMode( key ) );
+	// A point that only turns is turned, whatever its mode says.
+	if ( pKnown->m_nUsageKind == CONTROL_POINT_USAGE_ORIENTATION )
+		*pGizmoMode = SCENE_GIZMO_ROTATE;
+	if ( *pGizmoMode == SCENE_GIZMO_NONE )
+		return false;
+	*pPosition = pState->GetPosition( key );
+	*pAngles = pState->GetAngles( key );
+	return true;
+}
+
+void CQParticlePreview::UpdateGizmo()
+{
+	ParticleParamID_t key;
+	Vector vPosition;
+	QAngle angles;
+	int nMode = SCENE_GIZMO_NONE;
+	const bool bShow = GetGizmoTarget( &key, &vPosition, &angles, &nMode );
+	if ( !bShow && m_pGizmo->GetGizmo().IsDragging() )
+		m_pGizmo->OnDragRelease();
+	if ( !bShow )
+		m_pGizmo->GetGizmo().ClearTyped();
+	m_bGizmoShown = bShow;
+	m_pGizmo->SetVisible( bShow );
+	if ( bShow )
+		PlaceGizmo();
+	ShowTypedText();
+	m_pSceneWidget->RequestRedraw();
+}
+
+void CQParticlePreview::PlaceGizmo()
+{
+	ParticleParamID_t key;
+	Vector vPosition;
+	QAngle angles;
+	int nMode = SCENE_GIZMO_NONE;
+	if ( !GetGizmoTarget( &key, &vPosition, &angles, &nMode ) )
+		return;
+	const GizmoMatrix_t node = GetNodeFrame();
+	GizmoFrame_t frame;
+	// Moves go along the system's axes; turns about the point's own.
+	frame.m_nCoordinateSpace = nMode == SCENE_GIZMO_ROTATE ? 0 : 1;
+	frame.m_vPosition = frame.m_vPivot = node.TransformPoint( vPosition );
+	frame.m_WorldOrientation = node;
+	frame.m_LocalOrientation = node * GizmoMatrix_t::FromAngles( angles, Vector() );
+	m_pGizmo->GetGizmo().SetMode( nMode, frame );
+	m_pSceneWidget->RequestRedraw();
+}
+
+void CQParticlePreview::OnGizmoBegin( uint32_t )
+{
+	int nMode = SCENE_GIZMO_NONE;
+	if ( !GetGizmoTarget( &m_GizmoKey, &m_vGizmoStartPosition, &m_GizmoStartAngles, &nMode ) )
+	{
+		m_GizmoKey = ParticleParamID_t();
+		return;
+	}
+	CUtlString strDescription;
+	const char *pVerb = nMode == SCENE_GIZMO_ROTATE ? "Rotate" : "Move";
+	if ( m_GizmoKey.IsNamed() )
+		strDescription.Format( "%s Variable '%s'", pVerb, m_GizmoKey.m_pName ? m_GizmoKey.m_pName : "" );
+	else
+		strDescription.Format( "%s Control Point #%d", pVerb, m_GizmoKey.m_nNumber );
+	m_pSession->BeginControlPointEdit( m_GizmoKey, strDescription );
+}
+
+void CQParticlePreview::ApplyGizmoDrag( const ZolGizmoDrag &drag )
+{
+	if ( !m_pSession || m_GizmoKey.IsNone() || !( m_GizmoKey == m_pSession->GetSelectedControlPoint() ) )
+		return;
+	using namespace ToolSceneMath;
+	const GizmoMatrix_t node = GetNodeFrame();
+	Vector vPosition = m_vGizmoStartPosition;
+	QAngle angles = m_GizmoStartAngles;
+	if ( ( drag.m_nFlags & GIZMO_DRAG_ROTATION ) || drag.m_nPart == GIZMO_PART_TRACKBALL )
+	{
+		// The start frame turned by the drag, back in the node's space.
+		GizmoMatrix_t turn = drag.m_Transform;
+		turn.SetOrigin( Vector() );
+		const GizmoMatrix_t world = turn * node * GizmoMatrix_t::FromAngles( m_GizmoStartAngles, Vector() );
+		Vector vAxes[ 3 ];
+		for ( int i = 0; i < 3; ++i )
+		{
+			const Vector vNodeAxis = node.GetAxis( i );
+			const float flLengthSq = Dot( vNodeAxis, vNodeAxis );
+			for ( int j = 0; j < 3; ++j )
+				vAxes[ j ][ i ] = flLengthSq > 0.0f ? Dot( world.GetAxis( j ), vNodeAxis ) / flLengthSq : 0.0f;
+		}
+		angles = GizmoMatrix_t::FromAxes( vAxes[ 0 ], vAxes[ 1 ], vAxes[ 2 ], Vector() ).ToAngles();
+	}
+	else
+	{
+		// The world offset in the node's space.
+		for ( int i = 0; i < 3; ++i )
+		{
+			const Vector vNodeAxis = node.GetAxis( i );
+			const float flLengthSq = Dot( vNodeAxis, vNodeAxis );
+			vPosition[ i ] += flLengthSq > 0.0f ? Dot( drag.m_vTranslation, vNodeAxis ) / flLengthSq : 0.0f;
+		}
+	}
+	CZolControlPointState *pState = m_pSession->GetControlPointState();
+	if ( m_GizmoKey.IsNamed() )
+	{
+		const ZolKnownControlPoint_t *pKnown = pState->FindKnown( m_GizmoKey );
+		KeyValues3 value;
+		if ( pKnown && ZolNamedValue_FromTransform( pKnown->m_NamedValueType, vPosition, angles, &value ) )
+			pState->SetValue( m_GizmoKey, value );
+	}
+	else
+		pState->SetTransform( m_GizmoKey, vPosition, angles );
+}
+
+void CQParticlePreview::OnGizmoDrag( const ZolGizmoDrag &drag )
+{
+	ApplyGizmoDrag( drag );
+}
+
+void CQParticlePreview::OnGizmoEnd( const ZolGizmoDrag &drag )
+{
+	// A typed value or a nudge comes as a begin and an end only.
+	ApplyGizmoDrag( drag );
+	m_GizmoKey = ParticleParamID_t();
+	PlaceGizmo();
+}
+
+void CQParticlePreview::SetGizmoRotating( bool bRotate )
+{
+	if ( !m_bGizmoShown || !m_pSession )
+		return;
+	const ParticleParamID_t key = m_pSession->GetSelectedControlPoint();
+	const ZolKnownControlPoint_t *pKnown = m_pSession->GetControlPointState()->FindKnown( key );
+	// Only a transform can do both.
+	if ( !pKnown || key.IsNamed() || pKnown->m_nUsageKind != CONTROL_POINT_USAGE_TRANSFORM )
+		return;
+	const int nWanted = bRotate ? CONTROL_POINT_EDIT_ROTATE : CONTROL_POINT_EDIT_TRANSLATE;
+	if ( m_pSession->GetControlPointEditMode( key ) != nWanted )
+		m_pSession->SetControlPointEditMode( key, nWanted );
+	PlaceGizmo();
+}
+
+void CQParticlePreview::NudgeGizmo( int nDirection )
+{
+	if ( !m_bGizmoShown )
+		return;
+	CGizmo &gizmo = m_pGizmo->GetGizmo();
+	gizmo.Nudge( m_pSceneWidget->GetView(), nDirection, gizmo.GetMode() );
+}
+
+bool CQParticlePreview::PickControlPointAtPointer()
+{
+	float flX, flY;
+	if ( !m_pSession || m_pGizmo->GetGizmo().IsDragging() || !m_pSceneWidget->GetPointerPosition( &flX, &flY ) )
+		return false;
+	const ToolSceneView_t view = m_pSceneWidget->GetView();
+	// A handle under the pointer belongs to the gizmo.
+	if ( m_bGizmoShown && m_pGizmo->FindPart( view, GizmoRayFromScreen( view, flX, flY ) ) != GIZMO_PART_NONE )
+		return false;
+	constexpr float PICK_RADIUS_PIXELS = 10.0f;
+	int nBest = -1;
+	float flBest = PICK_RADIUS_PIXELS * PICK_RADIUS_PIXELS;
+	for ( const auto &[ nPoint, pAxis ] : m_ControlPointAxes )
+	{
+		float sx, sy;
+		if ( !pAxis->IsVisible() || !view.WorldToScreen( pAxis->GetOrigin(), &sx, &sy ) )
+			continue;
+		const float flDistance = ( sx - flX ) * ( sx - flX ) + ( sy - flY ) * ( sy - flY );
+		if ( flDistance <= flBest )
+		{
+			flBest = flDistance;
+			nBest = nPoint;
+		}
+	}
+	if ( nBest < 0 )
+		return false;
+	m_pSession->SetSelectedControlPoint( ParticleParamID_t::ControlPoint( nBest ) );
+	return true;
+}
+
+// ---------------------------------------------------------------------------------------
+// Typed values and the gizmo's status
+
+bool CQParticlePreview::OnSceneKey( QKeyEvent *pEvent )
+{
+	CGizmo &gizmo = m_pGizmo->GetGizmo();
+	if ( !m_bGizmoShown || gizmo.IsDragging() )
+		return false;
+	const QString text = pEvent->text();
+	const QChar c = text.size() == 1 ? text[ 0 ] : QChar();
+	if ( !gizmo.IsTyping() )
+	{
+		// A digit, a sign or a point starts a value for the handle under the pointer.
+		if ( !( c.isDigit() || c == '-' || c == '.' ) || ( pEvent->modifiers() & ( Qt::ControlModifier | Qt::AltModifier ) ) )
+			return false;
+		gizmo.BeginTyping();
+	}
+	switch ( pEvent->key() )
+	{
+	case Qt::Key_Return:
+	case Qt::Key_Enter: gizmo.ApplyTyped( nullptr ); break;
+	case Qt::Key_Escape: gizmo.ClearTyped(); break;
+	case Qt::Key_Backspace:
+	{
+		std::string typed = gizmo.GetHelper()->GetTypedText();
+		if ( !typed.empty() )
+			typed.pop_back();
+		gizmo.GetHelper()->SetTypedText( typed.c_str() );
+		break;
+	}
+	default:
+		// Numbers and the separator of two (letters stay the commands' keys).
+		if ( c.isNull() || !QString( "0123456789-., x" ).contains( c ) )
+			return true;
+		gizmo.TypeCharacter( char( c.unicode() ) );
+		break;
+	}
+	ShowTypedText();
+	return true;
+}
+
+void CQParticlePreview::ShowTypedText()
+{
+	CGizmo &gizmo = m_pGizmo->GetGizmo();
+	if ( gizmo.IsTyping() )
+	{
+		const int nPart = gizmo.GetHelper()->GetTypedPart();
+		static const char *const s_Axes[] = { "X", "Y", "Z" };
+		const QString axis = GizmoIsAxisPart( nPart ) ? s_Axes[ GizmoAxisIndex( nPart ) ] : "";
+		const char *pWhat = gizmo.GetMode() == GIZMO_MODE_ROTATE ? "Rotate" : gizmo.GetMode() == GIZMO_MODE_SCALE ? "Scale" : "Move";
+		m_pSceneWidget->SetMessage( QString( "%1 %2: %3_   (Enter applies, Esc cancels)" ).arg( pWhat, axis, QString::fromStdString( gizmo.GetHelper()->GetTypedText() ) ),
+			QColor( 255, 216, 96 ) );
+	}
+	else if ( m_pSceneWidget->GetMessage() != NO_RESOURCE_MESSAGE )
+		m_pSceneWidget->SetMessage( QString(), QColor() );
+}
+
+static void ShowGizmoStatus( const std::string &text )
+{
+	// A refused value is a warning; the measure of a drag is plain news.
+	if ( CZolApp *pApp = ZolApp() )
+		pApp->ShowStatusMessage( text.c_str(), text.rfind( GIZMO_BAD_VALUE_PREFIX, 0 ) == 0 ? 3 : 0 );
+}
+
+void CQParticlePreview::OnGizmoLengthChanged( const EventGizmoLengthChanged_t &event )
+{
+	ShowGizmoStatus( event.m_Text );
+}
+
+void CQParticlePreview::OnGizmoAngleChanged( const EventGizmoAngleChanged_t &event )
+{
+	ShowGizmoStatus( event.m_Text );
+}
+
+void CQParticlePreview::OnGizmoScaleChanged( const EventGizmoScaleChanged_t &event )
+{
+	ShowGizmoStatus( event.m_Text );
 }

@@ -10,7 +10,10 @@
 #include <map>
 #include <memory>
 
+#include "core/mathlib/qangle.h"
 #include "core/particles/particleparamid.h"
+#include "tools/toolscene/gizmogridsnapper.h"
+#include "tools/toolscene/igizmolistener.h"
 #include "tools/toolscene/itoolsceneparticlelistener.h"
 #include "tools/toolscene/toolscene.h"
 #include "tools/toolutils2/inputbind/bindtarget.h"
@@ -20,6 +23,12 @@
 
 class CQToolSceneWidget;
 class CToolSceneAxis;
+class CToolSceneGizmoLibGizmo;
+class QKeyEvent;
+struct EventGizmoAngleChanged_t;
+struct EventGizmoLengthChanged_t;
+struct EventGizmoScaleChanged_t;
+struct GizmoMatrix_t;
 class CToolSceneGrid;
 class CToolSceneModel;
 class CToolSceneParticleSystem;
@@ -35,7 +44,7 @@ class QToolButton;
 constexpr int PARTICLE_DETAIL_LEVEL_COUNT = 4;
 const char *GetParticleDetailLevelName( int nLevel );
 
-class CQParticlePreview : public QWidget, public IBindTarget, public IToolSceneParticleListener, public IZolPreviewTarget
+class CQParticlePreview : public QWidget, public IGizmoListener, public IBindTarget, public IToolSceneParticleListener, public IZolPreviewTarget
 {
 	Q_OBJECT
 
@@ -73,6 +82,24 @@ public:
 	// IBindTarget: context "ParticlePreview".
 	const CBindTargetDescriptorBase *GetBindTargetDescriptor() const override;
 	void HideGizmo();
+
+	// The gizmo on the selected control point or variable: shown for a point whose kind
+	// moves or turns and for a vector or transform variable, placed where the session's
+	// state puts it. A drag moves the point through the session, one undo step a drag.
+	CToolSceneGizmoLibGizmo *GetGizmo() const { return m_pGizmo.get(); }
+	bool IsGizmoShown() const { return m_bGizmoShown; }
+	CGizmoGridSnapper &GetGizmoSnapper() { return m_GizmoSnapper; }
+	void UpdateGizmo();
+	// The commands "GizmoRotate" and "GizmoTranslate": a transform point's edit mode.
+	void SetGizmoRotating( bool bRotate );
+	// One keyboard step of the gizmo: 0 right, 1 left, 2 up, 3 down on the screen.
+	void NudgeGizmo( int nDirection );
+	// Selects the control point whose axes are under the pointer; false when none is.
+	bool PickControlPointAtPointer();
+	// IGizmoListener
+	void OnGizmoBegin( uint32_t nFlags ) override;
+	void OnGizmoDrag( const ZolGizmoDrag &drag ) override;
+	void OnGizmoEnd( const ZolGizmoDrag &drag ) override;
 	// IToolSceneParticleListener
 	void OnParticleSystemRestarted( CToolSceneParticleSystem *pSystem ) override;
 	// IZolPreviewTarget: the session's control point state, on the particle node and the
@@ -105,6 +132,19 @@ private:
 	void OnControlPointValueChanged( const ZolEvent_ControlPointValueChanged_t &event );
 	void OnPreviewStateChanged( const ZolEvent_PreviewStateChanged_t &event );
 	void OnNamedValueChanged( const ZolEvent_NamedValueChanged_t &event );
+	void OnPreviewConfigSelectionChanged( const ZolEvent_PreviewConfigSelectionChanged_t &event );
+	void OnGizmoLengthChanged( const EventGizmoLengthChanged_t &event );
+	void OnGizmoAngleChanged( const EventGizmoAngleChanged_t &event );
+	void OnGizmoScaleChanged( const EventGizmoScaleChanged_t &event );
+	// The selected key's transform in the node's space; false when it has none to show.
+	bool GetGizmoTarget( ParticleParamID_t *pKey, Vector *pPosition, QAngle *pAngles, int *pGizmoMode ) const;
+	void PlaceGizmo();
+	void ApplyGizmoDrag( const ZolGizmoDrag &drag );
+	// The particle node's world frame, which the control points stand in.
+	GizmoMatrix_t GetNodeFrame() const;
+	// Keys typed into the view: a value for the gizmo.
+	bool OnSceneKey( QKeyEvent *pEvent );
+	void ShowTypedText();
 	void SetSession( CZolSession *pSession );
 	void CopyRestartTimesToSystem();
 	void UpdateStatusIndicators();
@@ -117,6 +157,13 @@ private:
 	std::unique_ptr<CToolSceneModel> m_pPreviewModel;
 	std::unique_ptr<CToolSceneGrid> m_pGround;
 	std::map<int, std::unique_ptr<CToolSceneAxis>> m_ControlPointAxes;
+	std::unique_ptr<CToolSceneGizmoLibGizmo> m_pGizmo;
+	CGizmoGridSnapper m_GizmoSnapper;
+	bool m_bGizmoShown = false;
+	// The key a drag moves and where it stood when the drag began.
+	ParticleParamID_t m_GizmoKey;
+	Vector m_vGizmoStartPosition;
+	QAngle m_GizmoStartAngles;
 
 	QToolBar *m_pToolBar = nullptr;
 	QToolButton *m_pPlayButton = nullptr;
@@ -136,6 +183,8 @@ private:
 	float m_flAutoRestartTime = 0.0f;
 	float m_flForcedRestartTime = 0.0f;
 	bool m_bShowSystemInformation = true;
+	// A non-looping sequence plays towards the frame that fires the system.
+	bool m_bNonLoopingSequenceRunning = false;
 	int m_nPeakActive = 0;
 	int m_nPeakTotalActive = 0;
 };

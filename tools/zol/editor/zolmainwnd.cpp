@@ -3,16 +3,22 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QDockWidget>
-#include <QLabel>
 #include <QMenu>
 #include <QMenuBar>
+#include <QScreen>
+#include <QScrollArea>
 #include <QSignalBlocker>
+#include <QStyle>
 #include <QStatusBar>
 
 #include "core/host/hostpaths.h"
+#include "core/host/iasset.h"
+#include "core/host/iassetsystem.h"
 #include "core/kv3/keyvalues3.h"
+#include "tools/toolutils2/baseeditorapp/editorfilequeries.h"
 #include "tools/toolutils2/undo/undohistory.h"
 #include "tools/toolutils2/widgets/inputbind/bindablecommandaction.h"
+#include "tools/toolutils2/widgets/inputbind/inputbindeditor.h"
 #include "tools/toolutils2/widgets/inputbind/inputbindmanager.h"
 #include "tools/toolutils2/widgets/undo/undohistorywidget.h"
 #include "tools/widgets/assetthumbnail.h"
@@ -22,17 +28,36 @@
 #include "tools/zol/editor/functionlist/particlesystemthumbnail.h"
 #include "tools/toolutils2/widgets/propertyeditor/propertypanel.h"
 #include "tools/zol/editor/particlepreview.h"
+#include "tools/zol/editor/previewcontrols/particlepreviewcontrols.h"
 #include "tools/zol/editor/properties/zolkv3propertydomain.h"
 #include "tools/zol/editor/properties/zolpropertywidget.h"
 #include "tools/zol/editor/zolapp.h"
+#include "tools/zol/editor/zolassetpane.h"
 #include "tools/zol/editor/zolsession.h"
 #include "zoldoc_lib/zoldoc.h"
 
 static constexpr int DOCK_MINIMUM_SIZE = 100;
 
+// A path as the user reads it: as the content tree names it (the whole path outside it),
+// with the platform's separator. Paths are kept with backslashes in memory.
+static QString ShownPath( const char *pPath )
+{
+	CUtlString strShown;
+	if ( !EditorFiles::MakeRelative( pPath, "CONTENT", &strShown ) || strShown.IsEmpty() || strShown.Get()[ 0 ] == '.' )
+		strShown = pPath;
+	return QString::fromUtf8( Host_DisplayPath( strShown ).Get() );
+}
+
 CQZolMainWnd::CQZolMainWnd( QWidget *pParent ) : CQBaseEditorMdiWnd( pParent )
 {
-	resize( 1280, 800 );
+	// Four panels and a preview want room: most of the screen, within sensible bounds.
+	QSize size( 1280, 800 );
+	if ( QScreen *pScreen = QGuiApplication::primaryScreen() )
+	{
+		const QRect available = pScreen->availableGeometry();
+		size = QSize( qBound( 1280, available.width() - 80, 1800 ), qBound( 800, available.height() - 80, 1100 ) );
+	}
+	resize( size );
 }
 
 CQZolMainWnd::~CQZolMainWnd()
@@ -45,6 +70,9 @@ CQZolMainWnd::~CQZolMainWnd()
 	delete m_pFunctionDock;
 	m_pFunctionDock = nullptr;
 	m_pFunctionList = nullptr;
+	delete m_pControlsDock;
+	m_pControlsDock = nullptr;
+	m_pPreviewControls = nullptr;
 }
 
 QDockWidget *CQZolMainWnd::MakeDock( const char *pTitle, const char *pObjectName, QWidget *pContent, int nWidth, int nHeight )
@@ -55,16 +83,6 @@ QDockWidget *CQZolMainWnd::MakeDock( const char *pTitle, const char *pObjectName
 	pDock->setWidget( pContent );
 	pContent->resize( nWidth, nHeight );
 	return pDock;
-}
-
-// A panel that a later part of the editor fills; until then it says what it is for.
-static QLabel *MakePanelPlaceholder( const char *pText )
-{
-	QLabel *pLabel = new QLabel( pText );
-	pLabel->setAlignment( Qt::AlignCenter );
-	pLabel->setWordWrap( true );
-	pLabel->setEnabled( false );
-	return pLabel;
 }
 
 void CQZolMainWnd::CreateChildren()
@@ -81,13 +99,24 @@ void CQZolMainWnd::CreateChildren()
 	m_pPropertyWidget = new CQZolPropertyWidget( m_pDomain.get() );
 	connect( m_pPropertyWidget, &CQZolPropertyWidget::AttributeModified, this, &CQZolMainWnd::OnPropertyAttributeModified );
 	m_pPropertyDock = MakeDock( "Properties", "ZOL2_PropertyDock", m_pPropertyWidget, 300, 500 );
-	m_pAssetPaneDock = MakeDock( "Current assets", "ZOL2_AssetPaneDock", MakePanelPlaceholder( "Current assets" ), 500, 500 );
+	CZolApp *pZolApp = ZolApp();
+	m_pAssetPane = new CQZolAssetPane( GetAssetSystem(), pZolApp ? pZolApp->GetWorkingSet() : nullptr );
+	connect( m_pAssetPane, &CQZolAssetPane::ZolAssetPaneSelectionChanged, this, &CQZolMainWnd::OnZolAssetPaneSelectionChanged );
+	connect( m_pAssetPane, &CQZolAssetPane::OpenSession, this, &CQZolMainWnd::OnOpenSession );
+	m_pAssetPaneDock = MakeDock( "Current assets", "ZOL2_AssetPaneDock", m_pAssetPane, 500, 500 );
 	// The function list adds variables through the domain, the named value context of the
 	// shown session.
 	m_pFunctionList = new CQParticleFunctionList( m_pDomain.get() );
 	m_pFunctionDock = MakeDock( "Functions", "ZOL2_FunctionDock", m_pFunctionList, 300, 500 );
 	RegisterParticleSystemThumbnails();
-	m_pControlsDock = MakeDock( "Controls", "ZOL2_PreviewControlsDock", MakePanelPlaceholder( "Controls" ), 500, 500 );
+	m_pPreviewControls = new CQParticlePreviewControls( m_pDomain.get() );
+	// The controls are a tall form: on a small screen they scroll rather than squeeze the
+	// preview and the property names.
+	QScrollArea *pControlsScroll = new QScrollArea();
+	pControlsScroll->setWidgetResizable( true );
+	pControlsScroll->setFrameShape( QFrame::NoFrame );
+	pControlsScroll->setWidget( m_pPreviewControls );
+	m_pControlsDock = MakeDock( "Controls", "ZOL2_PreviewControlsDock", pControlsScroll, 500, 500 );
 	m_pUndoDock = MakeDock( "Undo", "ZOL2_UndoDock", m_pUndoHistoryWidget, 300, 500 );
 	ResetLayout();
 
@@ -111,6 +140,10 @@ void CQZolMainWnd::CreateChildren()
 	m_pViewMenu->addAction( m_pControlsDock->toggleViewAction() );
 	m_pViewMenu->addAction( m_pUndoDock->toggleViewAction() );
 	m_pViewMenu->addAction( m_pAssetPaneDock->toggleViewAction() );
+	QAction *pSystemInformation = m_pViewMenu->addAction( "&Display System Information" );
+	pSystemInformation->setCheckable( true );
+	pSystemInformation->setChecked( true );
+	connect( pSystemInformation, &QAction::toggled, m_pPreview, &CQParticlePreview::OnToggleSystemInformationDisplay );
 	m_pViewMenu->addSeparator();
 	QAction *pLock = m_pViewMenu->addAction( "&Toggle Window Lock" );
 	pLock->setCheckable( true );
@@ -184,6 +217,12 @@ void CQZolMainWnd::CreateFileMenu( QMenu *pMenu )
 
 		m_pOpenDirectoryAction = new CQBindableCommandAction( pApp, "FileOpenDir", "Open All In &Directory...", this );
 		pMenu->insertAction( m_pFileReloadAction, m_pOpenDirectoryAction );
+		m_pRecentDirectoriesMenu = new QMenu( "&Recent Directories", this );
+		connect( m_pRecentDirectoriesMenu, &QMenu::aboutToShow, this, &CQZolMainWnd::RebuildRecentDirectoriesSubmenu );
+		connect( m_pRecentDirectoriesMenu, &QMenu::triggered, this, &CQZolMainWnd::LoadRecentDirectory );
+		QList<QAction *> fileActions = pMenu->actions();
+		const int nAfterRecentFiles = fileActions.indexOf( GetRecentFilesMenu()->menuAction() ) + 1;
+		pMenu->insertMenu( nAfterRecentFiles < fileActions.size() ? fileActions[ nAfterRecentFiles ] : nullptr, m_pRecentDirectoriesMenu );
 		m_pSaveAllAction = new CQBindableCommandAction( pApp, "FileSaveAll", "Save &All", this );
 		pMenu->insertAction( m_pFileCloseAction, m_pSaveAllAction );
 		m_pCloseAllAction = new CQBindableCommandAction( pApp, "FileCloseAll", "Close All", this );
@@ -193,6 +232,8 @@ void CQZolMainWnd::CreateFileMenu( QMenu *pMenu )
 	}
 	menuBar()->addMenu( m_pEditMenu );
 	menuBar()->addMenu( m_pViewMenu );
+	m_pHelpMenu = menuBar()->addMenu( "&Help" );
+	m_pHelpMenu->addAction( "Show Key Bindings", this, &CQZolMainWnd::ShowKeyBindings );
 	UpdateEditMenu();
 }
 
@@ -209,9 +250,96 @@ void CQZolMainWnd::ResetLayout()
 	splitDockWidget( m_pFunctionDock, m_pPropertyDock, Qt::Horizontal );
 	addDockWidget( Qt::RightDockWidgetArea, m_pControlsDock );
 	splitDockWidget( m_pControlsDock, m_pUndoDock, Qt::Vertical );
-	// The rows need the width of a function's name and what it writes; the property rows
-	// a label and an editor side by side, a float input's range rows the widest of them.
-	resizeDocks( { m_pFunctionDock, m_pPropertyDock }, { 300, 420 }, Qt::Horizontal );
+	ApplyDefaultDockSizes();
+	// Before the first showing the window's size is not final: the sizes wait for it.
+	m_bDefaultSizesPending = !isVisible();
+}
+
+void CQZolMainWnd::ApplyDefaultDockSizes()
+{
+	// The function rows need a function's name and what it writes, the property rows a
+	// label and an editor side by side (a float input's range rows the widest of them,
+	// 420 where there is room), the controls their form; the preview keeps the rest.
+	const int nWidth = width();
+	const int nControlsWanted = m_pPreviewControls->sizeHint().width() + m_pControlsDock->style()->pixelMetric( QStyle::PM_ScrollBarExtent ) + 8;
+	const int nFunctions = qMax( 230, nWidth * 18 / 100 );
+	const int nProperties = qBound( 300, nWidth * 33 / 100, 420 );
+	// The controls scroll rather than take the preview's room below 420.
+	const int nControls = qBound( 280, nWidth - nFunctions - nProperties - 420, qMax( 280, nControlsWanted ) );
+	resizeDocks( { m_pFunctionDock, m_pPropertyDock, m_pControlsDock }, { nFunctions, nProperties, nControls }, Qt::Horizontal );
+	resizeDocks( { m_pControlsDock, m_pUndoDock }, { height() * 3 / 4, height() / 4 }, Qt::Vertical );
+	resizeDocks( { m_pAssetPaneDock }, { 120 }, Qt::Vertical );
+}
+
+void CQZolMainWnd::showEvent( QShowEvent *pEvent )
+{
+	CQBaseEditorMdiWnd::showEvent( pEvent );
+	if ( m_bDefaultSizesPending )
+	{
+		m_bDefaultSizesPending = false;
+		ApplyDefaultDockSizes();
+	}
+}
+
+void CQZolMainWnd::OnZolAssetPaneSelectionChanged()
+{
+	CZolApp *pApp = ZolApp();
+	const std::vector<IAsset *> selected = m_pAssetPane->GetSelectedAssets();
+	if ( !pApp || selected.size() != 1 )
+		return;
+	CBaseEditorSession *pSession = pApp->FindSessionByFile( selected[ 0 ]->GetAbsolutePath() );
+	if ( pSession && pSession != pApp->GetActiveSession() )
+		pApp->SetActiveEditorSession( pSession, false, true );
+}
+
+void CQZolMainWnd::OnOpenSession( IAsset *pAsset )
+{
+	// An open system's session is shown; another one opens.
+	if ( CZolApp *pApp = ZolApp(); pApp && pAsset )
+		pApp->OpenFile( pAsset->GetAbsolutePath(), true );
+}
+
+void CQZolMainWnd::ShowKeyBindings()
+{
+	if ( !m_pInputBindEditor )
+	{
+		m_pInputBindEditor = new CQInputBindEditor( &CQInputBindManager::Get()->GetEngine().GetBindingList(), this );
+		m_pInputBindEditor->setWindowFlag( Qt::Window );
+	}
+	m_pInputBindEditor->Refresh();
+	m_pInputBindEditor->show();
+	m_pInputBindEditor->raise();
+}
+
+void CQZolMainWnd::RebuildRecentDirectoriesSubmenu()
+{
+	m_pRecentDirectoriesMenu->clear();
+	CZolApp *pApp = ZolApp();
+	int nShown = 0;
+	if ( pApp )
+	{
+		for ( const CUtlString &strDirectory : pApp->GetRecentDirectories() )
+		{
+			if ( nShown >= MAX_RECENT_DIRECTORIES_SHOWN )
+				break;
+			// The list keeps a deleted folder (it may come back); the menu leaves it out.
+			if ( !EditorFiles::IsDirectory( strDirectory ) )
+				continue;
+			++nShown;
+			QAction *pAction = m_pRecentDirectoriesMenu->addAction( QString( "&%1 - %2" ).arg( nShown ).arg( ShownPath( strDirectory ) ) );
+			pAction->setData( QString::fromUtf8( strDirectory.Get() ) );
+		}
+	}
+	if ( nShown == 0 )
+		m_pRecentDirectoriesMenu->addAction( "<No recent directories>" )->setEnabled( false );
+}
+
+void CQZolMainWnd::LoadRecentDirectory( QAction *pAction )
+{
+	CZolApp *pApp = ZolApp();
+	const QString path = pAction ? pAction->data().toString() : QString();
+	if ( pApp && !path.isEmpty() )
+		pApp->OpenDirectory( path.toUtf8().constData() );
 }
 
 void CQZolMainWnd::OnToggleWindwLock( bool bLocked )
@@ -282,13 +410,18 @@ void CQZolMainWnd::SessionActivated( CZolSession *, CZolSession *pNew )
 			static_cast<CQBindableCommandAction *>( pAction )->RefreshText();
 	}
 	m_pUndoHistoryWidget->SetUndoHistory( pNew ? pNew->GetDoc()->GetUndoHistory() : nullptr );
+	// The application keeps the working set; the pane shows it and the session's system.
+	m_pAssetPane->Refresh();
+	if ( pNew && pNew->GetAsset() )
+		m_pAssetPane->SelectAsset( pNew->GetAsset() );
+	else
+		m_pAssetPane->ClearSelection();
 	if ( pNew && *pNew->GetFileName() )
 	{
 		CUtlString strTitle;
 		pNew->GetTitle( &strTitle, 0 );
 		setWindowTitle( QString::fromUtf8( strTitle.Get() ) );
-		// Paths are kept with backslashes in memory; show the user the path as it is on disk.
-		m_pStatusBar->showMessage( QString::fromUtf8( Host_DiskPath( pNew->GetFileName() ).Get() ) );
+		m_pStatusBar->showMessage( ShownPath( pNew->GetFileName() ) );
 	}
 	else
 	{
@@ -330,6 +463,9 @@ void CQZolMainWnd::SaveToolWindowSettings( KeyValues3 *pTable )
 void CQZolMainWnd::RestoreToolWindowSettings( const KeyValues3 *pTable )
 {
 	CQBaseEditorMdiWnd::RestoreToolWindowSettings( pTable );
+	// The docks stand where the saved state put them: the first showing keeps them there.
+	if ( m_bLayoutStateRestored )
+		m_bDefaultSizesPending = false;
 	if ( const KeyValues3 *pSettings = pTable ? pTable->FindMember( "property_editor_settings" ) : nullptr )
 		m_pPropertyWidget->GetPanel()->RestoreSettings( pSettings );
 }
@@ -337,6 +473,8 @@ void CQZolMainWnd::RestoreToolWindowSettings( const KeyValues3 *pTable )
 void CQZolMainWnd::ForgetSession( CZolSession *pSession )
 {
 	m_pFunctionList->ForgetSession( pSession );
+	// The application took its system out of the working set.
+	m_pAssetPane->Refresh();
 	if ( pSession && m_pPropertyWidget->GetSession() == pSession )
 		m_pPropertyWidget->SetSession( nullptr );
 	if ( pSession && m_pDomain->GetSession() == pSession )

@@ -10,9 +10,13 @@
 #include "tools/toolutils2/widgets/baseeditorwnd/baseeditormdiwnd.h"
 
 class CQParticleFunctionList;
+class CQZolAssetPane;
+class CQInputBindEditor;
+class IAsset;
 class CQZolReferenceNavigatorWidget;
 class CQZolStaleVersionToolBar;
 class CQParticlePreview;
+class CQParticlePreviewControls;
 class CQZolPropertyWidget;
 class CZolKV3PropertyDomain;
 class CQUndoHistoryWidget;
@@ -42,6 +46,10 @@ public:
 	// The live preview in the middle.
 	CQParticlePreview *GetPreview() const { return m_pPreview; }
 	CQParticleFunctionList *GetFunctionList() const { return m_pFunctionList; }
+	CQParticlePreviewControls *GetPreviewControls() const { return m_pPreviewControls; }
+	QDockWidget *GetControlsDock() const { return m_pControlsDock; }
+	CQZolAssetPane *GetAssetPane() const { return m_pAssetPane; }
+	QDockWidget *GetAssetPaneDock() const { return m_pAssetPaneDock; }
 	QDockWidget *GetFunctionDock() const { return m_pFunctionDock; }
 	CQZolPropertyWidget *GetPropertyWidget() const { return m_pPropertyWidget; }
 	QDockWidget *GetPropertyDock() const { return m_pPropertyDock; }
@@ -57,6 +65,13 @@ public:
 	QAction *GetOpenDirectoryAction() const { return m_pOpenDirectoryAction; }
 	QAction *GetSaveAllAction() const { return m_pSaveAllAction; }
 	QAction *GetCloseAllAction() const { return m_pCloseAllAction; }
+	QMenu *GetViewMenu() const { return m_pViewMenu; }
+	QMenu *GetHelpMenu() const { return m_pHelpMenu; }
+	// The key bindings window, once "Show Key Bindings" made it; else null.
+	CQInputBindEditor *GetInputBindEditor() const { return m_pInputBindEditor; }
+	QMenu *GetRecentDirectoriesMenu() const { return m_pRecentDirectoriesMenu; }
+	// At most this many recent directories show in the submenu.
+	static constexpr int MAX_RECENT_DIRECTORIES_SHOWN = 10;
 
 	// Asset maintenance: the bar of a stale behaviour version over the preview, and the
 	// reference navigator's dock.
@@ -79,6 +94,13 @@ public slots:
 	void OnToggleWindwLock( bool bLocked );
 	// The property panel's notice of an edit: the function list shows what it changed.
 	void OnPropertyAttributeModified( const QString &name, int nModifyType );
+	// One selected system with a session that isn't shown: its session is shown.
+	void OnZolAssetPaneSelectionChanged();
+	void OnOpenSession( IAsset *pAsset );
+	void RebuildRecentDirectoriesSubmenu();
+	// Opens the table of every key binding, read again.
+	void ShowKeyBindings();
+	void LoadRecentDirectory( QAction *pAction );
 	// Shows the navigator, reads the modifier table again and rebuilds it.
 	void ShowReferenceNavigatorWidget();
 
@@ -87,25 +109,36 @@ protected:
 	void CreateFileMenu( QMenu *pMenu ) override;
 	void SaveToolWindowSettings( KeyValues3 *pTable ) override;
 	void RestoreToolWindowSettings( const KeyValues3 *pTable ) override;
+	void showEvent( QShowEvent *pEvent ) override;
 
 private:
+	// Shares the window's width out between the docks and the preview.
+	void ApplyDefaultDockSizes();
+
 	QDockWidget *MakeDock( const char *pTitle, const char *pObjectName, QWidget *pContent, int nWidth, int nHeight );
 	CZolSession *GetCurrentSession() const;
 	// The stale version bar, the navigator's dock and its View menu entry.
 	void CreateAssetMaintenanceChildren();
 
+	CQZolAssetPane *m_pAssetPane = nullptr;
 	QDockWidget *m_pAssetPaneDock = nullptr;
 	QDockWidget *m_pFunctionDock = nullptr;
 	QDockWidget *m_pControlsDock = nullptr;
 	QDockWidget *m_pUndoDock = nullptr;
 	QStatusBar *m_pStatusBar = nullptr;
 	CQParticleFunctionList *m_pFunctionList = nullptr;
+	CQParticlePreviewControls *m_pPreviewControls = nullptr;
 	// The property panel's domain; it is also the named value context of the shown
 	// session for the panels that add or pick variables.
 	std::unique_ptr<CZolKV3PropertyDomain> m_pDomain;
 	CQZolPropertyWidget *m_pPropertyWidget = nullptr;
 	QDockWidget *m_pPropertyDock = nullptr;
 	QMenu *m_pViewMenu = nullptr;
+	QMenu *m_pRecentDirectoriesMenu = nullptr;
+	QMenu *m_pHelpMenu = nullptr;
+	CQInputBindEditor *m_pInputBindEditor = nullptr;
+	// The default layout waits for the window's first showing to know its size.
+	bool m_bDefaultSizesPending = false;
 	QMenu *m_pEditMenu = nullptr;
 	QAction *m_EditActions[ EDIT_ACTION_COUNT ] = {};
 	CBindTargetProxy m_SessionTarget;

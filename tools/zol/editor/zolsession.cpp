@@ -27,6 +27,7 @@
 #include "zoldoc_lib/zolconfigurationreader.h"
 #include "tools/zol/editor/zolmainwnd.h"
 #include "zoldoc_lib/zolcontrolpointconfiguration.h"
+#include "zoldoc_lib/zolcontrolpointundo.h"
 #include "zoldoc_lib/zoldoc.h"
 #include "zoldoc_lib/zolnamedvaluecontext.h"
 #include "zoldoc_lib/zolnode.h"
@@ -55,6 +56,7 @@ CZolSession::~CZolSession()
 	m_EventMap.Detach( TOOL_EVENT_SLOT_DOCUMENT );
 	m_pNamedValueContext.reset();
 	m_pDoc.reset();
+	m_ControlPointUndoables.clear();
 	m_pControlPointState->Clear();
 	m_pControlPointState.reset();
 }
@@ -606,6 +608,41 @@ ZolControlPointConfiguration_t *CZolSession::GetCurrentConfiguration() const
 	return pRoot && !m_CurrentConfigName.IsEmpty() ? pRoot->FindConfiguration( m_CurrentConfigName ) : nullptr;
 }
 
+bool CZolSession::RenameCurrentConfiguration( const char *pName )
+{
+	CZolRootNode *pRoot = m_pDoc->GetRoot();
+	CUtlString strName( pName ? pName : "" );
+	strName.TrimWhitespace();
+	if ( !pRoot || m_CurrentConfigName.IsEmpty() || !pRoot->FindConfiguration( m_CurrentConfigName ) || strName.IsEmpty() ||
+		 strName.IsEqual_CaseInsensitive( m_CurrentConfigName ) || pRoot->FindConfiguration( strName ) )
+		return false;
+	CUtlString strDescription;
+	strDescription.Format( "Set Control Point Configuration Name '%s'", strName.Get() );
+	m_pDoc->BeginEdit( strDescription, true );
+	// The undo snapshot may make the records anew: find it by name again.
+	ZolControlPointConfiguration_t *pConfig = m_pDoc->GetRoot()->FindConfiguration( m_CurrentConfigName );
+	pConfig->m_KV3.SetMemberString( "m_name", strName );
+	m_CurrentConfigName = strName;
+	SendEvent( ZolEvent_ControlPointListChanged_t() );
+	return true;
+}
+
+void CZolSession::SelectConfigurationByName( const char *pName )
+{
+	if ( !pName || !*pName )
+	{
+		m_CurrentConfigName.Clear();
+		SendEvent( ZolEvent_ControlPointListChanged_t() );
+		return;
+	}
+	CZolRootNode *pRoot = m_pDoc->GetRoot();
+	ZolControlPointConfiguration_t *pConfig = pRoot ? pRoot->FindConfiguration( pName ) : nullptr;
+	if ( !pConfig || m_CurrentConfigName.IsEqual_CaseInsensitive( pConfig->GetName() ) )
+		return;
+	m_CurrentConfigName = pConfig->GetName();
+	SelectConfiguration( pConfig );
+}
+
 void CZolSession::SelectConfiguration( const ZolControlPointConfiguration_t *pConfig )
 {
 	if ( !pConfig )
@@ -707,30 +744,26 @@ bool CZolSession::SetPreviewModel( const char *pName, bool bForce )
 
 	CUtlString strError;
 	ParticleModelPtr_t pModel = strName.IsEmpty() ? nullptr : FindParticleModel( strName, &strError );
-	// A hitbox set the model lacks becomes its first set, or none.
-	CUtlVector<CUtlString> sets;
+	// A hitbox set or material group the model lacks becomes its first, or none.
+	std::vector<CUtlString> sets;
 	if ( pModel )
-	{
-		for ( const ParticleModelHitbox_t &hitbox : pModel->GetHitboxes() )
-		{
-			bool bKnown = false;
-			for ( const CUtlString &set : sets )
-				bKnown = bKnown || set.IsEqual_CaseInsensitive( hitbox.m_SetName );
-			if ( !bKnown )
-				sets.AddToTail( hitbox.m_SetName );
-		}
-	}
-	bool bSetKnown = false;
-	for ( const CUtlString &set : sets )
-		bSetKnown = bSetKnown || set.IsEqual_CaseInsensitive( m_PreviewState.m_hitboxSetName );
-	if ( !bSetKnown )
-		m_PreviewState.m_hitboxSetName = sets.IsEmpty() ? CUtlString() : sets[ 0 ];
-	// The model format has no material groups, body groups or sequences; an animation
-	// clip path stands on its own.
-	m_PreviewState.m_materialGroupName.Clear();
-	m_PreviewState.m_vecBodyGroups.clear();
-	if ( !m_PreviewState.m_bSequenceNameIsAnimClipPath )
-		m_PreviewState.m_sequenceName.Clear();
+		pModel->GetHitboxSetNames( &sets );
+	if ( !std::any_of( sets.begin(), sets.end(), [ this ]( const CUtlString &set ) { return set.IsEqual_CaseInsensitive( m_PreviewState.m_hitboxSetName ); } ) )
+		m_PreviewState.m_hitboxSetName = sets.empty() ? CUtlString() : sets[ 0 ];
+	if ( !pModel || !pModel->FindMaterialGroup( m_PreviewState.m_materialGroupName ) )
+		m_PreviewState.m_materialGroupName = pModel && !pModel->GetMaterialGroups().empty() ? pModel->GetMaterialGroups()[ 0 ].m_Name : CUtlString();
+	// Body groups the model doesn't have go.
+	std::vector<ParticlePreviewBodyGroup_t> &groups = m_PreviewState.m_vecBodyGroups;
+	groups.erase( std::remove_if( groups.begin(), groups.end(),
+					  [ &pModel ]( const ParticlePreviewBodyGroup_t &group ) {
+						  return !pModel || std::none_of( pModel->GetBodyGroups().begin(), pModel->GetBodyGroups().end(),
+											   [ &group ]( const ParticleModelBodyGroup_t &each ) { return each.m_Name.IsEqual_CaseInsensitive( group.m_bodyGroupName ); } );
+					  } ),
+		groups.end() );
+	// A sequence stays where the model has it (an animation clip path on its own);
+	// otherwise the model's first, or none.
+	if ( !m_PreviewState.m_bSequenceNameIsAnimClipPath && ( !pModel || !pModel->FindSequence( m_PreviewState.m_sequenceName ) ) )
+		m_PreviewState.m_sequenceName = pModel && !pModel->GetSequences().empty() ? pModel->GetSequences()[ 0 ].m_Name : CUtlString();
 	if ( !strName.IsEmpty() )
 		m_pControlPointState->ValidateAttachments();
 	// No items: only "none" stands.
@@ -770,6 +803,26 @@ int CZolSession::GetBodyGroup( const char *pName ) const
 			return group.m_nValue;
 	}
 	return 0;
+}
+
+void CZolSession::BeginControlPointEdit( const ParticleParamID_t &key, const char *pDescription )
+{
+	CUndoHistory *pHistory = m_pDoc ? m_pDoc->GetUndoHistory() : nullptr;
+	if ( !pHistory || key.IsNone() )
+		return;
+	std::unique_ptr<CZolControlPointUndoable> &pUndoable = m_ControlPointUndoables[ key ];
+	if ( !pUndoable )
+		pUndoable = std::make_unique<CZolControlPointUndoable>( m_pControlPointState.get(), key );
+	pHistory->BeginStep( pDescription );
+	pHistory->NoteModified( pUndoable.get() );
+}
+
+bool CZolSession::SetControlPointTransform( const ParticleParamID_t &key, const Vector &vPosition, const QAngle &angles, const char *pDescription )
+{
+	if ( m_pControlPointState->GetPosition( key ) == vPosition && m_pControlPointState->GetAngles( key ) == angles && m_pControlPointState->FindRecord( key ) )
+		return false;
+	BeginControlPointEdit( key, pDescription );
+	return m_pControlPointState->SetTransform( key, vPosition, angles );
 }
 
 void CZolSession::SetControlPointPersisted( const ParticleParamID_t &key, bool bPersisted )

@@ -21,6 +21,7 @@
 #include "zoldoc_lib/zolnamedvaluecache.h"
 
 class CZolApp;
+class CZolControlPointUndoable;
 class CZolChildNode;
 class CZolDoc;
 class IAsset;
@@ -87,6 +88,12 @@ public:
 	int GetControlPointEditMode( const ParticleParamID_t &key ) const { return m_pControlPointState->GetEditMode( key ); }
 	// Refuses a mode that doesn't fit the point's usage kind.
 	bool SetControlPointEditMode( const ParticleParamID_t &key, int nMode ) { return m_pControlPointState->SetEditMode( key, nMode ); }
+	// Opens one step of the document's undo history for a change of a point's preview
+	// settings (a gizmo drag, a typed position): undo puts the point back; the document
+	// itself doesn't change, nor its modified mark.
+	void BeginControlPointEdit( const ParticleParamID_t &key, const char *pDescription );
+	// A point's transform as one such step; false when nothing changed.
+	bool SetControlPointTransform( const ParticleParamID_t &key, const Vector &vPosition, const QAngle &angles, const char *pDescription );
 	// A pinned point keeps its transform across configurations and sessions; pinning takes
 	// the preview session's transform of it.
 	void SetControlPointPersisted( const ParticleParamID_t &key, bool bPersisted );
@@ -127,6 +134,12 @@ public:
 	// the undo step ("Commit Control Point And Preview State").
 	void StoreStateInConfiguration( ZolControlPointConfiguration_t *pConfig ) const;
 	ZolControlPointConfiguration_t *GetCurrentConfiguration() const;
+	// The current configuration takes a new name, as one undo step. Refused (false) for an
+	// empty name, the same name ignoring case, or a name another configuration has.
+	bool RenameCurrentConfiguration( const char *pName );
+	// A configuration other than the current one by name becomes current and takes effect;
+	// an empty name leaves none current. The document doesn't change.
+	void SelectConfigurationByName( const char *pName );
 	const char *GetCurrentConfigName() const { return m_CurrentConfigName.Get(); }
 	// The current state as a configuration on the clipboard ("ControlPointConfiguration"
 	// in KV3 text of the format "generic"); the document doesn't change.
@@ -214,6 +227,8 @@ private:
 	bool m_bUsageFromResource = false;
 	// Owns the known control points as well: the state's rules all depend on them.
 	std::unique_ptr<CZolControlPointState> m_pControlPointState;
+	// One undoable object per key moved so far; they outlive the document's history.
+	std::unordered_map<ParticleParamID_t, std::unique_ptr<CZolControlPointUndoable>, ParticleParamIDHash_t> m_ControlPointUndoables;
 	ParticleParamID_t m_SelectedControlPoint;
 	CUtlString m_CurrentConfigName;
 	CUtlString m_EntityModels[ 3 ];

@@ -9,6 +9,7 @@
 #include <QScreen>
 #include <QWindow>
 
+#include "core/host/hostpaths.h"
 #include "core/kv3/keyvalues3.h"
 #include "core/logging/logging.h"
 #include "core/text/strtools.h"
@@ -18,8 +19,9 @@
 #include "tools/toolutils2/widgets/baseeditorwnd/gameimagepaths.h"
 #include "tools/toolutils2/widgets/baseeditorwnd/sessioncyclewidget.h"
 
-// Bumped when the dock layout changes so that old saved states are not applied.
-static constexpr int LAYOUT_VERSION = 1;
+// Bumped when the dock layout changes so that old saved states are not applied: a state of
+// another version is ignored and the window keeps its default layout.
+static constexpr int LAYOUT_VERSION = 2;
 static constexpr int MAX_RECENT_FILES_SHOWN = 10;
 
 static void ShowWaitCursor( bool bBusy )
@@ -113,7 +115,7 @@ void CQBaseEditorWnd::RebuildRecentFilesMenu()
 			QString shown = paths[ i ];
 			if ( shown.startsWith( prefix, Qt::CaseInsensitive ) )
 				shown = shown.mid( prefix.size() );
-			QAction *pAction = m_pRecentFilesMenu->addAction( QString( "&%1 - %2" ).arg( i + 1 ).arg( shown ) );
+			QAction *pAction = m_pRecentFilesMenu->addAction( QString( "&%1 - %2" ).arg( i + 1 ).arg( QString::fromUtf8( Host_DisplayPath( shown.toUtf8().constData() ).Get() ) ) );
 			pAction->setData( paths[ i ] );
 		}
 	}
@@ -275,8 +277,7 @@ void CQBaseEditorWnd::RestoreLayout( const KeyValues3 *pTable )
 	if ( !geometry.isEmpty() )
 		restoreGeometry( geometry );
 	QByteArray state = GetBase64( pTable, "state" );
-	if ( !state.isEmpty() )
-		restoreState( state, LAYOUT_VERSION );
+	m_bLayoutStateRestored = !state.isEmpty() && restoreState( state, LAYOUT_VERSION );
 	if ( const KeyValues3 *pFloating = pTable->FindMember( "floating" ) )
 	{
 		for ( QDockWidget *pDock : findChildren<QDockWidget *>() )

@@ -82,6 +82,8 @@ protected:
 	QAction *m_pFileCloseAction = nullptr;
 	QAction *m_pClearRecentFilesAction = nullptr;
 	QAction *m_pExitAction = nullptr;
+	// The last RestoreLayout put the docks where a saved state had them.
+	bool m_bLayoutStateRestored = false;
 
 private:
 	void BuildFileMenu();

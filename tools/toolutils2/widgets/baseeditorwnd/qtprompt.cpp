@@ -1,6 +1,7 @@
 #include "tools/toolutils2/widgets/baseeditorwnd/qtprompt.h"
 
 #include <QApplication>
+#include <QColorDialog>
 #include <QDialog>
 #include <QDialogButtonBox>
 #include <QFileDialog>
@@ -141,6 +142,16 @@ bool CQtPrompt::RunFileDialog( const PromptFileRequest_t &request, CUtlVector<CU
 	for ( const QString &name : chosen )
 		pChosen->AddToTail( CUtlString( name.toUtf8().constData() ) );
 	return !pChosen->IsEmpty();
+}
+
+bool CQtPrompt::PickColor( const char *pTitle, const Color &initial, Color *pChosen, void *pParentWindow )
+{
+	const QColor chosen = QColorDialog::getColor( QColor( initial.r(), initial.g(), initial.b(), initial.a() ), GetParent( pParentWindow ), QString::fromUtf8( pTitle ? pTitle : "" ) );
+	if ( !chosen.isValid() )
+		return false;
+	if ( pChosen )
+		pChosen->SetColor( chosen.red(), chosen.green(), chosen.blue(), chosen.alpha() );
+	return true;
 }
 
 bool CQtPrompt::PickItem( const PromptPickRequest_t &request, int *pChosen )

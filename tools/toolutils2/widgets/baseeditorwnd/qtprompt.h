@@ -16,6 +16,7 @@ public:
 	PromptButton_t Ask( const PromptQuestion_t &question ) override;
 	bool RunFileDialog( const PromptFileRequest_t &request, CUtlVector<CUtlString> *pChosen ) override;
 	bool PickItem( const PromptPickRequest_t &request, int *pChosen ) override;
+	bool PickColor( const char *pTitle, const Color &initial, Color *pChosen, void *pParentWindow = nullptr ) override;
 	void Beep() override;
 	using IPrompt::Ask;
 	using IPrompt::ShowMessage;

@@ -250,6 +250,21 @@ bool CQInputBindManager::eventFilter( QObject *pWatched, QEvent *pEvent )
 		break;
 	}
 
+	// Drags measure the pointer where its events put it: the cursor itself may lag behind
+	// or not move at all (events sent by tests, remote displays).
+	switch ( pEvent->type() )
+	{
+	case QEvent::MouseButtonPress:
+	case QEvent::MouseButtonDblClick:
+	case QEvent::MouseButtonRelease:
+	case QEvent::MouseMove:
+		m_LastEventGlobalPos = static_cast<QMouseEvent *>( pEvent )->globalPos();
+		m_bHasLastEventPos = true;
+		break;
+	default:
+		break;
+	}
+
 	if ( !AcceptsEventFor( pWidget ) || !IsFirstBindableReceiver( pWidget, pEvent ) )
 		return false;
 
@@ -262,9 +277,9 @@ bool CQInputBindManager::eventFilter( QObject *pWatched, QEvent *pEvent )
 			break;
 		m_PhysicalKeyState[ nCode ] = true;
 		m_Engine.SetKeyState( nCode, true );
-		m_Engine.HandleInputCode( nCode, INPUT_EVENT_PRESS, INPUT_EVENT_TRACK_ACTIVE | INPUT_EVENT_FROM_WIDGET );
-		m_LastCursorPos = QCursor::pos();
+		m_LastCursorPos = m_LastEventGlobalPos;
 		m_bHasLastCursorPos = true;
+		m_Engine.HandleInputCode( nCode, INPUT_EVENT_PRESS, INPUT_EVENT_TRACK_ACTIVE | INPUT_EVENT_FROM_WIDGET );
 		break;
 	}
 	case QEvent::MouseButtonDblClick:
@@ -329,6 +344,14 @@ bool CQInputBindManager::eventFilter( QObject *pWatched, QEvent *pEvent )
 	return false;
 }
 
+bool CQInputBindManager::GetPointerPosition( const QWidget *pWidget, QPoint *pPos ) const
+{
+	if ( !pWidget || !m_bHasLastEventPos )
+		return false;
+	*pPos = pWidget->mapFromGlobal( m_LastEventGlobalPos );
+	return true;
+}
+
 // ---------------------------------------------------------------------------------------
 // Frames
 
@@ -339,7 +362,7 @@ void CQInputBindManager::OnToolFrame()
 	if ( m_bMouseMoved )
 	{
 		m_bMouseMoved = false;
-		QPoint pos = QCursor::pos();
+		QPoint pos = m_bHasLastEventPos ? m_LastEventGlobalPos : QCursor::pos();
 		if ( m_bHasLastCursorPos )
 		{
 			flDeltaX = float( pos.x() - m_LastCursorPos.x() );

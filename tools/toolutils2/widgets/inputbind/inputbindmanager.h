@@ -45,6 +45,9 @@ public:
 	bool InvokeCommand( IBindTarget *pTarget, uint32_t nCommandToken );
 
 	CInputBindEngine &GetEngine() { return m_Engine; }
+	// Where the last mouse event of a registered widget put the pointer, in pWidget's
+	// coordinates; false before the first one.
+	bool GetPointerPosition( const QWidget *pWidget, QPoint *pPos ) const;
 	// The info at the end of every focus chain, "GlobalTopLevel".
 	CQBindableWidgetInfo *GetGlobalInfo() const { return m_pGlobalInfo; }
 
@@ -94,6 +97,8 @@ private:
 	bool m_PhysicalKeyState[ INPUT_CODE_COUNT ] = {};
 	bool m_bMouseMoved = false;
 	QPoint m_LastCursorPos;
+	QPoint m_LastEventGlobalPos;
+	bool m_bHasLastEventPos = false;
 	bool m_bHasLastCursorPos = false;
 	QPoint m_CaptureCursorPos;
 	bool m_bOverrideCursorSet = false;

@@ -11,6 +11,7 @@
 #include "core/host/iresourcesystem.h"
 #include "core/kv3/keyvalues3.h"
 #include "core/particles/iparticlesystemmgr.h"
+#include "core/host/hostpaths.h"
 #include "core/text/strtools.h"
 #include "tools/toolutils2/baseeditorapp/editorfilequeries.h"
 #include "tools/toolutils2/widgets/inputbind/bindablecommandaction.h"
@@ -272,9 +273,12 @@ void CQParticleFunctionList::UpdateTitle()
 	CUtlString strRelative;
 	if ( EditorFiles::MakeRelative( strPath, "CONTENT", &strRelative ) && !strRelative.IsEmpty() && strRelative.Get()[ 0 ] != '.' )
 		strPath = strRelative;
-	strPath.FixSlashes( '/' );
+	strPath = Host_DisplayPath( strPath );
 	const QString prefix = tr( "Now editing: " );
-	m_pTitle->SetText( prefix + QString::fromUtf8( strPath.Get() ), prefix.size() );
+	// The file's name stays readable longest; its folders give way first.
+	const QString path = QString::fromUtf8( strPath.Get() );
+	const QString name = QString::fromUtf8( V_UnqualifiedFileName( strPath.Get() ) );
+	m_pTitle->SetText( prefix + path, prefix.size(), name.size() );
 }
 
 // ---------------------------------------------------------------------------------------
