@@ -14,5 +14,10 @@
 		{
 			file	"zol/zol_particle_domains.fgd"
 		}
+		// Node descriptions of Pulse documents beyond the runtime's own: the domain's events.
+		"pulse_node_descriptions"
+		{
+			file	"pulse/pulse_base_events.fgd"
+		}
 	}
 }

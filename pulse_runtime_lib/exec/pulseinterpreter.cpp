@@ -582,8 +582,9 @@ void CPulseExecCursor::Invoke( const PulseInvokePlan_t &plan )
 void CPulseExecCursor::CallAsync( const PulseOpData_t &data )
 {
 	auto *pPlan = static_cast<const PulseCallPlan_t *>( data.m_pData );
+	// A call to a point of the graph has no target cell and passes nothing.
 	auto *pTarget = dynamic_cast<const CPulseCell_Inflow_BaseEntrypoint *>( pPlan->m_pTarget );
-	if ( !pTarget )
+	if ( !pTarget && pPlan->m_pTarget )
 		return;
 	PulseArgPack args;
 	for ( const PulseRegisterMapEntry_t &entry : pPlan->m_pCallInfo->m_RegisterMap.m_BoundIn )
@@ -594,7 +595,7 @@ void CPulseExecCursor::CallAsync( const PulseOpData_t &data )
 	CopyInheritedTags( pChild );
 	RunStart_t start;
 	start.m_pArgs = &args;
-	start.m_pRegisterMap = &pTarget->m_RegisterMap;
+	start.m_pRegisterMap = pTarget ? &pTarget->m_RegisterMap : nullptr;
 	pChild->Run( data.m_nA, data.m_nB, &start );
 	m_pInstance->EndCursorRun( pChild );
 }

@@ -20,83 +20,6 @@ namespace
 constexpr size_t MAX_OFFSET = 0xFFFF;
 constexpr int MAX_REGISTERS = 0x7FFF;
 
-// The typed form of a generic operator for its operand types. Unary forms leave the
-// second operand PVAL_VOID.
-struct TypedForm_t
-{
-	PulseInstructionCode_t m_eGeneric;
-	PulseValueType_t m_eLeft;
-	PulseValueType_t m_eRight;
-	PulseInstructionCode_t m_eTyped;
-	PulseValueType_t m_eResult;
-};
-
-constexpr TypedForm_t s_TypedForms[] = {
-	{ NEGATE, PVAL_INT, PVAL_VOID, NEGATE_INT, PVAL_INT },
-	{ NEGATE, PVAL_FLOAT, PVAL_VOID, NEGATE_FLOAT, PVAL_FLOAT },
-	{ NEGATE, PVAL_VEC2, PVAL_VOID, NEGATE_VEC2, PVAL_VEC2 },
-	{ NEGATE, PVAL_VEC3, PVAL_VOID, NEGATE_VEC3, PVAL_VEC3 },
-	{ NEGATE, PVAL_VEC4, PVAL_VOID, NEGATE_VEC4, PVAL_VEC4 },
-	{ ADD, PVAL_INT, PVAL_INT, ADD_INT, PVAL_INT },
-	{ ADD, PVAL_FLOAT, PVAL_FLOAT, ADD_FLOAT, PVAL_FLOAT },
-	{ ADD, PVAL_STRING, PVAL_STRING, ADD_STRING, PVAL_STRING },
-	{ ADD, PVAL_VEC2, PVAL_VEC2, ADD_VEC2, PVAL_VEC2 },
-	{ ADD, PVAL_VEC3, PVAL_VEC3, ADD_VEC3, PVAL_VEC3 },
-	{ ADD, PVAL_VEC3_WORLDSPACE, PVAL_VEC3, ADD_VEC3WS_VEC3, PVAL_VEC3_WORLDSPACE },
-	{ ADD, PVAL_VEC3, PVAL_VEC3_WORLDSPACE, ADD_VEC3_VEC3WS, PVAL_VEC3_WORLDSPACE },
-	{ ADD, PVAL_VEC4, PVAL_VEC4, ADD_VEC4, PVAL_VEC4 },
-	{ ADD, PVAL_GAMETIME, PVAL_FLOAT, ADD_GAMETIME_FLOAT, PVAL_GAMETIME },
-	{ ADD, PVAL_FLOAT, PVAL_GAMETIME, ADD_FLOAT_GAMETIME, PVAL_GAMETIME },
-	{ SUB, PVAL_INT, PVAL_INT, SUB_INT, PVAL_INT },
-	{ SUB, PVAL_FLOAT, PVAL_FLOAT, SUB_FLOAT, PVAL_FLOAT },
-	{ SUB, PVAL_VEC2, PVAL_VEC2, SUB_VEC2, PVAL_VEC2 },
-	{ SUB, PVAL_VEC3, PVAL_VEC3, SUB_VEC3, PVAL_VEC3 },
-	{ SUB, PVAL_VEC3_WORLDSPACE, PVAL_VEC3, SUB_VEC3WS_VEC3, PVAL_VEC3_WORLDSPACE },
-	{ SUB, PVAL_VEC3_WORLDSPACE, PVAL_VEC3_WORLDSPACE, SUB_VEC3WS_VEC3WS, PVAL_VEC3 },
-	{ SUB, PVAL_VEC4, PVAL_VEC4, SUB_VEC4, PVAL_VEC4 },
-	{ SUB, PVAL_GAMETIME, PVAL_FLOAT, SUB_GAMETIME_FLOAT, PVAL_GAMETIME },
-	{ SUB, PVAL_GAMETIME, PVAL_GAMETIME, SUB_GAMETIME, PVAL_FLOAT },
-	{ MUL, PVAL_INT, PVAL_INT, MUL_INT, PVAL_INT },
-	{ MUL, PVAL_FLOAT, PVAL_FLOAT, MUL_FLOAT, PVAL_FLOAT },
-	{ DIV, PVAL_FLOAT, PVAL_FLOAT, DIV_FLOAT, PVAL_FLOAT },
-	{ MOD, PVAL_INT, PVAL_INT, MOD_INT, PVAL_INT },
-	{ MOD, PVAL_FLOAT, PVAL_FLOAT, MOD_FLOAT, PVAL_FLOAT },
-	{ LT, PVAL_INT, PVAL_INT, LT_INT, PVAL_BOOL },
-	{ LT, PVAL_FLOAT, PVAL_FLOAT, LT_FLOAT, PVAL_BOOL },
-	{ LT, PVAL_GAMETIME, PVAL_GAMETIME, LT_GAMETIME, PVAL_BOOL },
-	{ LTE, PVAL_INT, PVAL_INT, LTE_INT, PVAL_BOOL },
-	{ LTE, PVAL_FLOAT, PVAL_FLOAT, LTE_FLOAT, PVAL_BOOL },
-	{ LTE, PVAL_GAMETIME, PVAL_GAMETIME, LTE_GAMETIME, PVAL_BOOL },
-#define PULSE_EQ_NE( type, suffix ) { EQ, type, type, EQ_##suffix, PVAL_BOOL }, { NE, type, type, NE_##suffix, PVAL_BOOL },
-	PULSE_EQ_NE( PVAL_BOOL, BOOL ) PULSE_EQ_NE( PVAL_INT, INT ) PULSE_EQ_NE( PVAL_FLOAT, FLOAT ) PULSE_EQ_NE( PVAL_VEC2, VEC2 )
-	PULSE_EQ_NE( PVAL_VEC3, VEC3 ) PULSE_EQ_NE( PVAL_VEC3_WORLDSPACE, VEC3WS ) PULSE_EQ_NE( PVAL_VEC4, VEC4 ) PULSE_EQ_NE( PVAL_STRING, STRING )
-	PULSE_EQ_NE( PVAL_ENTITY_NAME, ENTITY_NAME ) PULSE_EQ_NE( PVAL_SCHEMA_ENUM, SCHEMA_ENUM ) PULSE_EQ_NE( PVAL_EHANDLE, EHANDLE )
-	PULSE_EQ_NE( PVAL_VISTARA_PANEL_HANDLE, PANEL_HANDLE ) PULSE_EQ_NE( PVAL_OPAQUE_HANDLE, OPAQUE_HANDLE ) PULSE_EQ_NE( PVAL_TEST_HANDLE, TEST_HANDLE )
-	PULSE_EQ_NE( PVAL_COLOR_RGB, COLOR_RGB ) PULSE_EQ_NE( PVAL_ARRAY, ARRAY ) PULSE_EQ_NE( PVAL_GAMETIME, GAMETIME )
-#undef PULSE_EQ_NE
-	{ SCALE, PVAL_VEC3, PVAL_FLOAT, SCALE_VEC3, PVAL_VEC3 },
-	{ SCALE, PVAL_VEC2, PVAL_FLOAT, SCALE_VEC2, PVAL_VEC2 },
-	{ SCALE, PVAL_VEC4, PVAL_FLOAT, SCALE_VEC4, PVAL_VEC4 },
-	{ SCALE_INV, PVAL_VEC3, PVAL_FLOAT, SCALE_INV_VEC3, PVAL_VEC3 },
-	{ SCALE_INV, PVAL_VEC2, PVAL_FLOAT, SCALE_INV_VEC2, PVAL_VEC2 },
-	{ SCALE_INV, PVAL_VEC4, PVAL_FLOAT, SCALE_INV_VEC4, PVAL_VEC4 },
-	{ ELEMENT_ACCESS, PVAL_VEC2, PVAL_INT, ELEMENT_ACCESS_VEC2, PVAL_FLOAT },
-	{ ELEMENT_ACCESS, PVAL_VEC3, PVAL_INT, ELEMENT_ACCESS_VEC3, PVAL_FLOAT },
-	{ ELEMENT_ACCESS, PVAL_VEC3_WORLDSPACE, PVAL_INT, ELEMENT_ACCESS_VEC3WS, PVAL_FLOAT },
-	{ ELEMENT_ACCESS, PVAL_VEC4, PVAL_INT, ELEMENT_ACCESS_VEC4, PVAL_FLOAT },
-	{ ELEMENT_ACCESS, PVAL_COLOR_RGB, PVAL_INT, ELEMENT_ACCESS_COLOR_RGB, PVAL_INT },
-};
-
-const TypedForm_t *FindTypedForm( PulseInstructionCode_t eGeneric, PulseValueType_t eLeft, PulseValueType_t eRight )
-{
-	for ( const TypedForm_t &form : s_TypedForms )
-	{
-		if ( form.m_eGeneric == eGeneric && form.m_eLeft == eLeft && form.m_eRight == eRight )
-			return &form;
-	}
-	return nullptr;
-}
-
 bool IsGenericOperator( PulseInstructionCode_t eCode )
 {
 	return ( eCode >= NEGATE && eCode <= NE ) || ( eCode >= SCALE && eCode <= ELEMENT_ACCESS );
@@ -127,24 +50,6 @@ bool SameStorage( const CPulseValueFullType &a, const CPulseValueFullType &b )
 		return true;
 	const CPulseValueFullType *pA = a.GetElementType(), *pB = b.GetElementType();
 	return pA && pB && SameStorage( *pA, *pB );
-}
-
-// Types a value can have in a register, a variable or a constant.
-bool IsStorableType( const CPulseValueFullType &type )
-{
-	switch ( type.GetBaseType() )
-	{
-	case PVAL_VOID:
-	case PVAL_CURSOR_FLOW:
-	case PVAL_UNKNOWN:
-	case PVAL_COUNT: return false;
-	default:
-		if ( !PulseValueType_IsKnown( type.GetBaseType() ) )
-			return false;
-	}
-	if ( type.IsArray() )
-		return type.GetElementType() && type.GetElementType()->IsValid() && IsStorableType( *type.GetElementType() );
-	return true;
 }
 
 size_t AlignUp( size_t nValue, size_t nAlignment )
@@ -247,7 +152,7 @@ private:
 		{
 			const CPulse_Variable &var = m_Def.m_Vars[ i ];
 			CUtlString text, error;
-			if ( !IsStorableType( var.m_Type ) )
+			if ( !PulseGraphDef_IsStorableType( var.m_Type ) )
 				Error( "V%zu '%s': '%s' is not a type a variable can have", i, var.m_Name.String(), TypeText( var.m_Type, &text ) );
 			else if ( !CheckValue( var.m_Type, var.m_DefaultValue, &error ) )
 				Error( "V%zu '%s': the default value is no %s: %s", i, var.m_Name.String(), TypeText( var.m_Type, &text ), error.Get() );
@@ -260,7 +165,7 @@ private:
 		{
 			const CPulse_Constant &constant = m_Def.m_Constants[ i ];
 			CUtlString text, error;
-			if ( !IsStorableType( constant.m_Type ) )
+			if ( !PulseGraphDef_IsStorableType( constant.m_Type ) )
 				Error( "C%zu: '%s' is not a type a constant can have", i, TypeText( constant.m_Type, &text ) );
 			else if ( !CheckValue( constant.m_Type, constant.m_Value, &error ) )
 				Error( "constant %zu: the value is no %s: %s", i, TypeText( constant.m_Type, &text ), error.Get() );
@@ -272,7 +177,7 @@ private:
 		for ( size_t i = 0; i < m_Def.m_DomainValues.size(); ++i )
 		{
 			CUtlString text;
-			if ( !IsStorableType( m_Def.m_DomainValues[ i ].m_RequiredRuntimeType ) )
+			if ( !PulseGraphDef_IsStorableType( m_Def.m_DomainValues[ i ].m_RequiredRuntimeType ) )
 				Error( "DV%zu: '%s' is not a type a domain value can have", i, TypeText( m_Def.m_DomainValues[ i ].m_RequiredRuntimeType, &text ) );
 		}
 	}
@@ -373,6 +278,14 @@ private:
 			CUtlString where;
 			where.Format( "CallInfo%zu", i );
 			BindRegisterMap( call.m_RegisterMap, where );
+			// A call to a point of the graph (a loop body, a sequential branch) has no method:
+			// it runs in its own frame and comes back, with nothing passed either way.
+			if ( call.m_CallMethodID == -1 )
+			{
+				if ( !call.m_RegisterMap.m_BoundIn.empty() || !call.m_RegisterMap.m_BoundOut.empty() )
+					Error( "%s: a call to a point of the graph takes no arguments and gives no result", where.Get() );
+				continue;
+			}
 			const CPulseCell_Base *pTarget = m_Def.FindCellByEditorNodeID( call.m_CallMethodID );
 			auto *pMethod = dynamic_cast<const CPulseCell_Inflow_Method *>( pTarget );
 			if ( !pMethod )
@@ -452,7 +365,7 @@ private:
 			CUtlString text;
 			if ( reg.m_nReg != int( i ) )
 				Error( "C%d: register %zu says it is R%d", nChunk, i, reg.m_nReg );
-			if ( !IsStorableType( reg.m_Type ) )
+			if ( !PulseGraphDef_IsStorableType( reg.m_Type ) )
 				Error( "C%d: R%zu has '%s', not a type a register can hold", nChunk, i, TypeText( reg.m_Type, &text ) );
 			size_t nAlign = PulseValue_GetAlignment( reg.m_Type );
 			nOffset = AlignUp( nOffset, nAlign );
@@ -636,10 +549,12 @@ private:
 	// A call's arguments must reach the method's registers, and its result the caller's.
 	bool CheckCall( int nChunk, int nInstruction, const CPulse_CallInfo &call, int nTargetChunk, PulseCallPlan_t *pPlan )
 	{
+		pPlan->m_pCallInfo = &call;
+		if ( call.m_CallMethodID == -1 )
+			return call.m_RegisterMap.m_BoundIn.empty() && call.m_RegisterMap.m_BoundOut.empty(); // reported with the call infos
 		auto *pMethod = dynamic_cast<const CPulseCell_Inflow_Method *>( m_Def.FindCellByEditorNodeID( call.m_CallMethodID ) );
 		if ( !pMethod )
 			return false; // reported with the call infos
-		pPlan->m_pCallInfo = &call;
 		pPlan->m_pTarget = pMethod;
 		bool bOk = true;
 		for ( const PulseRegisterMapEntry_t &entry : call.m_RegisterMap.m_BoundIn )
@@ -757,9 +672,10 @@ private:
 			bool bUnary = eCode == NEGATE;
 			PulseValueType_t eLeft = RegType( nChunk, r1 ).GetBaseType();
 			PulseValueType_t eRight = bUnary ? PVAL_VOID : RegType( nChunk, r2 ).GetBaseType();
-			const TypedForm_t *pForm = FindTypedForm( eCode, eLeft, eRight );
+			PulseInstructionCode_t eTyped;
+			PulseValueType_t eResult;
 			CUtlString left, right;
-			if ( !pForm )
+			if ( !PulseInstructionCode_FindTypedForm( eCode, eLeft, eRight, &eTyped, &eResult ) )
 			{
 				if ( bUnary )
 					InstructionError( nChunk, nInstruction, "no typed form for %s", TypeText( RegType( nChunk, r1 ), &left ) );
@@ -767,16 +683,16 @@ private:
 					InstructionError( nChunk, nInstruction, "no typed form for %s and %s", TypeText( RegType( nChunk, r1 ), &left ), TypeText( RegType( nChunk, r2 ), &right ) );
 				return eCode;
 			}
-			if ( pForm->m_eLeft == PVAL_ARRAY && RegType( nChunk, r1 ) != RegType( nChunk, r2 ) )
+			if ( eLeft == PVAL_ARRAY && RegType( nChunk, r1 ) != RegType( nChunk, r2 ) )
 			{
 				InstructionError( nChunk, nInstruction, "compares %s with %s", TypeText( RegType( nChunk, r1 ), &left ), TypeText( RegType( nChunk, r2 ), &right ) );
 				return eCode;
 			}
-			if ( !ExpectType( nChunk, nInstruction, "the result", r0, pForm->m_eResult ) )
+			if ( !ExpectType( nChunk, nInstruction, "the result", r0, eResult ) )
 				return eCode;
-			pOp->m_nCode = int16_t( pForm->m_eTyped );
+			pOp->m_nCode = int16_t( eTyped );
 			pData->m_pType = &RegType( nChunk, r1 );
-			return pForm->m_eTyped;
+			return eTyped;
 		}
 
 		switch ( eCode )
@@ -1055,6 +971,23 @@ private:
 	int m_nErrors = 0;
 	std::vector<std::pair<int, int>> m_PendingConstantOps;
 };
+
+bool PulseGraphDef_IsStorableType( const CPulseValueFullType &type )
+{
+	switch ( type.GetBaseType() )
+	{
+	case PVAL_VOID:
+	case PVAL_CURSOR_FLOW:
+	case PVAL_UNKNOWN:
+	case PVAL_COUNT: return false;
+	default:
+		if ( !PulseValueType_IsKnown( type.GetBaseType() ) )
+			return false;
+	}
+	if ( type.IsArray() )
+		return type.GetElementType() && type.GetElementType()->IsValid() && PulseGraphDef_IsStorableType( *type.GetElementType() );
+	return true;
+}
 
 bool PulseGraphDef_Bind( CPulseGraphDef *pDef, PulseGraphMessages_t *pMessages )
 {

@@ -18,3 +18,7 @@ bool PulseGraphDef_Bind( CPulseGraphDef *pDef, PulseGraphMessages_t *pMessages )
 // The whole check of a compiler's output in one call: loads the KV3 form and binds it.
 // True when it would run; pMessages gets every error and warning, one per entry.
 bool PulseGraphDef_Validate( const KeyValues3 &root, std::vector<CUtlString> *pMessages );
+
+// Types a value can have in a register, a variable or a constant: known, with storage,
+// and for an array an element type that is one too.
+bool PulseGraphDef_IsStorableType( const CPulseValueFullType &type );

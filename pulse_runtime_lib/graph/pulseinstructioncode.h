@@ -7,6 +7,7 @@
 #include <cstdint>
 
 #include "core/schema/schemadeclare.h"
+#include "pulse_runtime_lib/valuetypes/pulsevaluetype.h"
 
 // Operand fields an instruction reads.
 enum PulseOperand_t : uint16_t
@@ -187,3 +188,9 @@ uint16_t PulseInstructionCode_GetOperands( int nCode );
 PulseInstructionCode_t PulseInstructionCode_GetGeneric( PulseInstructionCode_t eCode );
 // A code that compilers emit and files may hold.
 inline bool PulseInstructionCode_IsStored( int nCode ) { return nCode >= 0 && nCode < PULSE_LAST_SERIALIZED_CODE; }
+// The typed form binding makes of a generic operator (NEGATE, ADD .. NE, SCALE,
+// SCALE_INV, ELEMENT_ACCESS) for its operands' base types, with the result's type; a
+// unary operator passes PVAL_VOID on the right. False when there is none: binding refuses
+// such an instruction, so compilers refuse it first.
+bool PulseInstructionCode_FindTypedForm( PulseInstructionCode_t eGeneric, PulseValueType_t eLeft, PulseValueType_t eRight, PulseInstructionCode_t *pTyped,
+										 PulseValueType_t *pResult );

@@ -463,6 +463,40 @@ TEST_F( PulseExecTest, ScopedTagsLeaveWithTheCallOnePerReturn )
 	EXPECT_EQ( g_Probe.m_nTagCount, 1 );
 }
 
+// A call to a point of the graph (m_CallMethodID -1) runs in a frame of its own and
+// comes back; in the same chunk the callee sees the caller's registers, and what it
+// writes there is gone after the return.
+TEST_F( PulseExecTest, ACallToAPointInTheSameChunkSeesTheCallersRegistersAndComesBack )
+{
+	CBasePulseGraphInstance &instance = Start( R"({ m_Chunks = [ { m_Instructions = [
+			{ m_nCode = "GET_CONST" m_nReg0 = 0 m_nConstIdx = 0 },
+			{ m_nCode = "PULSE_CALL_SYNC" m_nChunk = 0 m_nDestInstruction = 4 m_nCallInfoIndex = 0 },
+			{ m_nCode = "CELL_INVOKE" m_nInvokeBindingIndex = 0 },
+			{ m_nCode = "RETURN_VOID" },
+			{ m_nCode = "CELL_INVOKE" m_nInvokeBindingIndex = 0 },
+			{ m_nCode = "GET_CONST" m_nReg0 = 0 m_nConstIdx = 1 },
+			{ m_nCode = "RETURN_VOID" } ]
+		m_Registers = [ { m_nReg = 0 m_Type = "PVAL_STRING" } ] } ]
+		m_Cells = [ { _class = "CPulseCell_Inflow_Method" m_EntryChunk = 0 m_MethodName = "Main" }, { _class = "CPulseCell_Step_DebugLog" } ]
+		m_InvokeBindings = [ { m_RegisterMap = { m_Inparams = { pText = 0 } } m_FuncName = "Run" m_nCellIndex = 1 } ]
+		m_CallInfos = [ { m_PortName = "Call" } ]
+		m_Constants = [ { m_Type = "PVAL_STRING" m_Value = "before" }, { m_Type = "PVAL_STRING" m_Value = "inside" } ] })" );
+	instance.RunMethod( "Main", nullptr );
+	ASSERT_EQ( m_System.GetGraphLog().size(), 2u );
+	EXPECT_STREQ( m_System.GetGraphLog()[ 0 ].Get(), "before" );
+	EXPECT_STREQ( m_System.GetGraphLog()[ 1 ].Get(), "before" );
+	EXPECT_EQ( m_System.GetCompletedCursorCount( PulseCursorExecResult_t::Succeeded ), 1 );
+}
+
+TEST( PulseBinderTest, ACallToAPointPassesNothing )
+{
+	EXPECT_EQ( RefusalOf( R"({ m_Chunks = [ { m_Instructions = [ { m_nCode = "PULSE_CALL_SYNC" m_nChunk = 0 m_nDestInstruction = 1 m_nCallInfoIndex = 0 }, { m_nCode = "RETURN_VOID" } ]
+		m_Registers = [ { m_nReg = 0 m_Type = "PVAL_INT" } ] } ]
+		m_Cells = [ { _class = "CPulseCell_Inflow_Method" m_EntryChunk = 0 m_MethodName = "Main" } ]
+		m_CallInfos = [ { m_RegisterMap = { m_Inparams = { x = 0 } } } ] })" ),
+			   "CallInfo0: a call to a point of the graph takes no arguments and gives no result\n" );
+}
+
 // ---- Poison
 
 TEST_F( PulseExecTest, RunawayCursorCreationPoisonsTheInstanceForGood )

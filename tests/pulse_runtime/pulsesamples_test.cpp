@@ -9,82 +9,28 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <sstream>
 #include <string>
 #include <vector>
 
 #include "pulse_runtime_lib/graph/pulsegraphbinder.h"
 #include "pulse_runtime_lib/system/pulsegraphrunner.h"
+#include "tests/support/pulseexpectedrun.h"
 
 namespace
 {
 const std::filesystem::path s_Source( ZOL_SOURCE_DIR );
 
-struct ExpectedRun_t
-{
-	std::string m_Name;
-	std::vector<std::string> m_Command; // after "zol pulse"
-	bool m_bFails = false;
-	std::vector<std::string> m_Lines;
-};
-
-ExpectedRun_t ReadExpected( const std::filesystem::path &path )
-{
-	ExpectedRun_t expected;
-	expected.m_Name = path.filename().string();
-	std::ifstream file( path );
-	std::string line;
-	while ( std::getline( file, line ) )
-	{
-		if ( line.rfind( "# zol pulse ", 0 ) == 0 )
-		{
-			std::istringstream words( line.substr( 12 ) );
-			for ( std::string word; words >> word; )
-				expected.m_Command.push_back( word );
-		}
-		else if ( line == "# exit 1" )
-			expected.m_bFails = true;
-		else
-			expected.m_Lines.push_back( line );
-	}
-	return expected;
-}
+using ExpectedRun_t = ExpectedPulseRun_t;
 
 std::vector<ExpectedRun_t> AllExpected( const char *pExtension )
 {
-	std::vector<ExpectedRun_t> runs;
-	for ( const auto &entry : std::filesystem::directory_iterator( s_Source / "tests/pulse_runtime/expected" ) )
-	{
-		if ( entry.path().extension() == pExtension )
-			runs.push_back( ReadExpected( entry.path() ) );
-	}
-	std::sort( runs.begin(), runs.end(), []( const ExpectedRun_t &a, const ExpectedRun_t &b ) { return a.m_Name < b.m_Name; } );
-	return runs;
+	return AllExpectedPulseRuns( s_Source / "tests/pulse_runtime/expected", pExtension );
 }
 
 std::string NameOf( const testing::TestParamInfo<ExpectedRun_t> &info )
 {
 	std::string name = std::filesystem::path( info.param.m_Name ).stem().string();
 	return name;
-}
-
-// The options of a command line, as `zol pulse run` reads them.
-PulseRunOptions_t ParseOptions( const std::vector<std::string> &command )
-{
-	PulseRunOptions_t options;
-	for ( size_t i = 2; i + 1 < command.size(); i += 2 )
-	{
-		const std::string &option = command[ i ], &value = command[ i + 1 ];
-		if ( option == "--method" || option == "--event" )
-			options.m_Requests.push_back( { option == "--method" ? PulseRunRequest_t::METHOD : PulseRunRequest_t::EVENT, CUtlString( value.c_str() ), {} } );
-		else if ( option == "--arg" )
-			options.m_Requests.back().m_Args.emplace_back( CUtlString( value.substr( 0, value.find( '=' ) ).c_str() ), CUtlString( value.substr( value.find( '=' ) + 1 ).c_str() ) );
-		else if ( option == "--seconds" )
-			options.m_flSeconds = atof( value.c_str() );
-		else if ( option == "--dt" )
-			options.m_flStep = atof( value.c_str() );
-	}
-	return options;
 }
 
 std::string ResourceName( const std::string &path )
@@ -108,7 +54,7 @@ TEST_P( PulseSampleRunTest, LogsTheExpectedLines )
 	EXPECT_TRUE( messages.m_Warnings.empty() ) << messages.ToText().Get();
 
 	PulseRunResult_t result;
-	bool bOk = PulseRunGraph( hDef, ParseOptions( expected.m_Command ), &result );
+	bool bOk = PulseRunGraph( hDef, PulseRunOptionsOf( expected.m_Command ), &result );
 	EXPECT_EQ( bOk, !expected.m_bFails ) << result.m_Reason.Get();
 	EXPECT_FALSE( result.m_bRefused ) << result.m_Reason.Get();
 	std::vector<std::string> lines;

@@ -1,6 +1,8 @@
-// zol pulse check|disasm|run FILE: compiled Pulse graphs ("*.tpulsec") from the command
-// line. check loads and validates only; disasm prints the definition's text form; run
-// runs it on a virtual clock and prints every line the graph logs.
+// zol pulse check|compile|disasm|run|fmt FILE: Pulse documents ("*.tpulse") and compiled
+// graphs ("*.tpulsec") from the command line, told apart by their root's class. check
+// validates (a document: and compiles); compile writes a document's compiled graph;
+// disasm prints a graph's text form; run runs it on a virtual clock and prints every line
+// the graph logs; fmt prints a document as it saves.
 
 #include <cstdio>
 #include <cstdlib>
@@ -8,17 +10,27 @@
 #include <filesystem>
 #include <string>
 
+#include "core/host/safefilewrite.h"
+#include "core/kv3/kv3serialize.h"
 #include "core/logging/logging.h"
 #include "pulse_runtime_lib/graph/pulsegraphbinder.h"
 #include "pulse_runtime_lib/system/pulsegraphrunner.h"
+#include "pulsedoc_lib/compiler/pulsegraphcompiler.h"
+#include "pulsedoc_lib/model/pulsedoc.h"
+#include "pulsedoc_lib/model/pulsedocmessages.h"
+#include "pulsedoc_lib/model/pulsenodedescriptions.h"
+#include "tools/zol/cli/cliargs.h"
 #include "tools/zol/cli/clicommand.h"
+#include "tools/zol/cli/clipulse.h"
 
 namespace
 {
 const char *const s_pUsage =
 	"usage: zol pulse check FILE...\n"
+	"       zol pulse compile DOC [-o OUT] [--verbosity N]\n"
 	"       zol pulse disasm FILE\n"
-	"       zol pulse run FILE [--method NAME] [--event NAME] [--arg NAME=VALUE]... [--seconds S] [--dt D]\n";
+	"       zol pulse run FILE [--method NAME] [--event NAME] [--arg NAME=VALUE]... [--seconds S] [--dt D]\n"
+	"       zol pulse fmt DOC\n";
 
 int Usage( const char *pProblem )
 {
@@ -26,51 +38,106 @@ int Usage( const char *pProblem )
 	return 2;
 }
 
-// Reports name a graph by its path below the content root ("pulse/samples/hello.tpulsec"),
-// or as given when it lies elsewhere.
-std::string ResourceName( const char *pPath )
-{
-	std::filesystem::path absolute = std::filesystem::absolute( pPath ).lexically_normal();
-	for ( std::filesystem::path dir = absolute.parent_path(); dir.has_relative_path(); dir = dir.parent_path() )
-	{
-		if ( dir.filename() == "content" )
-			return absolute.lexically_relative( dir ).generic_string();
-	}
-	return pPath;
-}
-
-void PrintMessages( const char *pPath, const std::vector<CUtlString> &messages )
-{
-	for ( const CUtlString &message : messages )
-		fprintf( stderr, "%s: %s\n", pPath, message.Get() );
-}
-
-// Loads and binds; on refusal prints every reason and answers null.
-CPulseGraphDefHandle LoadGraph( const char *pPath, PulseGraphMessages_t *pMessages )
-{
-	CPulseGraphDefHandle hDef = PulseGraphDef_LoadFile( pPath, ResourceName( pPath ).c_str(), pMessages );
-	PrintMessages( pPath, pMessages->m_Errors );
-	PrintMessages( pPath, pMessages->m_Warnings );
-	return hDef;
-}
-
 int RunCheck( int argc, char **argv )
 {
 	int nStatus = 0;
 	for ( int i = 2; i < argc; ++i )
 	{
-		PulseGraphMessages_t messages;
-		if ( !LoadGraph( argv[ i ], &messages ) )
+		if ( !ZolCliLoadPulseGraph( argv[ i ] ) )
 			nStatus = 1;
 	}
 	return nStatus;
 }
 
+int RunCompile( int argc, char **argv )
+{
+	const char *pPath = nullptr, *pOut = nullptr;
+	long long nVerbosity = 0;
+	for ( int i = 2; i < argc; ++i )
+	{
+		if ( strcmp( argv[ i ], "-o" ) == 0 && i + 1 < argc )
+			pOut = argv[ ++i ];
+		else if ( strcmp( argv[ i ], "--verbosity" ) == 0 && i + 1 < argc )
+		{
+			if ( !ZolCliParseInt( argv[ ++i ], 0, 2, &nVerbosity ) )
+				return Usage( "--verbosity takes 0, 1 or 2" );
+		}
+		else if ( argv[ i ][ 0 ] == '-' )
+			return Usage( ( std::string( "unknown or incomplete option " ) + argv[ i ] ).c_str() );
+		else if ( !pPath )
+			pPath = argv[ i ];
+		else
+			return Usage( "compile takes one document" );
+	}
+	if ( !pPath )
+		return Usage( "no document given" );
+	std::string content;
+	ZolCliPulseFileKind_t eKind = ZolCliPulseFileKind( pPath, &content );
+	if ( eKind == ZOL_PULSE_FILE_UNREADABLE )
+		return 1;
+	if ( eKind != ZOL_PULSE_FILE_DOCUMENT )
+	{
+		fprintf( stderr, "%s: not a Pulse document (its root is no 'CPulseDoc_Root'); compile takes a document\n", pPath );
+		return 1;
+	}
+	PulseDocCompileResult_t result;
+	if ( !ZolCliCompilePulseDocument( pPath, content, &result, int( nVerbosity ) ) )
+		return 1;
+	CUtlString text;
+	if ( !SaveKV3ToString( &result.m_Definition, &text, KV3_FORMAT_GENERIC ) )
+	{
+		fprintf( stderr, "%s: the compiled graph could not be written as KV3 text\n", pPath );
+		return 1;
+	}
+	if ( !pOut )
+	{
+		fputs( text.Get(), stdout );
+		return 0;
+	}
+	CUtlString error;
+	if ( !SafeWriteFile( pOut, text.Get(), text.Length(), &error ) )
+	{
+		fprintf( stderr, "zol pulse compile: %s\n", error.Get() );
+		return 1;
+	}
+	return 0;
+}
+
+int RunFormat( const char *pPath )
+{
+	std::string content;
+	ZolCliPulseFileKind_t eKind = ZolCliPulseFileKind( pPath, &content );
+	if ( eKind == ZOL_PULSE_FILE_UNREADABLE )
+		return 1;
+	if ( eKind != ZOL_PULSE_FILE_DOCUMENT )
+	{
+		fprintf( stderr, "%s: not a Pulse document (its root is no 'CPulseDoc_Root')\n", pPath );
+		return 1;
+	}
+	CPulseNodeDescriptions descriptions;
+	CUtlString report;
+	descriptions.LoadGameDescriptions( ZolCliGameRootFor( pPath ).c_str(), &report );
+	CPulseDoc doc( &descriptions );
+	CPulseDocMessages messages;
+	bool bLoaded = doc.LoadText( content.data(), content.size(), &messages );
+	for ( const PulseDocMessage_t &message : messages.GetMessages() )
+		fprintf( stderr, "%s: %s\n", pPath, message.ToText().Get() );
+	CUtlString text, error;
+	if ( !bLoaded || !doc.SaveText( &text, &error ) )
+	{
+		if ( !error.IsEmpty() )
+			fprintf( stderr, "%s: %s\n", pPath, error.Get() );
+		return 1;
+	}
+	fputs( text.Get(), stdout );
+	return 0;
+}
+
 int RunDisasm( const char *pPath )
 {
 	// A definition that binding refuses still prints as it was loaded, then its faults.
+	CPulseGraphDefHandle hDef = ZolCliLoadPulseGraph( pPath, false );
 	PulseGraphMessages_t messages;
-	CPulseGraphDefHandle hDef = PulseGraphDef_LoadFile( pPath, ResourceName( pPath ).c_str(), &messages, false );
 	bool bBound = hDef && PulseGraphDef_Bind( hDef.Get(), &messages );
 	if ( hDef )
 	{
@@ -79,8 +146,11 @@ int RunDisasm( const char *pPath )
 		fputs( dump.Get(), stdout );
 		fflush( stdout );
 	}
-	PrintMessages( pPath, messages.m_Errors );
-	PrintMessages( pPath, messages.m_Warnings );
+	for ( const std::vector<CUtlString> *pList : { &messages.m_Errors, &messages.m_Warnings } )
+	{
+		for ( const CUtlString &message : *pList )
+			fprintf( stderr, "%s: %s\n", pPath, message.Get() );
+	}
 	return bBound ? 0 : 1;
 }
 
@@ -149,8 +219,7 @@ int RunRun( int argc, char **argv )
 	if ( !pPath )
 		return Usage( "no file given" );
 
-	PulseGraphMessages_t messages;
-	CPulseGraphDefHandle hDef = LoadGraph( pPath, &messages );
+	CPulseGraphDefHandle hDef = ZolCliLoadPulseGraph( pPath );
 	if ( !hDef )
 		return 1;
 	if ( options.m_Requests.empty() )
@@ -183,6 +252,10 @@ int RunPulse( int argc, char **argv )
 		return Usage( "give a subcommand and a file" );
 	if ( strcmp( argv[ 1 ], "check" ) == 0 )
 		return RunCheck( argc, argv );
+	if ( strcmp( argv[ 1 ], "compile" ) == 0 )
+		return RunCompile( argc, argv );
+	if ( strcmp( argv[ 1 ], "fmt" ) == 0 )
+		return argc == 3 ? RunFormat( argv[ 2 ] ) : Usage( "fmt takes one document" );
 	if ( strcmp( argv[ 1 ], "disasm" ) == 0 )
 		return argc == 3 ? RunDisasm( argv[ 2 ] ) : Usage( "disasm takes one file" );
 	if ( strcmp( argv[ 1 ], "run" ) == 0 )
@@ -191,5 +264,6 @@ int RunPulse( int argc, char **argv )
 }
 } // namespace
 
-static CZolCliCommandRegistrar s_PulseCommand( { "pulse", "pulse check|disasm|run FILE ...",
-												 "loads and validates compiled Pulse graphs (check), prints one as text (disasm) or runs it (run)", RunPulse } );
+static CZolCliCommandRegistrar s_PulseCommand( { "pulse", "pulse check|compile|disasm|run|fmt FILE ...",
+												 "checks Pulse documents and compiled graphs, compiles a document, prints a graph as text, runs one, prints a document as it saves",
+												 RunPulse } );
