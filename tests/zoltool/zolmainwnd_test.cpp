@@ -26,6 +26,8 @@
 #include "tools/zol/editor/zolassetpane.h"
 #include "tools/toolutils2/widgets/inputbind/inputbindeditor.h"
 #include "tools/toolutils2/widgets/inputbind/inputbindmanager.h"
+#include "tools/toolutils2/widgets/inputbind/inputbindmenu.h"
+#include "tools/toolutils2/widgets/inputbind/inputdebugger.h"
 
 namespace fs = std::filesystem;
 
@@ -348,11 +350,11 @@ namespace
 
 TEST_F( ZolMainWndTest, HelpMenuShowsEveryLoadedKeyBinding )
 {
-	QMenu *pHelp = m_pWindow->GetHelpMenu();
+	CQInputBindMenu *pHelp = m_pWindow->GetHelpMenu();
 	ASSERT_NE( pHelp, nullptr );
 	ASSERT_EQ( m_pWindow->menuBar()->actions().last(), pHelp->menuAction() );
-	QAction *pShow = pHelp->actions().value( 0 );
-	ASSERT_NE( pShow, nullptr );
+	QAction *pShow = pHelp->GetKeyBindingsAction();
+	ASSERT_EQ( pHelp->actions().value( 1 ), pShow );
 	EXPECT_EQ( pShow->text(), QStringLiteral( "Show Key Bindings" ) );
 	ClickEntry( pHelp, pShow );
 	CQInputBindEditor *pEditor = m_pWindow->GetInputBindEditor();
@@ -364,6 +366,26 @@ TEST_F( ZolMainWndTest, HelpMenuShowsEveryLoadedKeyBinding )
 	// A second time shows the same window.
 	ClickEntry( pHelp, pShow );
 	EXPECT_EQ( m_pWindow->GetInputBindEditor(), pEditor );
+}
+
+TEST_F( ZolMainWndTest, HelpMenuOpensTheInputDebuggerOfTheEditor )
+{
+	CQInputBindMenu *pHelp = m_pWindow->GetHelpMenu();
+	QAction *pDebugger = nullptr;
+	for ( QAction *pAction : pHelp->actions() )
+	{
+		if ( pAction->text() == QStringLiteral( "Input Debugger" ) )
+			pDebugger = pAction;
+	}
+	ASSERT_NE( pDebugger, nullptr );
+	ClickEntry( pHelp, pDebugger );
+	CQInputDebugger *pWindow = m_pWindow->GetInputDebugger();
+	ASSERT_NE( pWindow, nullptr );
+	EXPECT_TRUE( pWindow->isVisible() );
+	EXPECT_EQ( pWindow->windowTitle(), QStringLiteral( "Input Debugger [Zol]" ) );
+	EXPECT_EQ( CQInputBindManager::Get()->GetEngine().GetTraceListener(), pWindow );
+	pWindow->close();
+	EXPECT_EQ( CQInputBindManager::Get()->GetEngine().GetTraceListener(), nullptr );
 }
 
 } // namespace
