@@ -20,7 +20,7 @@ CQInputBindCommandList::CQInputBindCommandList( QWidget *pParent ) : QWidget( pP
 	m_pFilter = new CQBindNameFilterWidget( this );
 	pLayout->addWidget( m_pFilter );
 	m_pList = new QListWidget( this );
-	m_pList->setMinimumSize( 320, 240 );
+	m_pList->setMinimumSize( 440, 300 );
 	m_pList->setSelectionMode( QAbstractItemView::SingleSelection );
 	pLayout->addWidget( m_pList, 1 );
 	setFocusProxy( m_pFilter );

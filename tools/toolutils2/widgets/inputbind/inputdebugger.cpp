@@ -80,6 +80,7 @@ CQInputDebugger::CQInputDebugger( CQInputBindManager *pManager, const QString &s
 	pSplitter->addWidget( pRight );
 	pSplitter->setStretchFactor( 0, 1 );
 	pSplitter->setStretchFactor( 1, 1 );
+	pSplitter->setSizes( { 520, 580 } );
 	pLayout->addWidget( pSplitter, 1 );
 	resize( 1100, 640 );
 	// The chain changes with the focus even when no key is pressed.

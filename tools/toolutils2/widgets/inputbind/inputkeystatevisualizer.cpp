@@ -10,6 +10,9 @@ CQInputKeyStateVisualizer::CQInputKeyStateVisualizer( const CInputBindEngine *pE
 	QSizePolicy policy( QSizePolicy::Preferred, QSizePolicy::Preferred );
 	policy.setHeightForWidth( true );
 	setSizePolicy( policy );
+	QFont font = this->font();
+	font.setPointSizeF( font.pointSizeF() * 0.85 );
+	setFont( font );
 }
 
 QStringList CQInputKeyStateVisualizer::GetDownCodes() const
@@ -25,16 +28,13 @@ QStringList CQInputKeyStateVisualizer::GetDownCodes() const
 
 int CQInputKeyStateVisualizer::CellWidth() const
 {
-	// Wide enough for the longest code name.
-	int nWidest = 0;
-	for ( InputCode_t nCode = 0; nCode < INPUT_CODE_COUNT; ++nCode )
-		nWidest = std::max( nWidest, fontMetrics().horizontalAdvance( QString::fromUtf8( InputCodeName( nCode ) ) ) );
-	return nWidest + 8;
+	// Most names fit; the few long ones (double clicks) are shortened with an ellipsis.
+	return fontMetrics().horizontalAdvance( QStringLiteral( "Backspace" ) ) + 8;
 }
 
 int CQInputKeyStateVisualizer::CellHeight() const
 {
-	return fontMetrics().height() + 4;
+	return fontMetrics().height() + 2;
 }
 
 int CQInputKeyStateVisualizer::ColumnCount( int nWidth ) const
@@ -70,6 +70,7 @@ void CQInputKeyStateVisualizer::paintEvent( QPaintEvent * )
 		painter.setPen( pal.color( QPalette::Mid ) );
 		painter.drawRect( cell );
 		painter.setPen( bDown ? pal.color( QPalette::HighlightedText ) : pal.color( QPalette::Text ) );
-		painter.drawText( cell, Qt::AlignCenter, QString::fromUtf8( InputCodeName( nCode ) ) );
+		const QString strName = painter.fontMetrics().elidedText( QString::fromUtf8( InputCodeName( nCode ) ), Qt::ElideRight, cell.width() - 4 );
+		painter.drawText( cell, Qt::AlignCenter, strName );
 	}
 }
