@@ -352,7 +352,8 @@ TEST_F( ZolMainWndTest, HelpMenuShowsEveryLoadedKeyBinding )
 {
 	CQInputBindMenu *pHelp = m_pWindow->GetHelpMenu();
 	ASSERT_NE( pHelp, nullptr );
-	ASSERT_EQ( m_pWindow->menuBar()->actions().last(), pHelp->menuAction() );
+	ASSERT_EQ( m_pWindow->menuBar()->actions().last()->menu(), pHelp );
+	EXPECT_EQ( m_pWindow->menuBar()->actions().last()->text(), QStringLiteral( "&Help" ) );
 	QAction *pShow = pHelp->GetKeyBindingsAction();
 	ASSERT_EQ( pHelp->actions().value( 1 ), pShow );
 	EXPECT_EQ( pShow->text(), QStringLiteral( "Show Key Bindings" ) );

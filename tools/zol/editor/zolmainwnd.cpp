@@ -238,7 +238,11 @@ void CQZolMainWnd::CreateFileMenu( QMenu *pMenu )
 	QAction *pDebugger = new QAction( "Input Debugger", m_pHelpMenu );
 	connect( pDebugger, &QAction::triggered, this, &CQZolMainWnd::ShowInputDebugger );
 	m_pHelpMenu->insertAction( m_pHelpMenu->GetAboutAction(), pDebugger );
-	menuBar()->addMenu( m_pHelpMenu );
+	// A menu bar shows a menu's icon in place of its title: the bar's entry is an action of
+	// its own that opens the menu, so "Help" reads as a word.
+	QAction *pHelpEntry = new QAction( "&Help", this );
+	pHelpEntry->setMenu( m_pHelpMenu );
+	menuBar()->addAction( pHelpEntry );
 	UpdateEditMenu();
 }
 
