@@ -4,6 +4,7 @@
 
 #include <QAction>
 #include <QCheckBox>
+#include <QLabel>
 #include <QLineEdit>
 #include <QToolButton>
 
@@ -72,6 +73,23 @@ TEST_F( ZolPreviewTest, TheOpenSampleRunsAndTellsItsCounts )
 	m_pPreview->GetPlayButton()->setChecked( false );
 	Frames( 10 );
 	EXPECT_NEAR( pSystem->GetCollection()->GetCurrentTime(), 0.5f, 1e-3f );
+}
+
+TEST_F( ZolPreviewTest, TheCountsFitANarrowView )
+{
+	ASSERT_NE( Open( "particles/samples/fire.tfxs" ), nullptr );
+	Frames( 5 );
+	CQToolSceneWidget *pScene = m_pPreview->GetSceneWidget();
+	QLabel *pText = pScene->findChild<QLabel *>( "ToolSceneOverlayText" );
+	ASSERT_NE( pText, nullptr );
+	pScene->resize( 900, 500 );
+	const int nWide = pScene->GetOverlayTextPixels();
+	// The last column of counts stays inside the view however narrow it gets.
+	pScene->resize( 300, 500 );
+	EXPECT_LT( pScene->GetOverlayTextPixels(), nWide );
+	EXPECT_LE( pText->sizeHint().width(), pScene->width() - 8 );
+	pScene->resize( 900, 500 );
+	EXPECT_EQ( pScene->GetOverlayTextPixels(), nWide );
 }
 
 TEST_F( ZolPreviewTest, RestartCommandStartsOverAndClearsThePeak )

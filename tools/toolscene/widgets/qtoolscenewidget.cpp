@@ -1,6 +1,8 @@
 #include "tools/toolscene/widgets/qtoolscenewidget.h"
 
 #include <QFileInfo>
+#include <QFontInfo>
+#include <QFontMetrics>
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
@@ -9,6 +11,7 @@
 #include <QVBoxLayout>
 #include <QWheelEvent>
 
+#include <algorithm>
 #include <cmath>
 #include <typeinfo>
 
@@ -343,8 +346,38 @@ void CQToolSceneWidget::ClearOverlayIndicators()
 void CQToolSceneWidget::SetOverlayText( const QString &text )
 {
 	if ( m_pOverlayText->text() != text )
+	{
 		m_pOverlayText->setText( text );
+		FitOverlayText();
+	}
 	m_pOverlayText->setVisible( !text.isEmpty() );
+}
+
+void CQToolSceneWidget::FitOverlayText()
+{
+	// The counts are columns of a fixed-width text: in a narrow view the text gets smaller
+	// rather than losing its last column to the view's edge.
+	QFont font( "monospace" );
+	font.setStyleHint( QFont::TypeWriter );
+	const int nNaturalPixels = QFontInfo( font ).pixelSize();
+	int nWidest = 0;
+	const QFontMetrics metrics( font );
+	for ( const QString &line : m_pOverlayText->text().split( '\n' ) )
+		nWidest = std::max( nWidest, metrics.horizontalAdvance( line ) );
+	const int nRoom = width() - 16;
+	int nPixels = nNaturalPixels;
+	if ( nWidest > 0 && nRoom > 0 && nWidest > nRoom )
+		nPixels = std::max( 6, nNaturalPixels * nRoom / nWidest );
+	if ( nPixels == m_nOverlayTextPixels )
+		return;
+	m_nOverlayTextPixels = nPixels;
+	m_pOverlayText->setStyleSheet( QString( "color: #e8e8e8; font-family: monospace; font-size: %1px;" ).arg( nPixels ) );
+}
+
+void CQToolSceneWidget::resizeEvent( QResizeEvent *pEvent )
+{
+	QOpenGLWidget::resizeEvent( pEvent );
+	FitOverlayText();
 }
 
 QString CQToolSceneWidget::GetOverlayText() const

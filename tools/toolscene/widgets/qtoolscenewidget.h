@@ -80,6 +80,9 @@ public:
 	// IBindTarget: context "ToolSceneWidget".
 	const CBindTargetDescriptorBase *GetBindTargetDescriptor() const override;
 	void DebugToolScene();
+	// The information text's size in pixels: smaller than natural when the view is too
+	// narrow for its widest line.
+	int GetOverlayTextPixels() const { return m_nOverlayTextPixels; }
 
 protected:
 	void initializeGL() override;
@@ -90,11 +93,14 @@ protected:
 	void mouseReleaseEvent( QMouseEvent *pEvent ) override;
 	void wheelEvent( QWheelEvent *pEvent ) override;
 	void keyPressEvent( QKeyEvent *pEvent ) override;
+	void resizeEvent( QResizeEvent *pEvent ) override;
 
 private slots:
 	void OnAboutToDestroyContext();
 
 private:
+	void FitOverlayText();
+
 	enum DragMode_t
 	{
 		DRAG_NONE,
@@ -123,5 +129,6 @@ private:
 	int m_nNoContextIndicator = -1;
 	std::vector<QWidget *> m_Indicators;
 	QLabel *m_pOverlayText = nullptr;
+	int m_nOverlayTextPixels = 0;
 	QLabel *m_pMessage = nullptr;
 };
