@@ -318,3 +318,18 @@ TEST_F( QtInputDebugger, FocusChainListsEachTargetFromTheFocusOutwardsOrNoWidget
 }
 
 } // namespace
+
+namespace
+{
+TEST_F( QtInputBindMenu, GlobalShowInputDebuggerCommandOpensOneDebuggerOwnedByTheWindow )
+{
+	IBindTarget *pGlobal = CQInputBindManager::Get()->GetGlobalInfo()->GetTargets().GetTargets().front();
+	ASSERT_TRUE( CQInputBindManager::Get()->InvokeCommand( pGlobal, BindToken( "ShowInputDebugger" ) ) );
+	CQInputDebugger *pDebugger = m_pWindow->findChild<CQInputDebugger *>();
+	ASSERT_NE( pDebugger, nullptr );
+	EXPECT_TRUE( pDebugger->isVisible() );
+	EXPECT_TRUE( pDebugger->isWindow() );
+	ASSERT_TRUE( CQInputBindManager::Get()->InvokeCommand( pGlobal, BindToken( "ShowInputDebugger" ) ) );
+	EXPECT_EQ( m_pWindow->findChildren<CQInputDebugger *>().size(), 1 ) << "the open one is shown again";
+}
+} // namespace

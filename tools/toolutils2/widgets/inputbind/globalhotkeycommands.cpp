@@ -7,9 +7,11 @@
 #include "core/logging/logging.h"
 #include "tools/toolutils2/inputbind/bindtargetdescriptor.h"
 #include "tools/toolutils2/inputbind/inputbindengine.h"
+#include "tools/toolutils2/widgets/inputbind/inputbindmanager.h"
+#include "tools/toolutils2/widgets/inputbind/inputdebugger.h"
 
-// Commands whose tools (console, input and widget debuggers, help popups) don't exist in
-// this editor yet are declared so bindings resolve, and do nothing.
+// Commands whose tools (console, widget debugger, help popups) don't exist in this editor
+// yet are declared so bindings resolve, and do nothing.
 static void BuildGlobalHotkeys( CBindTargetDescriptor<CGlobalHotkeyCommands> &d )
 {
 	auto noOp = []( CGlobalHotkeyCommands * ) {};
@@ -19,7 +21,7 @@ static void BuildGlobalHotkeys( CBindTargetDescriptor<CGlobalHotkeyCommands> &d 
 	d.AddClickCommand( "DebugWidgetUnderMouse", []( CGlobalHotkeyCommands *p ) { p->DebugWidgetUnderMouse(); } );
 	d.AddClickCommand( "DebugWidgetWithFocus", []( CGlobalHotkeyCommands *p ) { p->DebugWidgetWithFocus(); } );
 	d.AddClickCommand( "DebugWidgetActiveWindow", []( CGlobalHotkeyCommands *p ) { p->DebugWidgetActiveWindow(); } );
-	d.AddClickCommand( "ShowInputDebugger", noOp );
+	d.AddClickCommand( "ShowInputDebugger", []( CGlobalHotkeyCommands *p ) { p->ShowInputDebugger(); } );
 	d.AddClickCommand( "ShowWidgetDebugger", noOp );
 	d.AddClickCommand( "ShowFullHelpForBindableCommandUnderMouse", noOp );
 	d.AddClickCommand( "FocusChainDebug_More", noOp );
@@ -60,4 +62,25 @@ void CGlobalHotkeyCommands::DebugWidgetWithFocus()
 void CGlobalHotkeyCommands::DebugWidgetActiveWindow()
 {
 	LogWidgetChain( "Active window", QApplication::activeWindow() );
+}
+
+void CGlobalHotkeyCommands::ShowInputDebugger()
+{
+	CQInputDebugger *pDebugger = nullptr;
+	for ( QWidget *pWidget : QApplication::topLevelWidgets() )
+	{
+		if ( ( pDebugger = qobject_cast<CQInputDebugger *>( pWidget ) ) != nullptr )
+			break;
+	}
+	if ( !pDebugger )
+	{
+		// Owned by the window it was asked from, so it goes with it; alone, it goes when closed.
+		QWidget *pOwner = QApplication::activeWindow();
+		pDebugger = new CQInputDebugger( CQInputBindManager::Get(), QApplication::applicationName(), pOwner );
+		pDebugger->setWindowFlag( Qt::Window );
+		if ( !pOwner )
+			pDebugger->setAttribute( Qt::WA_DeleteOnClose );
+	}
+	pDebugger->show();
+	pDebugger->raise();
 }

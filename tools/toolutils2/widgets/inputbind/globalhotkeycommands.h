@@ -12,4 +12,6 @@ public:
 	void DebugWidgetUnderMouse();
 	void DebugWidgetWithFocus();
 	void DebugWidgetActiveWindow();
+	// Shows the input debugger: the open one, or a new one owned by the active window.
+	void ShowInputDebugger();
 };
