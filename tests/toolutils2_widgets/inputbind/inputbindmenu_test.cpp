@@ -8,6 +8,7 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPlainTextEdit>
+#include <QPointer>
 #include <QTest>
 #include <QUrl>
 #include <memory>
@@ -331,5 +332,27 @@ TEST_F( QtInputBindMenu, GlobalShowInputDebuggerCommandOpensOneDebuggerOwnedByTh
 	EXPECT_TRUE( pDebugger->isWindow() );
 	ASSERT_TRUE( CQInputBindManager::Get()->InvokeCommand( pGlobal, BindToken( "ShowInputDebugger" ) ) );
 	EXPECT_EQ( m_pWindow->findChildren<CQInputDebugger *>().size(), 1 ) << "the open one is shown again";
+}
+} // namespace
+
+namespace
+{
+TEST_F( QtInputBindMenu, GlobalAllCommandsPopupListsTheFocusedPanelsCommandsAndRunsOne )
+{
+	IBindTarget *pGlobal = CQInputBindManager::Get()->GetGlobalInfo()->GetTargets().GetTargets().front();
+	ASSERT_TRUE( CQInputBindManager::Get()->InvokeCommand( pGlobal, BindToken( "ShowAllCommandsPopup" ) ) );
+	QApplication::processEvents();
+	QPointer<QMenu> pPopup = m_pWindow->findChild<QMenu *>( "AllCommandsPopup" );
+	ASSERT_FALSE( pPopup.isNull() );
+	EXPECT_TRUE( pPopup->isVisible() );
+	CQInputBindCommandList *pList = pPopup->findChild<CQInputBindCommandList *>();
+	ASSERT_NE( pList, nullptr );
+	EXPECT_TRUE( pList->GetShownCommands().contains( "MenuTest.MenuTestOpen" ) );
+	QTest::keyClicks( pList->GetFilter()->GetEdit(), "testopen" );
+	QTest::keyClick( pList->GetFilter()->GetEdit(), Qt::Key_Return );
+	QApplication::processEvents();
+	EXPECT_EQ( m_Target.m_Calls, std::vector<std::string>( { "MenuTestOpen" } ) );
+	QCoreApplication::sendPostedEvents( nullptr, QEvent::DeferredDelete );
+	EXPECT_TRUE( pPopup.isNull() ) << "a dismissed popup does not pile up in the window";
 }
 } // namespace

@@ -2,11 +2,14 @@
 
 #include <QApplication>
 #include <QCursor>
+#include <QMenu>
+#include <QWidgetAction>
 #include <QWidget>
 
 #include "core/logging/logging.h"
 #include "tools/toolutils2/inputbind/bindtargetdescriptor.h"
 #include "tools/toolutils2/inputbind/inputbindengine.h"
+#include "tools/toolutils2/widgets/inputbind/inputbindcommandlist.h"
 #include "tools/toolutils2/widgets/inputbind/inputbindmanager.h"
 #include "tools/toolutils2/widgets/inputbind/inputdebugger.h"
 
@@ -17,7 +20,7 @@ static void BuildGlobalHotkeys( CBindTargetDescriptor<CGlobalHotkeyCommands> &d 
 	auto noOp = []( CGlobalHotkeyCommands * ) {};
 	d.AddClickCommand( "ShowConsole", noOp );
 	d.AddClickCommand( "SwitchToEngineWindow", noOp );
-	d.AddClickCommand( "ShowAllCommandsPopup", noOp );
+	d.AddClickCommand( "ShowAllCommandsPopup", []( CGlobalHotkeyCommands *p ) { p->ShowAllCommandsPopup(); } );
 	d.AddClickCommand( "DebugWidgetUnderMouse", []( CGlobalHotkeyCommands *p ) { p->DebugWidgetUnderMouse(); } );
 	d.AddClickCommand( "DebugWidgetWithFocus", []( CGlobalHotkeyCommands *p ) { p->DebugWidgetWithFocus(); } );
 	d.AddClickCommand( "DebugWidgetActiveWindow", []( CGlobalHotkeyCommands *p ) { p->DebugWidgetActiveWindow(); } );
@@ -83,4 +86,21 @@ void CGlobalHotkeyCommands::ShowInputDebugger()
 	}
 	pDebugger->show();
 	pDebugger->raise();
+}
+
+void CGlobalHotkeyCommands::ShowAllCommandsPopup()
+{
+	auto *pPopup = new QMenu( QApplication::activeWindow() );
+	// Gone once dismissed, however that happens (a command, Escape, a click outside).
+	QObject::connect( pPopup, &QMenu::aboutToHide, pPopup, &QObject::deleteLater );
+	pPopup->setObjectName( "AllCommandsPopup" );
+	auto *pList = new CQInputBindCommandList( pPopup );
+	// Read before the popup takes the focus, so it lists the commands of where the key was.
+	pList->Refresh();
+	auto *pAction = new QWidgetAction( pPopup );
+	pAction->setDefaultWidget( pList );
+	pPopup->addAction( pAction );
+	QObject::connect( pList, &CQInputBindCommandList::CommandChosen, pPopup, &QMenu::hide );
+	pPopup->popup( QCursor::pos() );
+	pList->setFocus( Qt::PopupFocusReason );
 }
