@@ -6,12 +6,14 @@
 #include <QAction>
 #include <QApplication>
 #include <QDockWidget>
+#include <QFileInfo>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QStatusBar>
 #include <QMenu>
 #include <QMenuBar>
 #include <QTableWidget>
+#include <QUrl>
 #include <QtTest/QTest>
 
 #include <filesystem>
@@ -22,10 +24,17 @@
 #include "core/host/resourcetype.h"
 #include "core/kv3/keyvalues3.h"
 #include "tests/zoltool/zolapptestsupport.h"
+#include "tools/toolutils2/undo/undohistory.h"
+#include "tools/zol/editor/functionlist/particlefunctionlist.h"
 #include "tools/zol/editor/particlepreview.h"
 #include "tools/zol/editor/zolassetpane.h"
+#include "zoldoc_lib/zoldoc.h"
 #include "tools/toolutils2/widgets/inputbind/inputbindeditor.h"
 #include "tools/toolutils2/widgets/inputbind/inputbindmanager.h"
+#include "tools/toolutils2/widgets/inputbind/bindnamefilterwidget.h"
+#include "tools/toolutils2/widgets/inputbind/inputbindcommandlist.h"
+#include "tools/toolutils2/widgets/inputbind/inputbindmenu.h"
+#include "tools/toolutils2/widgets/inputbind/inputdebugger.h"
 
 namespace fs = std::filesystem;
 
@@ -348,11 +357,12 @@ namespace
 
 TEST_F( ZolMainWndTest, HelpMenuShowsEveryLoadedKeyBinding )
 {
-	QMenu *pHelp = m_pWindow->GetHelpMenu();
+	CQInputBindMenu *pHelp = m_pWindow->GetHelpMenu();
 	ASSERT_NE( pHelp, nullptr );
-	ASSERT_EQ( m_pWindow->menuBar()->actions().last(), pHelp->menuAction() );
-	QAction *pShow = pHelp->actions().value( 0 );
-	ASSERT_NE( pShow, nullptr );
+	ASSERT_EQ( m_pWindow->menuBar()->actions().last()->menu(), pHelp );
+	EXPECT_EQ( m_pWindow->menuBar()->actions().last()->text(), QStringLiteral( "&Help" ) );
+	QAction *pShow = pHelp->GetKeyBindingsAction();
+	ASSERT_EQ( pHelp->actions().value( 1 ), pShow );
 	EXPECT_EQ( pShow->text(), QStringLiteral( "Show Key Bindings" ) );
 	ClickEntry( pHelp, pShow );
 	CQInputBindEditor *pEditor = m_pWindow->GetInputBindEditor();
@@ -364,6 +374,65 @@ TEST_F( ZolMainWndTest, HelpMenuShowsEveryLoadedKeyBinding )
 	// A second time shows the same window.
 	ClickEntry( pHelp, pShow );
 	EXPECT_EQ( m_pWindow->GetInputBindEditor(), pEditor );
+}
+
+TEST_F( ZolMainWndTest, CommandFilterOfTheFunctionListUndoesAnEditAndItsDeveloperHelpIsTheFunctionsHelp )
+{
+	CZolSession *pSession = Open( "particles/samples/embers.tfxs" );
+	ASSERT_NE( pSession, nullptr );
+	QApplication::processEvents();
+	ASSERT_NE( pSession->GetDoc()->AddFunction( "", "C_OP_Decay", PARTICLE_FUNCTION_OPERATOR ), nullptr );
+	const int nSteps = pSession->GetDoc()->GetUndoHistory()->GetStepCount();
+	ASSERT_GT( nSteps, 0 );
+	m_pWindow->GetFunctionList()->setFocus();
+	QApplication::processEvents();
+
+	// Help > Command Filter, "undo", Enter: the session's Undo runs as Ctrl+Z would.
+	CQInputBindMenu *pHelp = m_pWindow->GetHelpMenu();
+	pHelp->popup( QPoint( 0, 0 ) );
+	QApplication::processEvents();
+	QTest::mouseClick( pHelp, Qt::LeftButton, Qt::NoModifier, pHelp->actionGeometry( pHelp->GetCommandFilterMenu()->menuAction() ).center() );
+	ASSERT_TRUE( QTest::qWaitFor( [ pHelp ]() { return pHelp->GetCommandFilterMenu()->isVisible(); }, 2000 ) );
+	CQInputBindCommandList *pList = pHelp->GetCommandList();
+	QTest::keyClicks( pList->GetFilter()->GetEdit(), "session.undo" );
+	ASSERT_EQ( pList->GetShownCommands().size(), 1 );
+	EXPECT_TRUE( pList->GetShownCommands()[ 0 ].startsWith( "ZolSession.Undo [" ) ) << pList->GetShownCommands()[ 0 ].toStdString();
+	QTest::keyClick( pList->GetFilter()->GetEdit(), Qt::Key_Return );
+	QApplication::processEvents();
+	EXPECT_EQ( pSession->GetDoc()->GetUndoHistory()->GetStepCount(), nSteps - 1 );
+	EXPECT_FALSE( pHelp->isVisible() );
+
+	std::vector<QUrl> opened;
+	CQInputBindMenu::SetUrlOpener( [ &opened ]( const QUrl &url ) {
+		opened.push_back( url );
+		return true;
+	} );
+	m_pWindow->GetFunctionList()->setFocus();
+	ClickEntry( pHelp, pHelp->GetHelpUrlAction() );
+	CQInputBindMenu::SetUrlOpener( {} );
+	ASSERT_EQ( opened.size(), 1u );
+	EXPECT_TRUE( opened[ 0 ].toLocalFile().endsWith( "/game/tools/help/particles_help.txt" ) ) << opened[ 0 ].toString().toStdString();
+	EXPECT_TRUE( QFileInfo::exists( opened[ 0 ].toLocalFile() ) );
+}
+
+TEST_F( ZolMainWndTest, HelpMenuOpensTheInputDebuggerOfTheEditor )
+{
+	CQInputBindMenu *pHelp = m_pWindow->GetHelpMenu();
+	QAction *pDebugger = nullptr;
+	for ( QAction *pAction : pHelp->actions() )
+	{
+		if ( pAction->text() == QStringLiteral( "Input Debugger" ) )
+			pDebugger = pAction;
+	}
+	ASSERT_NE( pDebugger, nullptr );
+	ClickEntry( pHelp, pDebugger );
+	CQInputDebugger *pWindow = m_pWindow->GetInputDebugger();
+	ASSERT_NE( pWindow, nullptr );
+	EXPECT_TRUE( pWindow->isVisible() );
+	EXPECT_EQ( pWindow->windowTitle(), QStringLiteral( "Input Debugger [Zol]" ) );
+	EXPECT_EQ( CQInputBindManager::Get()->GetEngine().GetTraceListener(), pWindow );
+	pWindow->close();
+	EXPECT_EQ( CQInputBindManager::Get()->GetEngine().GetTraceListener(), nullptr );
 }
 
 } // namespace

@@ -2,6 +2,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdarg>
+#include <string>
+#include <string_view>
 
 #include "core/host/iprompt.h"
 #include "core/logging/logging.h"
@@ -68,7 +71,7 @@ bool CInputBindEngine::IsKeyDown( InputCode_t nCode ) const
 
 void CInputBindEngine::ForceRescanOfActiveKeys()
 {
-	LoggingSystem_Log( LOG_INPUTBIND(), LS_DETAILED, "* ForceRescanOfActiveKeys\n" );
+	TraceLine( "* ForceRescanOfActiveKeys\n" );
 	if ( !m_pHost )
 		return;
 	for ( InputCode_t nCode = 1; nCode < INPUT_CODE_COUNT; ++nCode )
@@ -138,7 +141,7 @@ void CInputBindEngine::RebuildNow()
 
 	if ( !m_ActiveCodes.empty() )
 	{
-		LoggingSystem_Log( LOG_INPUTBIND(), LS_DETAILED, "* Rehandling active codes\n" );
+		TraceLine( "* Rehandling active codes\n" );
 		std::vector<ActiveCode_t> active = m_ActiveCodes;
 		for ( const ActiveCode_t &code : active )
 			StartModifiersOfCode( code.m_nCode );
@@ -226,6 +229,8 @@ void CInputBindEngine::HandleInputCode( InputCode_t nCode, int nKind, unsigned n
 	if ( m_nDepth >= BIND_MAX_INPUT_RECURSION )
 		Plat_FatalError( "CInputBindManager::HandleInputCode recursion depth got too deep.\n" );
 	CDepthGuard guard( m_nDepth );
+	if ( m_pTraceListener )
+		m_pTraceListener->OnInputCode( nCode, nKind );
 	if ( m_nDepth == 1 && m_bDirty )
 		RebuildNow();
 
@@ -233,12 +238,12 @@ void CInputBindEngine::HandleInputCode( InputCode_t nCode, int nKind, unsigned n
 	{
 		if ( nKind == INPUT_EVENT_RELEASE )
 		{
-			LoggingSystem_Log( LOG_INPUTBIND(), LS_DETAILED, "- Remove Active Code: %s\n", InputCodeName( nCode ) );
+			TraceLine( "- Remove Active Code: %s\n", InputCodeName( nCode ) );
 			m_ActiveCodes.erase( std::remove_if( m_ActiveCodes.begin(), m_ActiveCodes.end(), [ nCode ]( const ActiveCode_t &code ) { return code.m_nCode == nCode; } ), m_ActiveCodes.end() );
 		}
 		else if ( nKind == INPUT_EVENT_PRESS )
 		{
-			LoggingSystem_Log( LOG_INPUTBIND(), LS_DETAILED, "- Add Active Code: %s\n", InputCodeName( nCode ) );
+			TraceLine( "- Add Active Code: %s\n", InputCodeName( nCode ) );
 			m_ActiveCodes.push_back( { nCode, nKind } );
 		}
 	}
@@ -618,7 +623,7 @@ void CInputBindEngine::ForgetWidget( void *pWidget )
 	}
 	if ( std::find( m_CaptureStack.begin(), m_CaptureStack.end(), pWidget ) != m_CaptureStack.end() )
 	{
-		LoggingSystem_Log( LOG_INPUTBIND(), LS_DETAILED, "End mouse capture [%i] due to hidden widget\n", int( m_CaptureStack.size() ) );
+		TraceLine( "End mouse capture [%i] due to hidden widget\n", int( m_CaptureStack.size() ) );
 		m_CaptureStack.erase( std::remove( m_CaptureStack.begin(), m_CaptureStack.end(), pWidget ), m_CaptureStack.end() );
 		if ( m_CaptureStack.empty() && m_pHost )
 			m_pHost->OnMouseCaptureStop( pWidget, m_nCaptureFlags );
@@ -635,7 +640,7 @@ void CInputBindEngine::BeginCapture( const BindGesture_t &gesture )
 {
 	CUtlString strName;
 	DescribeGesture( gesture, &strName );
-	LoggingSystem_Log( LOG_INPUTBIND(), LS_DETAILED, "Begin mouse capture [%i]: %s\n", int( m_CaptureStack.size() ), strName.Get() );
+	TraceLine( "Begin mouse capture [%i]: %s\n", int( m_CaptureStack.size() ), strName.Get() );
 	if ( m_CaptureStack.empty() )
 	{
 		m_nCaptureFlags = gesture.m_pCommand->GetFlags();
@@ -661,7 +666,7 @@ void CInputBindEngine::EndCapture( const BindGesture_t &gesture )
 	CUtlString strName;
 	DescribeGesture( gesture, &strName );
 	m_CaptureStack.pop_back();
-	LoggingSystem_Log( LOG_INPUTBIND(), LS_DETAILED, "End mouse capture [%i]: %s\n", int( m_CaptureStack.size() ), strName.Get() );
+	TraceLine( "End mouse capture [%i]: %s\n", int( m_CaptureStack.size() ), strName.Get() );
 	if ( !m_CaptureStack.empty() )
 		return;
 	for ( const BindChainLink_t &link : m_Chain )
@@ -697,9 +702,33 @@ void CInputBindEngine::DescribeGesture( const BindGesture_t &gesture, CUtlString
 
 void CInputBindEngine::Trace( const char *pEvent, const BindGesture_t &gesture ) const
 {
-	if ( !LoggingSystem_IsChannelEnabled( LOG_INPUTBIND(), LS_DETAILED ) )
+	if ( !IsTracing() )
 		return;
 	CUtlString strName;
 	DescribeGesture( gesture, &strName );
-	LoggingSystem_Log( LOG_INPUTBIND(), LS_DETAILED, "%s: %s\n", pEvent, strName.Get() );
+	TraceLine( "%s: %s\n", pEvent, strName.Get() );
+}
+
+bool CInputBindEngine::IsTracing() const
+{
+	return m_pTraceListener || LoggingSystem_IsChannelEnabled( LOG_INPUTBIND(), LS_DETAILED );
+}
+
+void CInputBindEngine::TraceLine( const char *pFormat, ... ) const
+{
+	if ( !IsTracing() )
+		return;
+	CUtlString strLine;
+	va_list args;
+	va_start( args, pFormat );
+	strLine.FormatV( pFormat, args );
+	va_end( args );
+	LoggingSystem_Log( LOG_INPUTBIND(), LS_DETAILED, "%s", strLine.Get() );
+	if ( m_pTraceListener )
+	{
+		std::string_view line( strLine.Get() );
+		while ( !line.empty() && line.back() == '\n' )
+			line.remove_suffix( 1 );
+		m_pTraceListener->OnTraceLine( std::string( line ).c_str() );
+	}
 }

@@ -103,6 +103,19 @@ protected:
 	~IInputBindEngineHost() = default;
 };
 
+// Watches the engine's trace (the input debugger): each input event as it arrives, then
+// each trace line it produces, without the newline. Lines are only formatted while a
+// listener is set or the channel logs detailed messages.
+class IInputBindTraceListener
+{
+public:
+	virtual void OnInputCode( InputCode_t nCode, int nKind ) = 0;
+	virtual void OnTraceLine( const char *pLine ) = 0;
+
+protected:
+	~IInputBindTraceListener() = default;
+};
+
 class CInputBindEngine final : public IBindTargetDestructionListener
 {
 public:
@@ -158,6 +171,10 @@ public:
 	int GetCaptureDepth() const { return int( m_CaptureStack.size() ); }
 	const std::vector<BindChainLink_t> &GetFocusChain() const { return m_Chain; }
 
+	// One listener at a time; null removes it.
+	void SetTraceListener( IInputBindTraceListener *pListener ) { m_pTraceListener = pListener; }
+	IInputBindTraceListener *GetTraceListener() const { return m_pTraceListener; }
+
 	// IBindTargetDestructionListener
 	void OnBindTargetDestroyed( IBindTarget *pTarget ) override;
 
@@ -194,8 +211,12 @@ private:
 	void DescribeGesture( const BindGesture_t &gesture, CUtlString *pText ) const;
 	// Logs "<event>: <context>.<command>" on the detailed level.
 	void Trace( const char *pEvent, const BindGesture_t &gesture ) const;
+	// Logs a trace line on the detailed level and hands it to the trace listener.
+	void TraceLine( const char *pFormat, ... ) const __attribute__( ( format( printf, 2, 3 ) ) );
+	bool IsTracing() const;
 
 	IInputBindEngineHost *m_pHost;
+	IInputBindTraceListener *m_pTraceListener = nullptr;
 	CInputBindingList m_Bindings;
 	bool m_KeyState[ INPUT_CODE_COUNT ] = {};
 	std::vector<ActiveCode_t> m_ActiveCodes;

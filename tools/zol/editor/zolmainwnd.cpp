@@ -18,8 +18,9 @@
 #include "tools/toolutils2/baseeditorapp/editorfilequeries.h"
 #include "tools/toolutils2/undo/undohistory.h"
 #include "tools/toolutils2/widgets/inputbind/bindablecommandaction.h"
-#include "tools/toolutils2/widgets/inputbind/inputbindeditor.h"
 #include "tools/toolutils2/widgets/inputbind/inputbindmanager.h"
+#include "tools/toolutils2/widgets/inputbind/inputbindmenu.h"
+#include "tools/toolutils2/widgets/inputbind/inputdebugger.h"
 #include "tools/toolutils2/widgets/undo/undohistorywidget.h"
 #include "tools/widgets/assetthumbnail.h"
 #include "tools/zol/editor/assetmaintenance/zolreferencenavigatorwidget.h"
@@ -232,8 +233,16 @@ void CQZolMainWnd::CreateFileMenu( QMenu *pMenu )
 	}
 	menuBar()->addMenu( m_pEditMenu );
 	menuBar()->addMenu( m_pViewMenu );
-	m_pHelpMenu = menuBar()->addMenu( "&Help" );
-	m_pHelpMenu->addAction( "Show Key Bindings", this, &CQZolMainWnd::ShowKeyBindings );
+	m_pHelpMenu = new CQInputBindMenu( "&Help", this );
+	m_pHelpMenu->SetAboutText( "Zol, the particle effects editor.\nFor effect artists: author particle system definitions (*.tfxs) and watch them live while you edit." );
+	QAction *pDebugger = new QAction( "Input Debugger", m_pHelpMenu );
+	connect( pDebugger, &QAction::triggered, this, &CQZolMainWnd::ShowInputDebugger );
+	m_pHelpMenu->insertAction( m_pHelpMenu->GetAboutAction(), pDebugger );
+	// A menu bar shows a menu's icon in place of its title: the bar's entry is an action of
+	// its own that opens the menu, so "Help" reads as a word.
+	QAction *pHelpEntry = new QAction( "&Help", this );
+	pHelpEntry->setMenu( m_pHelpMenu );
+	menuBar()->addAction( pHelpEntry );
 	UpdateEditMenu();
 }
 
@@ -299,16 +308,20 @@ void CQZolMainWnd::OnOpenSession( IAsset *pAsset )
 		pApp->OpenFile( pAsset->GetAbsolutePath(), true );
 }
 
-void CQZolMainWnd::ShowKeyBindings()
+CQInputBindEditor *CQZolMainWnd::GetInputBindEditor() const
 {
-	if ( !m_pInputBindEditor )
+	return m_pHelpMenu ? m_pHelpMenu->GetInputBindEditor() : nullptr;
+}
+
+void CQZolMainWnd::ShowInputDebugger()
+{
+	if ( !m_pInputDebugger )
 	{
-		m_pInputBindEditor = new CQInputBindEditor( &CQInputBindManager::Get()->GetEngine().GetBindingList(), this );
-		m_pInputBindEditor->setWindowFlag( Qt::Window );
+		m_pInputDebugger = new CQInputDebugger( CQInputBindManager::Get(), "Zol", this );
+		m_pInputDebugger->setWindowFlag( Qt::Window );
 	}
-	m_pInputBindEditor->Refresh();
-	m_pInputBindEditor->show();
-	m_pInputBindEditor->raise();
+	m_pInputDebugger->show();
+	m_pInputDebugger->raise();
 }
 
 void CQZolMainWnd::RebuildRecentDirectoriesSubmenu()

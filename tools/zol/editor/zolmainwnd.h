@@ -12,6 +12,8 @@
 class CQParticleFunctionList;
 class CQZolAssetPane;
 class CQInputBindEditor;
+class CQInputBindMenu;
+class CQInputDebugger;
 class IAsset;
 class CQZolReferenceNavigatorWidget;
 class CQZolStaleVersionToolBar;
@@ -66,9 +68,10 @@ public:
 	QAction *GetSaveAllAction() const { return m_pSaveAllAction; }
 	QAction *GetCloseAllAction() const { return m_pCloseAllAction; }
 	QMenu *GetViewMenu() const { return m_pViewMenu; }
-	QMenu *GetHelpMenu() const { return m_pHelpMenu; }
+	CQInputBindMenu *GetHelpMenu() const { return m_pHelpMenu; }
 	// The key bindings window, once "Show Key Bindings" made it; else null.
-	CQInputBindEditor *GetInputBindEditor() const { return m_pInputBindEditor; }
+	CQInputBindEditor *GetInputBindEditor() const;
+	CQInputDebugger *GetInputDebugger() const { return m_pInputDebugger; }
 	QMenu *GetRecentDirectoriesMenu() const { return m_pRecentDirectoriesMenu; }
 	// At most this many recent directories show in the submenu.
 	static constexpr int MAX_RECENT_DIRECTORIES_SHOWN = 10;
@@ -98,8 +101,8 @@ public slots:
 	void OnZolAssetPaneSelectionChanged();
 	void OnOpenSession( IAsset *pAsset );
 	void RebuildRecentDirectoriesSubmenu();
-	// Opens the table of every key binding, read again.
-	void ShowKeyBindings();
+	// Opens the trace of the key bindings at work ("Input Debugger").
+	void ShowInputDebugger();
 	void LoadRecentDirectory( QAction *pAction );
 	// Shows the navigator, reads the modifier table again and rebuilds it.
 	void ShowReferenceNavigatorWidget();
@@ -135,8 +138,8 @@ private:
 	QDockWidget *m_pPropertyDock = nullptr;
 	QMenu *m_pViewMenu = nullptr;
 	QMenu *m_pRecentDirectoriesMenu = nullptr;
-	QMenu *m_pHelpMenu = nullptr;
-	CQInputBindEditor *m_pInputBindEditor = nullptr;
+	CQInputBindMenu *m_pHelpMenu = nullptr;
+	CQInputDebugger *m_pInputDebugger = nullptr;
 	// The default layout waits for the window's first showing to know its size.
 	bool m_bDefaultSizesPending = false;
 	QMenu *m_pEditMenu = nullptr;

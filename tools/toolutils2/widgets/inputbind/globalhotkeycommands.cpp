@@ -2,24 +2,29 @@
 
 #include <QApplication>
 #include <QCursor>
+#include <QMenu>
+#include <QWidgetAction>
 #include <QWidget>
 
 #include "core/logging/logging.h"
 #include "tools/toolutils2/inputbind/bindtargetdescriptor.h"
 #include "tools/toolutils2/inputbind/inputbindengine.h"
+#include "tools/toolutils2/widgets/inputbind/inputbindcommandlist.h"
+#include "tools/toolutils2/widgets/inputbind/inputbindmanager.h"
+#include "tools/toolutils2/widgets/inputbind/inputdebugger.h"
 
-// Commands whose tools (console, input and widget debuggers, help popups) don't exist in
-// this editor yet are declared so bindings resolve, and do nothing.
+// Commands whose tools (console, widget debugger, help popups) don't exist in this editor
+// yet are declared so bindings resolve, and do nothing.
 static void BuildGlobalHotkeys( CBindTargetDescriptor<CGlobalHotkeyCommands> &d )
 {
 	auto noOp = []( CGlobalHotkeyCommands * ) {};
 	d.AddClickCommand( "ShowConsole", noOp );
 	d.AddClickCommand( "SwitchToEngineWindow", noOp );
-	d.AddClickCommand( "ShowAllCommandsPopup", noOp );
+	d.AddClickCommand( "ShowAllCommandsPopup", []( CGlobalHotkeyCommands *p ) { p->ShowAllCommandsPopup(); } );
 	d.AddClickCommand( "DebugWidgetUnderMouse", []( CGlobalHotkeyCommands *p ) { p->DebugWidgetUnderMouse(); } );
 	d.AddClickCommand( "DebugWidgetWithFocus", []( CGlobalHotkeyCommands *p ) { p->DebugWidgetWithFocus(); } );
 	d.AddClickCommand( "DebugWidgetActiveWindow", []( CGlobalHotkeyCommands *p ) { p->DebugWidgetActiveWindow(); } );
-	d.AddClickCommand( "ShowInputDebugger", noOp );
+	d.AddClickCommand( "ShowInputDebugger", []( CGlobalHotkeyCommands *p ) { p->ShowInputDebugger(); } );
 	d.AddClickCommand( "ShowWidgetDebugger", noOp );
 	d.AddClickCommand( "ShowFullHelpForBindableCommandUnderMouse", noOp );
 	d.AddClickCommand( "FocusChainDebug_More", noOp );
@@ -60,4 +65,42 @@ void CGlobalHotkeyCommands::DebugWidgetWithFocus()
 void CGlobalHotkeyCommands::DebugWidgetActiveWindow()
 {
 	LogWidgetChain( "Active window", QApplication::activeWindow() );
+}
+
+void CGlobalHotkeyCommands::ShowInputDebugger()
+{
+	CQInputDebugger *pDebugger = nullptr;
+	for ( QWidget *pWidget : QApplication::topLevelWidgets() )
+	{
+		if ( ( pDebugger = qobject_cast<CQInputDebugger *>( pWidget ) ) != nullptr )
+			break;
+	}
+	if ( !pDebugger )
+	{
+		// Owned by the window it was asked from, so it goes with it; alone, it goes when closed.
+		QWidget *pOwner = QApplication::activeWindow();
+		pDebugger = new CQInputDebugger( CQInputBindManager::Get(), QApplication::applicationName(), pOwner );
+		pDebugger->setWindowFlag( Qt::Window );
+		if ( !pOwner )
+			pDebugger->setAttribute( Qt::WA_DeleteOnClose );
+	}
+	pDebugger->show();
+	pDebugger->raise();
+}
+
+void CGlobalHotkeyCommands::ShowAllCommandsPopup()
+{
+	auto *pPopup = new QMenu( QApplication::activeWindow() );
+	// Gone once dismissed, however that happens (a command, Escape, a click outside).
+	QObject::connect( pPopup, &QMenu::aboutToHide, pPopup, &QObject::deleteLater );
+	pPopup->setObjectName( "AllCommandsPopup" );
+	auto *pList = new CQInputBindCommandList( pPopup );
+	// Read before the popup takes the focus, so it lists the commands of where the key was.
+	pList->Refresh();
+	auto *pAction = new QWidgetAction( pPopup );
+	pAction->setDefaultWidget( pList );
+	pPopup->addAction( pAction );
+	QObject::connect( pList, &CQInputBindCommandList::CommandChosen, pPopup, &QMenu::hide );
+	pPopup->popup( QCursor::pos() );
+	pList->setFocus( Qt::PopupFocusReason );
 }

@@ -12,4 +12,9 @@ public:
 	void DebugWidgetUnderMouse();
 	void DebugWidgetWithFocus();
 	void DebugWidgetActiveWindow();
+	// Shows the input debugger: the open one, or a new one owned by the active window.
+	void ShowInputDebugger();
+	// The commands of the focus chain as a filterable popup at the mouse, as the help
+	// menu's "Command Filter".
+	void ShowAllCommandsPopup();
 };

@@ -16,6 +16,7 @@
 #include "tools/toolutils2/baseeditorapp/editorfilequeries.h"
 #include "tools/toolutils2/widgets/inputbind/bindablecommandaction.h"
 #include "tools/toolutils2/widgets/inputbind/bindablecommandbuttons.h"
+#include "tools/toolutils2/widgets/inputbind/bindablewidgetinfo.h"
 #include "tools/toolutils2/widgets/inputbind/inputbindmanager.h"
 #include "tools/widgets/assetcontextmenu.h"
 #include "tools/widgets/elidedlabel.h"
@@ -130,6 +131,9 @@ CQParticleFunctionList::CQParticleFunctionList( IZolNodeVariableContext *pVariab
 
 	// Keys pressed with the focus here reach the shown session's commands first.
 	CQInputBindManager::Get()->RegisterTarget( this, &m_SessionTarget );
+	// Its developer help is that of the particle functions.
+	if ( CQBindableWidgetInfo *pInfo = CQBindableWidgetInfo::FromObject( this ) )
+		pInfo->GetTargets().SetHelpContext( "particles" );
 	UpdateSessionWidgets();
 	UpdateHistoryButtons();
 }
