@@ -39,6 +39,22 @@ case "$OUTPUT" in
 *"select Emitter 7\": no such element"*) ;;
 *) echo "no message for the missing element: $OUTPUT"; exit 1 ;;
 esac
+# A control point selected for the picture carries the gizmo; a number past the last point
+# is refused.
+OUTPUT=$(xvfb-run -a env $PRELOAD "$ZOL" --screenshot "$OUT/cp.png" --do "select cp 0" "$SOURCE/content/content/particles/samples/beacon.tfxs" 2>&1)
+case "$OUTPUT" in
+*"select cp 0: selected control point 0"*) ;;
+*) echo "the control point was not selected: $OUTPUT"; exit 1 ;;
+esac
+set +e
+OUTPUT=$(xvfb-run -a env $PRELOAD "$ZOL" --screenshot "$OUT/cpnone.png" --do "select cp 64" "$SOURCE/content/content/particles/samples/beacon.tfxs" 2>&1)
+CODE=$?
+set -e
+test "$CODE" -eq 3 || { echo "a control point past the last gave exit status $CODE"; exit 1; }
+case "$OUTPUT" in
+*"a control point is a number from 0 to 63"*) ;;
+*) echo "no message for the control point past the last: $OUTPUT"; exit 1 ;;
+esac
 echo "selected screenshot: ok"
 # A file outside the content tree asks whether to open it; a batch run answers with the
 # default and says so, instead of waiting for a user who isn't there.

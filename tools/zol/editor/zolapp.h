@@ -57,7 +57,7 @@ public:
 	// The framework's steps, and "set KEY VALUE" (an edit of a member of the active
 	// definition's root, as the property panel makes it) and "get KEY" (zolappscript.cpp).
 	bool RunScriptStep( const char *pStep, CUtlString *pOutput ) override;
-	// "select base" or "select Emitter 0": selects in the active definition.
+	// "select base", "select Emitter 0" or "select cp 1": selects in the active definition.
 	bool RunSelectStep( const char *pArgs, CUtlString *pOutput );
 	// Not while a dialog is up: a question may stand in the middle of an operation.
 	bool CanAutosaveNow() override;

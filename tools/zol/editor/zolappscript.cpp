@@ -7,6 +7,8 @@
 #include <string>
 
 #include "core/kv3/keyvalues3.h"
+#include "core/particles/particleparamid.h"
+#include "core/particles/sim/iparticlecollection.h"
 #include "core/text/strtools.h"
 #include "tools/zol/editor/zolapp.h"
 #include "tools/zol/editor/zolsession.h"
@@ -94,6 +96,20 @@ bool CZolApp::RunSelectStep( const char *pArgs, CUtlString *pOutput )
 	{
 		pOutput->Set( "\"select\" needs an open definition and \"base\" or a list word and an index, such as \"select Emitter 0\"" );
 		return false;
+	}
+	if ( !V_stricmp_fast( word.c_str(), "cp" ) )
+	{
+		// A control point: the preview's gizmo stands on it.
+		char *pNumberEnd = nullptr;
+		long nNumber = strtol( index.c_str(), &pNumberEnd, 10 );
+		if ( index.empty() || *pNumberEnd || nNumber < 0 || nNumber >= MAX_PARTICLE_CONTROL_POINTS )
+		{
+			pOutput->Format( "\"select %s\": a control point is a number from 0 to %d", pArgs, MAX_PARTICLE_CONTROL_POINTS - 1 );
+			return false;
+		}
+		pSession->SetSelectedControlPoint( ParticleParamID_t::ControlPoint( int( nNumber ) ) );
+		pOutput->Format( "selected control point %ld", nNumber );
+		return true;
 	}
 	if ( !V_stricmp_fast( args.c_str(), "base" ) )
 	{
