@@ -86,7 +86,8 @@ bool CPulseDoc::LoadFile( const char *pPath, CPulseDocMessages *pMessages )
 	CUtlString reason;
 	if ( !Plat_ReadWholeFile( pPath, &content, &reason ) )
 	{
-		pMessages->Report( PULSE_DOC_ERROR, -1, "%s", reason.Get() );
+		// The reason alone ("No such file or directory") doesn't say which file.
+		pMessages->Report( PULSE_DOC_ERROR, -1, "%s: %s", pPath, reason.Get() );
 		return false;
 	}
 	return LoadText( content.data(), content.size(), pMessages );
