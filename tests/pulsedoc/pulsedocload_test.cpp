@@ -1,6 +1,6 @@
 // Loading what users hand it: malformed files are refused with a message and never crash,
 // a node of a class this build doesn't know survives a save and stops the compile, and
-// values computed in one branch or loop round are the ones the next steps read.
+// value nodes connected in a circle are refused naming one of them.
 
 #include <gtest/gtest.h>
 
@@ -182,4 +182,51 @@ TEST_P( PulseDocUnknownClassTest, LoadsWithAWarningAndFailsToCompileNamingTheNod
 
 INSTANTIATE_TEST_SUITE_P( Nodes, PulseDocUnknownClassTest, testing::ValuesIn( UnknownCases() ),
 						  []( const testing::TestParamInfo<UnknownCase_t> &info ) { return std::string( info.param.m_pName ); } );
+} // namespace
+
+namespace
+{
+struct CycleCase_t
+{
+	const char *m_pName;
+	std::string m_Children;
+	std::string m_Error;
+};
+
+std::ostream &operator<<( std::ostream &stream, const CycleCase_t &cycle )
+{
+	return stream << cycle.m_pName;
+}
+
+std::vector<CycleCase_t> CycleCases()
+{
+	return {
+		{ "ExpressionReadingItself", MainRunning( LogOf( 3, 5 ) ) + Expression( 5, "$a + 1", { { "$a", 5, "retval" } } ), "node 5: Value nodes read each other in a circle: Expression [ID=5] reads its own result" },
+		{ "TwoExpressionsReadingEachOther",
+		  MainRunning( LogOf( 3, 5 ) ) + Expression( 5, "$a + 1", { { "$a", 6, "retval" } } ) + Expression( 6, "$b * 2", { { "$b", 5, "retval" } } ), "node 5: Value nodes read each other in a circle: Expression [ID=5] reads its own result" },
+		{ "ThreeValuesInARing",
+		  MainRunning( LogOf( 3, 5 ) ) + Expression( 5, "$a + 1", { { "$a", 6, "retval" } } ) +
+			  R"({ _class = "CPulseDoc_Value_Copy" m_NodeID = 6 m_Children = [ )" + Inparam( 7, "retval", "value" ) + R"( ] m_Arg = { m_ValueSource = "port" } },)" +
+			  Expression( 7, "$c - 1", { { "$c", 5, "retval" } } ),
+		  "node 5: Value nodes read each other in a circle: Expression [ID=5] reads its own result" },
+	};
+}
+
+class PulseDocValueCycleTest : public testing::TestWithParam<CycleCase_t>
+{
+};
+
+TEST_P( PulseDocValueCycleTest, IsRefusedNamingANodeOfTheCycle )
+{
+	const CycleCase_t &cycle = GetParam();
+	std::unique_ptr<PulseDocCompiled_t> pCompiled = CompilePulseDocText( PulseDocText( cycle.m_Children ) );
+	ASSERT_TRUE( pCompiled->m_bLoaded ) << pCompiled->Messages();
+	EXPECT_FALSE( pCompiled->m_bCompiled );
+	EXPECT_FALSE( pCompiled->m_Result.m_bGenerated );
+	ASSERT_FALSE( pCompiled->m_Messages.GetMessages().empty() );
+	EXPECT_EQ( std::string( pCompiled->m_Messages.GetMessages().front().ToText().Get() ), cycle.m_Error );
+}
+
+INSTANTIATE_TEST_SUITE_P( Values, PulseDocValueCycleTest, testing::ValuesIn( CycleCases() ),
+						  []( const testing::TestParamInfo<CycleCase_t> &info ) { return std::string( info.param.m_pName ); } );
 } // namespace
