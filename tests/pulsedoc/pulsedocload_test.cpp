@@ -60,6 +60,9 @@ TEST_P( PulseDocMalformedTest, IsReportedWhereItIsWrong )
 	EXPECT_EQ( pCompiled->m_bLoaded, malformed.m_bLoads ) << pCompiled->Messages();
 	ASSERT_FALSE( pCompiled->m_Messages.GetMessages().empty() );
 	EXPECT_EQ( std::string( pCompiled->m_Messages.GetMessages().front().ToText().Get() ), malformed.m_Message );
+	// An error at load stops the compile; only warnings let it go on.
+	if ( pCompiled->m_Messages.GetErrorCount() > 0 )
+		EXPECT_FALSE( pCompiled->m_bCompiled ) << pCompiled->Messages();
 	if ( !malformed.m_bLoads )
 		EXPECT_GT( pCompiled->m_Messages.GetErrorCount(), 0 );
 }
