@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <map>
 #include <string>
 
 #include "core/host/safefilewrite.h"
@@ -86,7 +87,8 @@ bool CPulseDoc::LoadFile( const char *pPath, CPulseDocMessages *pMessages )
 	CUtlString reason;
 	if ( !Plat_ReadWholeFile( pPath, &content, &reason ) )
 	{
-		pMessages->Report( PULSE_DOC_ERROR, -1, "%s", reason.Get() );
+		// The reason alone ("No such file or directory") doesn't say which file.
+		pMessages->Report( PULSE_DOC_ERROR, -1, "%s: %s", pPath, reason.Get() );
 		return false;
 	}
 	return LoadText( content.data(), content.size(), pMessages );
@@ -117,7 +119,8 @@ bool CPulseDoc::LoadKV3( const KeyValues3 &root, CPulseDocMessages *pMessages, I
 		m_LeadingComment.Clear();
 	m_pRoot->LoadKV3( root, &context );
 	m_pRoot->SetDocRecursive( this );
-	RebuildNodeTable( pMessages );
+	// Duplicate ids are reported by Validate, so that they stop a compile too.
+	RebuildNodeTable();
 	std::vector<CPulseDocNode *> nodes;
 	GatherNodes( &nodes );
 	for ( CPulseDocNode *pNode : nodes )
@@ -240,6 +243,17 @@ void CPulseDoc::Validate( CPulseDocMessages *pMessages ) const
 {
 	std::vector<CPulseDocNode *> nodes;
 	GatherNodes( &nodes );
+	// The id table keeps the first node of an id: a connection to a duplicate would reach
+	// whichever came first in the file.
+	std::map<PulseDocNodeID_t, const CPulseDocNode *> ids;
+	for ( const CPulseDocNode *pNode : nodes )
+	{
+		if ( pNode->GetNodeID() < 0 )
+			continue;
+		auto [ it, bNew ] = ids.emplace( pNode->GetNodeID(), pNode );
+		if ( !bNew )
+			pMessages->Error( pNode, "Node id %d is taken by %s already; ids are unique in a document", pNode->GetNodeID(), it->second->DescribeForErrors().Get() );
+	}
 	for ( const CPulseDocNode *pNode : nodes )
 		pNode->Validate( pMessages );
 	for ( const CPulseDocNode *pNode : nodes )

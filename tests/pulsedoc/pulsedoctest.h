@@ -7,6 +7,7 @@
 
 #include <memory>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "pulse_runtime_lib/system/pulsegraphrunner.h"
@@ -105,3 +106,72 @@ inline int CountCode( const std::vector<std::string> &codes, const char *pCode )
 		n += code == pCode;
 	return n;
 }
+
+// Pieces of a document, written the way a user writes them by hand.
+inline std::string Literal( const char *pType, const std::string &value )
+{
+	return std::string( "{ m_LiteralValueTypeWhenSaved = \"" ) + pType + "\" m_LiteralValue = " + value + " }";
+}
+
+inline std::string Inparam( int nSource, const char *pOutparam, const char *pInparam )
+{
+	return "{ _class = \"CPulseDoc_Connection_Inparam\" m_SourceNode = " + std::to_string( nSource ) + " m_SourceOutparamName = \"" + pOutparam +
+		"\" m_ThisInparamName = \"" + pInparam + "\" }";
+}
+
+inline std::string Outflow( const char *pName, int nDest )
+{
+	const std::string name = *pName ? std::string( " m_SourceOutflowName = \"" ) + pName + "\"" : "";
+	return "{ _class = \"CPulseDoc_Connection_Outflow\"" + name + " m_DestFlowNodeID = " + std::to_string( nDest ) + " }";
+}
+
+// An expression node; ports maps "$name" inputs to the node and output they read.
+inline std::string Expression( int nID, const std::string &text, const std::vector<std::tuple<const char *, int, const char *>> &ports = {} )
+{
+	std::string connections, portVariables;
+	for ( const auto &[ pName, nSource, pOutparam ] : ports )
+	{
+		connections += Inparam( nSource, pOutparam, pName ) + ",";
+		portVariables += std::string( "\"" ) + pName + "\" = { m_ValueSource = \"port\" } ";
+	}
+	std::string escaped;
+	for ( char c : text )
+	{
+		if ( c == '"' )
+			escaped += '\\';
+		escaped += c;
+	}
+	return "{ _class = \"CPulseDoc_Value_Expression\" m_NodeID = " + std::to_string( nID ) + " m_Children = [ " + connections + " ] m_ExprText = \"" +
+		escaped + "\" m_ExprPortVariables = { " + portVariables + " } },";
+}
+
+// A debug log of the result of a value node.
+inline std::string LogOf( int nID, int nValue, const char *pOutparam = "retval" )
+{
+	return "{ _class = \"CPulseDoc_Step_DebugLog\" m_NodeID = " + std::to_string( nID ) + " m_Children = [ " + Inparam( nValue, pOutparam, "pText" ) +
+		" ] pText = { m_ValueSource = \"port\" } },";
+}
+
+inline std::string LogText( int nID, const std::string &text )
+{
+	return "{ _class = \"CPulseDoc_Step_DebugLog\" m_NodeID = " + std::to_string( nID ) + " pText = " + Literal( "PVAL_STRING", "\"" + text + "\"" ) +
+		" },";
+}
+
+inline std::string Group( int nID, const std::string &steps, const std::string &exits = "" )
+{
+	return "{ _class = \"CPulseDoc_Group\" m_NodeID = " + std::to_string( nID ) + " m_Children = [ " + exits + steps + " ] },";
+}
+
+inline std::string IntVariable( int nID, const char *pName, int nValue )
+{
+	return "{ _class = \"CPulseDoc_VariableDefinition\" m_NodeID = " + std::to_string( nID ) + " m_Name = \"" + pName +
+		"\" m_Value = { m_Type = \"PVAL_INT\" m_Value = " + std::to_string( nValue ) + " } },";
+}
+
+inline std::string SetVar( int nID, int nVariable, int nValue )
+{
+	return "{ _class = \"CPulseDoc_Step_SetVar\" m_NodeID = " + std::to_string( nID ) + " m_Children = [ " + Inparam( nValue, "retval", "m_Value" ) +
+		" ] m_VarDefID = " + std::to_string( nVariable ) + " m_Value = { m_ValueSource = \"port\" } },";
+}
+
