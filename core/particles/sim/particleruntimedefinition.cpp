@@ -120,8 +120,11 @@ bool CompileFunctionList( const KeyValues3 *pRoot, int nList, CParticleRuntimeDe
 			continue;
 		const char *pClassName = pClass->GetString();
 		// A function runs with what its own list provides (forces, for one): in another
-		// list it has no place.
-		const ParticleFunctionType_t eBelongs = DeclaredFunctionList( pClassName );
+		// list it has no place. Its list is the one of its name as registered, since a
+		// name may be written in another case.
+		const char *pRegisteredName = pClassName;
+		FindParticleSimFunctionFactory( pClassName, &pRegisteredName );
+		const ParticleFunctionType_t eBelongs = DeclaredFunctionList( pRegisteredName );
 		if ( eBelongs != PARTICLE_FUNCTION_ROOT && eBelongs != nList )
 		{
 			pError->Format( "%s[%d]: '%s' belongs in %s, not in %s", pKey, i, pClassName, GetParticleFunctionListKey( eBelongs ), pKey );

@@ -71,4 +71,5 @@ public:
 using ParticleSimFunctionFactory_t = std::unique_ptr<CParticleSimFunction> ( * )();
 
 // The factory of a class by name (case ignored), or null.
-ParticleSimFunctionFactory_t FindParticleSimFunctionFactory( const char *pClassName );
+// Class names match in any case; ppClassName, when given, gets the name as registered.
+ParticleSimFunctionFactory_t FindParticleSimFunctionFactory( const char *pClassName, const char **ppClassName = nullptr );

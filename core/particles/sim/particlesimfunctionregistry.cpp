@@ -26,7 +26,7 @@ void ApplyParticleSetMethod( int nMethod, float *pTarget, const float *pValues, 
 	}
 }
 
-ParticleSimFunctionFactory_t FindParticleSimFunctionFactory( const char *pClassName )
+ParticleSimFunctionFactory_t FindParticleSimFunctionFactory( const char *pClassName, const char **ppClassName )
 {
 	if ( !pClassName )
 		return nullptr;
@@ -40,7 +40,11 @@ ParticleSimFunctionFactory_t FindParticleSimFunctionFactory( const char *pClassN
 		for ( int i = 0; i < nCount; ++i )
 		{
 			if ( strcasecmp( pEntries[ i ].m_pClassName, pClassName ) == 0 )
+			{
+				if ( ppClassName )
+					*ppClassName = pEntries[ i ].m_pClassName;
 				return pEntries[ i ].m_pfnCreate;
+			}
 		}
 	}
 	return nullptr;

@@ -158,6 +158,11 @@ TEST( ParticleHostile, AFunctionInAnotherListThanItsOwnIsRefused )
 				   .find( "m_Operators[1]: 'C_OP_TwistAroundAxis' belongs in m_ForceGenerators, not in m_Operators" ),
 		std::string::npos );
 	EXPECT_NE( CompileError( R"(m_Emitters = [ { _class = "C_OP_Decay" } ])" ).find( "belongs in m_Operators" ), std::string::npos );
+	// A name written in another case finds the same function, and the same list.
+	EXPECT_NE( CompileError( R"(m_Emitters = [ { _class = "C_OP_ContinuousEmitter" } ]
+		m_Operators = [ { _class = "C_OP_TwisTAroundAxis" m_fForceAmount = 60.0 } ])" )
+				   .find( "belongs in m_ForceGenerators, not in m_Operators" ),
+		std::string::npos );
 }
 
 TEST( ParticleHostile, AChildReferenceThatIsNoNameSaysWhatItIs )
