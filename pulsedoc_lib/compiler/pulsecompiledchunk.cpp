@@ -41,7 +41,7 @@ CUtlString TypeText( const CPulseValueFullType &type )
 	return text.IsEmpty() ? CUtlString( "no type" ) : text;
 }
 
-// A conversion is due between two types (Part of reading a register as another type).
+// A conversion is due when a register is read as another type.
 bool NeedsConversion( const CPulseValueFullType &from, const CPulseValueFullType &to )
 {
 	if ( from == to || to.GetBaseType() == PVAL_UNKNOWN )
@@ -363,6 +363,18 @@ CUtlString LiteralText( const KeyValues3 &value )
 		text.Set( value.GetTypeAsString() );
 	return text;
 }
+
+// The refusal of a literal other than empty for the types that only have that one.
+const char *NullOnlyLiteralMessage( PulseValueType_t eType )
+{
+	switch ( eType )
+	{
+	case PVAL_EHANDLE: return "Can only assign an empty string literal to Entity Handles - no other values.";
+	case PVAL_SNDEVT_GUID: return "Can only author a null SNDEVT_GUID literal value.";
+	case PVAL_ENTITY_NAME: return "Can only assign an empty string literal to Entity Names - no other values.";
+	default: return "Can only assign literal empty (invalid) - no other Panel Handle values.";
+	}
+}
 } // namespace
 
 uint16_t CCompiledChunk::EmitLiteral( const CPulseSequencePoint *pPoint, const CPulseDocNode *pNode, const char *pPortName, const CPulseValueFullType &type,
@@ -435,33 +447,13 @@ uint16_t CCompiledChunk::EmitLiteral( const CPulseSequencePoint *pPoint, const C
 		}
 		break;
 	case PVAL_EHANDLE:
-		if ( !( value.IsNull() || ( pText && !*pText ) ) )
-		{
-			m_pContext->ReportError( pNode, "Can only assign an empty string literal to Entity Handles - no other values." );
-			return PULSE_INVALID_REGISTER;
-		}
-		stored.SetToNull();
-		break;
 	case PVAL_SNDEVT_GUID:
-		if ( !( value.IsNull() || ( pText && !*pText ) ) )
-		{
-			m_pContext->ReportError( pNode, "Can only author a null SNDEVT_GUID literal value." );
-			return PULSE_INVALID_REGISTER;
-		}
-		stored.SetToNull();
-		break;
 	case PVAL_ENTITY_NAME:
-		if ( !( value.IsNull() || ( pText && !*pText ) ) )
-		{
-			m_pContext->ReportError( pNode, "Can only assign an empty string literal to Entity Names - no other values." );
-			return PULSE_INVALID_REGISTER;
-		}
-		stored.SetToNull();
-		break;
 	case PVAL_VISTARA_PANEL_HANDLE:
+		// Handles and names have one literal: empty.
 		if ( !( value.IsNull() || ( pText && !*pText ) ) )
 		{
-			m_pContext->ReportError( pNode, "Can only assign literal empty (invalid) - no other Panel Handle values." );
+			m_pContext->ReportError( pNode, "%s", NullOnlyLiteralMessage( type.GetBaseType() ) );
 			return PULSE_INVALID_REGISTER;
 		}
 		stored.SetToNull();
