@@ -1,7 +1,7 @@
 #pragma once
 // Services a caller hands to a transfer under their names; generated code finds them by
 // the hash of the name. Only the resource interfaces have behaviour here; the others are
-// named so that the Parts that need them find them the same way.
+// named so that every subsystem that needs them finds them the same way.
 
 #include "core/schema/schemaresourcetypes.h"
 

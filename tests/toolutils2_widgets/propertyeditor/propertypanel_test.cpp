@@ -86,7 +86,7 @@ public:
 	int m_nAfters = 0;
 };
 
-// An editor from a factory: a label that shows the value and the spec's argument.
+// An editor from a factory: a label that shows the value and the argument its editor text names.
 class CQPanelTestEditor : public CQAttributeEditor_Base
 {
 public:
@@ -213,7 +213,7 @@ TEST_F( PropertyPanelTest, RowsAreGroupedSortedAndTakeTheirEditorsFromTheirKind 
 	EXPECT_EQ( m_pPanel->FindEditor( "m_Range" ), nullptr ) << "a table's fields are its editors";
 	EXPECT_TRUE( Plain( "m_Locked" )->GetLineEdit()->isReadOnly() );
 
-	// A name from a factory gets the factory's editor, with the spec's argument.
+	// A name from a factory gets the factory's editor, with the argument of its editor text.
 	auto *pCustom = dynamic_cast<CQPanelTestEditor *>( m_pPanel->FindEditor( "m_Custom" ) );
 	ASSERT_NE( pCustom, nullptr );
 	EXPECT_EQ( pCustom->m_Argument, QStringLiteral( "big" ) );

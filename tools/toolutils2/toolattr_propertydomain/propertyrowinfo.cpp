@@ -19,11 +19,11 @@ CUtlString ZolEditorSpec::ForAttribute( const IBaseToolAttr *pAttr )
 {
 	if ( !pAttr )
 		return CUtlString();
-	CUtlString spec( pAttr->GetEditorName() );
+	CUtlString editorText( pAttr->GetEditorName() );
 	if ( const char *pszSpec = pAttr->GetEditorSpec(); pszSpec && *pszSpec )
-		spec.Set( pszSpec );
-	if ( !spec.IsEmpty() )
-		return spec;
+		editorText.Set( pszSpec );
+	if ( !editorText.IsEmpty() )
+		return editorText;
 
 	const char *pszParam = pAttr->GetEditHintParam() ? pAttr->GetEditHintParam() : "";
 	switch ( pAttr->GetEditHint() )
@@ -31,16 +31,16 @@ CUtlString ZolEditorSpec::ForAttribute( const IBaseToolAttr *pAttr )
 	case TOOLATTR_EDIT_HINT_GRADIENT: return CUtlString( "Gradient()" );
 	case TOOLATTR_EDIT_HINT_TEXT_BLOCK: return CUtlString( "TextBlock()" );
 	case TOOLATTR_EDIT_HINT_SOUND: return CUtlString( "SoundPicker()" );
-	case TOOLATTR_EDIT_HINT_DATA_FILE: spec.Format( "LedgeChoice( %s )", pszParam ); return spec;
-	case TOOLATTR_EDIT_HINT_RESOURCE: spec.Format( "AssetBrowse( %s )", pszParam ); return spec;
+	case TOOLATTR_EDIT_HINT_DATA_FILE: editorText.Format( "LedgeChoice( %s )", pszParam ); return editorText;
+	case TOOLATTR_EDIT_HINT_RESOURCE: editorText.Format( "AssetBrowse( %s )", pszParam ); return editorText;
 	default: break;
 	}
 	// A KV3 value names its editor in the hint's parameter.
 	if ( pAttr->GetAttrType() == TOOLATTR_TYPE_KV3 && *pszParam )
 	{
-		spec.Set( pszParam );
+		editorText.Set( pszParam );
 		if ( !strchr( pszParam, '(' ) )
-			spec += "()";
+			editorText += "()";
 	}
-	return spec;
+	return editorText;
 }

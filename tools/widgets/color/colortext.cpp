@@ -5,7 +5,7 @@
 
 namespace
 {
-// Four floats after the specification word; false unless all four read and lie in 0..1.
+// Four floats after the colour model word; false unless all four read and lie in 0..1.
 bool ReadFourComponents( const QStringList &fields, float *pOut )
 {
 	if ( fields.size() != 5 )

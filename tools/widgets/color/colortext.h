@@ -3,7 +3,7 @@
 //
 // One colour, as the colour grids copy it:   "RGBA\t<r>\t<g>\t<b>\t<a>"  (floats 0..1, 'g')
 // A colour set, as swatches exchange it: one line per colour, "RGBA", "HSLA" or "HSVA"
-// (the colour's own specification), then four floats with 7 decimals, tab separated.
+// (the colour's own model), then four floats with 7 decimals, tab separated.
 
 #include <QColor>
 #include <QString>
