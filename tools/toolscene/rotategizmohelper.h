@@ -22,7 +22,7 @@ public:
 protected:
 	bool StartDrag( const ToolSceneView_t &camera, const GizmoRay_t &ray ) override;
 	void StepDrag( const ToolSceneView_t &camera, const GizmoRay_t &ray ) override;
-	uint32_t GetEndFlags() const override { return GIZMO_DRAG_ROTATION | ( IsWorldSpace() ? GIZMO_DRAG_WORLD_SPACE : 0 ); }
+	uint32_t GetEndFlags() const override { return GIZMO_DRAG_ROTATION | ( IsWorldSpace() ? uint32_t( GIZMO_DRAG_WORLD_SPACE ) : 0u ); }
 	bool ApplyTypedText( const std::string &text ) override;
 	void PublishStatus( const std::string &text ) const override;
 
