@@ -84,7 +84,7 @@ CPulseGraphDefHandle PulseGraphDef_LoadKV3( const KeyValues3 &root, const char *
 	PulseRuntime_RegisterClasses();
 	if ( !root.IsTable() )
 	{
-		pMessages->m_Errors.emplace_back( "the root is a '" );
+		pMessages->m_Errors.emplace_back( "the root is of type '" );
 		pMessages->m_Errors.back() += root.GetTypeAsString();
 		pMessages->m_Errors.back() += "', not a table of a graph definition";
 		return {};

@@ -259,8 +259,8 @@ bool CCompiledChunk::CompileInparams( const CPulseSequencePoint *pPoint, const C
 		uint16_t nRegister = pInparam->CompileToRegister( pPoint, this );
 		if ( nRegister == PULSE_INVALID_REGISTER )
 		{
-			// Said only when nothing more telling was.
-			if ( m_pContext->GetMessages()->GetErrorCount() == nErrors )
+			// Said only when nothing more telling was, now or (the register limit) before.
+			if ( m_pContext->GetMessages()->GetErrorCount() == nErrors && !m_bReportedLimit )
 				m_pContext->ReportError( pNode, "Unable to allocate register for inparam: %s", pInparam->GetName() );
 			bOk = false;
 			continue;

@@ -45,6 +45,8 @@ public:
 	const CPulseValueFullType &GetRegisterType( uint16_t nRegister ) const;
 	int GetRegisterCount() const { return int( m_Registers.size() ); }
 	bool IsValidRegister( uint16_t nRegister ) const { return nRegister < m_Registers.size(); }
+	// The register limit was reached (and reported): later failures follow from it.
+	bool HasReachedLimit() const { return m_bReportedLimit; }
 
 	// Outputs whose registers the flow has seen: scoped ones while the value scope that
 	// made them is open, lasting ones for the chunk.

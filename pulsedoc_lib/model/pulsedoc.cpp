@@ -98,13 +98,18 @@ bool CPulseDoc::LoadKV3( const KeyValues3 &root, CPulseDocMessages *pMessages, I
 {
 	if ( !root.IsTable() )
 	{
-		pMessages->Report( PULSE_DOC_ERROR, -1, "the root is a '%s', not a table of a document", root.GetTypeAsString() );
+		pMessages->Report( PULSE_DOC_ERROR, -1, "the root is of type '%s', not a table of a document", root.GetTypeAsString() );
 		return false;
 	}
 	const char *pClass = root.GetMemberString( "_class", "" );
+	if ( !*pClass )
+	{
+		pMessages->Report( PULSE_DOC_ERROR, -1, "the root is a table without _class, not a 'CPulseDoc_Root'" );
+		return false;
+	}
 	if ( strcmp( pClass, "CPulseDoc_Root" ) != 0 )
 	{
-		pMessages->Report( PULSE_DOC_ERROR, -1, "the root is a '%s', not a 'CPulseDoc_Root'", *pClass ? pClass : "table without _class" );
+		pMessages->Report( PULSE_DOC_ERROR, -1, "the root is a '%s', not a 'CPulseDoc_Root'", pClass );
 		return false;
 	}
 	CPulseDocLoadContext context;

@@ -252,13 +252,17 @@ void CPulseDoc_Value_BaseExprOpBinary::CompileValue( const CPulseSequencePoint *
 	uint16_t nFirst = m_FirstArg.CompileToRegister( pPoint, pChunk );
 	if ( nFirst == PULSE_INVALID_REGISTER )
 	{
-		pContext->ReportError( this, "Unknown type for first argument" );
+		// Past the chunk's register limit every later value fails; that was said once.
+		if ( !pChunk->HasReachedLimit() )
+			pContext->ReportError( this, "Unknown type for first argument" );
 		return;
 	}
 	uint16_t nSecond = m_SecondArg.CompileToRegister( pPoint, pChunk );
 	if ( nSecond == PULSE_INVALID_REGISTER )
 	{
-		pContext->ReportError( this, "Unknown type for second argument" );
+		// Past the chunk's register limit every later value fails; that was said once.
+		if ( !pChunk->HasReachedLimit() )
+			pContext->ReportError( this, "Unknown type for second argument" );
 		return;
 	}
 	const CPulseValueFullType first = pChunk->GetRegisterType( nFirst ), second = pChunk->GetRegisterType( nSecond );
@@ -323,7 +327,9 @@ void CPulseDoc_Value_BaseExprOpUnary::CompileValue( const CPulseSequencePoint *p
 	uint16_t nArg = m_Arg.CompileToRegister( pPoint, pChunk );
 	if ( nArg == PULSE_INVALID_REGISTER )
 	{
-		pContext->ReportError( this, "Unknown type for argument" );
+		// Past the chunk's register limit every later value fails; that was said once.
+		if ( !pChunk->HasReachedLimit() )
+			pContext->ReportError( this, "Unknown type for argument" );
 		return;
 	}
 	const CPulseValueFullType type = pChunk->GetRegisterType( nArg );
