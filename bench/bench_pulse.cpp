@@ -175,6 +175,10 @@ void BM_Lua_FloatArithmetic( benchmark::State &state ) { RunLua( state, Straight
 void BM_Pulse_SumLoop( benchmark::State &state ) { RunPulse( state, LoopGraph(), PVAL_INT, LOOP_COUNT, LOOP_INSTRUCTIONS ); }
 void BM_Lua_SumLoop( benchmark::State &state ) { RunLua( state, s_LoopLua, false, LOOP_COUNT ); }
 
+// The fixed cost of a call: a method that returns its first argument.
+void BM_Pulse_EmptyMethod( benchmark::State &state ) { RunPulse( state, MethodGraph( "", R"({ m_nReg = 0 m_Type = "PVAL_INT" }, { m_nReg = 1 m_Type = "PVAL_INT" })", "" ), PVAL_INT, 0, 1 ); }
+void BM_Lua_EmptyMethod( benchmark::State &state ) { RunLua( state, "return function( a, b ) return a end", false, 0 ); }
+
 // FireEvent into a handler whose chunk is a single return.
 void BM_Pulse_FireEvent( benchmark::State &state )
 {
@@ -197,4 +201,6 @@ BENCHMARK( BM_Pulse_FloatArithmetic );
 BENCHMARK( BM_Lua_FloatArithmetic );
 BENCHMARK( BM_Pulse_SumLoop );
 BENCHMARK( BM_Lua_SumLoop );
+BENCHMARK( BM_Pulse_EmptyMethod );
+BENCHMARK( BM_Lua_EmptyMethod );
 BENCHMARK( BM_Pulse_FireEvent );

@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <algorithm>
 
 #include "core/logging/logging.h"
 #include "pulse_runtime_lib/cells/pulsecells.h"
@@ -38,6 +39,15 @@ void CPulseRegisterBlock::SetSize( size_t nBytes )
 	m_pData = static_cast<unsigned char *>( std::aligned_alloc( 16, m_nCapacity ) );
 }
 
+void CPulseDetachBits::Reset( size_t nRegisters )
+{
+	m_nWords = ( nRegisters + 63 ) / 64;
+	if ( m_nWords > INLINE_WORDS )
+		m_Heap.assign( m_nWords, 0 );
+	else
+		std::fill( m_Inline, m_Inline + INLINE_WORDS, 0 );
+}
+
 void *PulseFrame_t::Register( int nRegister )
 {
 	return m_Registers.Data() + m_pChunk->m_RegisterOffsets[ size_t( nRegister ) ];
@@ -47,14 +57,14 @@ void PulseFrame_t::SetDetached( int nRegister, bool bDetached )
 {
 	uint64_t nBit = uint64_t( 1 ) << ( nRegister & 63 );
 	if ( bDetached )
-		m_DetachBits[ size_t( nRegister >> 6 ) ] |= nBit;
+		m_DetachBits.Words()[ nRegister >> 6 ] |= nBit;
 	else
-		m_DetachBits[ size_t( nRegister >> 6 ) ] &= ~nBit;
+		m_DetachBits.Words()[ nRegister >> 6 ] &= ~nBit;
 }
 
 bool PulseFrame_t::IsDetached( int nRegister ) const
 {
-	return ( m_DetachBits[ size_t( nRegister >> 6 ) ] >> ( nRegister & 63 ) ) & 1;
+	return ( m_DetachBits.Words()[ nRegister >> 6 ] >> ( nRegister & 63 ) ) & 1;
 }
 
 CPulseExecCursor::CPulseExecCursor( CBasePulseGraphInstance *pInstance, PulseCursorID_t nId, PulseCursorID_t nParentId )
@@ -69,7 +79,6 @@ CPulseExecCursor::~CPulseExecCursor()
 	if ( m_eState == STATE_YIELDED )
 		LeaveYield();
 	m_pControl.reset();
-	m_pHostTable.reset();
 	for ( std::unique_ptr<PulseFrame_t> &pFrame : m_Stack )
 		DestroyRegisters( *pFrame );
 	DestroyRegisters( m_Active );
@@ -89,12 +98,12 @@ PulseCursorHandle CPulseExecCursor::GetHandle() const
 
 PulseCursorExecResult_t CPulseExecCursor::GetFinalResult() const
 {
-	return m_pControl ? m_pControl->m_eFinalResult : PulseCursorExecResult_t::Succeeded;
+	return m_eFinalResult;
 }
 
 bool CPulseExecCursor::HasCompleted() const
 {
-	return m_pControl && m_pControl->m_bCompleted;
+	return ( m_nFlags & FLAG_COMPLETED ) != 0;
 }
 
 const std::vector<PulseCursorTag_t> &CPulseExecCursor::GetTags() const
@@ -136,14 +145,14 @@ double CPulseExecCursor::GetNow() const
 
 void CPulseExecCursor::BuildHostTable()
 {
-	m_pHostTable = std::make_unique<void *[]>( PULSE_HOST_INTERFACE_KINDS );
+	m_nFlags |= FLAG_HOST_TABLE;
 	m_nHostMask = 0;
 	for ( int nKind = 0; nKind < PULSE_HOST_INTERFACE_KINDS; ++nKind )
 	{
 		void *pInterface = QueryHostInterface( nKind );
 		if ( !pInterface )
 			pInterface = m_pInstance->QueryHostInterface( nKind );
-		m_pHostTable[ size_t( nKind ) ] = pInterface;
+		m_HostTable[ nKind ] = pInterface;
 		if ( pInterface )
 			m_nHostMask |= 1u << nKind;
 	}
@@ -153,8 +162,6 @@ void CPulseExecCursor::Run( int nChunk, int nInstruction, const RunStart_t *pSta
 {
 	if ( nChunk == -1 || m_eState != STATE_IDLE )
 		return;
-	if ( !m_pHostTable )
-		BuildHostTable();
 	IPulseSystem *pSystem = m_pInstance->GetSystem();
 	int nToken = 0;
 	if ( pSystem->EnterCursorRun( this, &nToken ) != 0 )
@@ -207,7 +214,7 @@ void CPulseExecCursor::SwitchFrame( PulseFrame_t &frame, int nChunk, int nInstru
 	frame.m_Registers.SetSize( frame.m_pChunk->m_nRegisterBytes );
 	if ( frame.m_pChunk->m_nRegisterBytes > 0 )
 		memcpy( frame.m_Registers.Data(), frame.m_pChunk->m_DefaultRegisters.data(), frame.m_pChunk->m_nRegisterBytes );
-	frame.m_DetachBits.assign( ( size_t( frame.m_pChunk->GetRegisterCount() ) + 63 ) / 64, 0 );
+	frame.m_DetachBits.Reset( size_t( frame.m_pChunk->GetRegisterCount() ) );
 }
 
 void CPulseExecCursor::CopyFrame( PulseFrame_t &target, const PulseFrame_t &source )
@@ -326,8 +333,8 @@ void CPulseExecCursor::Complete( PulseCursorExecResult_t eResult )
 	PULSE_CURSOR_TRACE( "Completed with result:%d\n", int( eResult ) );
 	if ( eResult != PulseCursorExecResult_t::OngoingNotify )
 	{
-		Control().m_eFinalResult = eResult;
-		Control().m_bCompleted = true;
+		m_eFinalResult = eResult;
+		m_nFlags |= FLAG_COMPLETED;
 		if ( m_pInstance->GetSystem()->IsTracing() )
 			m_pInstance->GetExecutionHistory().RetireCursor( m_nId, GetCurrentFlowNode(), float( GetNow() ) );
 		m_pInstance->GetSystem()->OnCursorCompleted( this, eResult );

@@ -46,6 +46,23 @@ private:
 	size_t m_nCapacity = INLINE_BYTES;
 };
 
+// One bit per register; a set bit means the value is dead. The bits of up to 256
+// registers live in place, so starting a cursor allocates nothing for them.
+class CPulseDetachBits
+{
+public:
+	// All clear, for nRegisters registers.
+	void Reset( size_t nRegisters );
+	uint64_t *Words() { return m_nWords > INLINE_WORDS ? m_Heap.data() : m_Inline; }
+	const uint64_t *Words() const { return m_nWords > INLINE_WORDS ? m_Heap.data() : m_Inline; }
+
+private:
+	static constexpr size_t INLINE_WORDS = 4;
+	uint64_t m_Inline[ INLINE_WORDS ] = {};
+	std::vector<uint64_t> m_Heap;
+	size_t m_nWords = 0;
+};
+
 // One activation of a chunk.
 struct PulseFrame_t
 {
@@ -53,8 +70,7 @@ struct PulseFrame_t
 	int m_nInstruction = 0;
 	const CPulse_Chunk *m_pChunk = nullptr;
 	CPulseRegisterBlock m_Registers;
-	// One bit per register; a set bit means the value is dead.
-	std::vector<uint64_t> m_DetachBits;
+	CPulseDetachBits m_DetachBits;
 	CPulseVariant m_ReturnSlot;
 
 	void *Register( int nRegister );
@@ -168,6 +184,8 @@ private:
 		FLAG_IN_INVOKE = 1 << 2,
 		FLAG_MOVED_IN_INVOKE = 1 << 3, // control moved during the invoke
 		FLAG_TRACE = 1 << 4,
+		FLAG_HOST_TABLE = 1 << 5,      // m_HostTable is filled
+		FLAG_COMPLETED = 1 << 6,
 	};
 
 	struct YieldRecord_t
@@ -185,8 +203,6 @@ private:
 		std::vector<PulseCursorTag_t> m_Tags;
 		std::vector<PulseCursorHandle> m_Observers;
 		std::vector<std::pair<PulseCursorID_t, PulseCursorExecResult_t>> m_ResultSet;
-		PulseCursorExecResult_t m_eFinalResult = PulseCursorExecResult_t::Succeeded;
-		bool m_bCompleted = false;
 	};
 
 	ControlStorage_t &Control();
@@ -217,7 +233,7 @@ private:
 	CBasePulseGraphInstance *m_pInstance;
 	std::unique_ptr<YieldRecord_t> m_pYield;
 	std::unique_ptr<ControlStorage_t> m_pControl;
-	std::unique_ptr<void *[]> m_pHostTable; // PULSE_HOST_INTERFACE_KINDS entries, made on first run
+	void *m_HostTable[ PULSE_HOST_INTERFACE_KINDS ] = {}; // filled on the first invoke
 	uint32_t m_nHostMask = 0;
 	std::vector<std::unique_ptr<PulseFrame_t>> m_Stack;
 	PulseFrame_t m_Active;
@@ -225,4 +241,5 @@ private:
 	PulseCursorID_t m_nId;
 	PulseCursorID_t m_nParentId;
 	uint32_t m_nFlags = 0;
+	PulseCursorExecResult_t m_eFinalResult = PulseCursorExecResult_t::Succeeded;
 };

@@ -26,14 +26,25 @@ using enum PulseInstructionCode_t;
 
 namespace
 {
+// A register's address, computed into a register of its own. Folded into a base+index
+// operand, a load that reads what the operation before stored waits for the store to
+// retire; through a plain pointer the processor forwards the value at once, which halves
+// the time of a chain of dependent operations.
+inline unsigned char *RegAddress( unsigned char *pRegs, uint16_t nOffset )
+{
+	unsigned char *pAddress = pRegs + nOffset;
+	asm( "" : "+r"( pAddress ) );
+	return pAddress;
+}
+
 template <typename T> inline T &Reg( unsigned char *pRegs, uint16_t nOffset )
 {
-	return *reinterpret_cast<T *>( pRegs + nOffset );
+	return *reinterpret_cast<T *>( RegAddress( pRegs, nOffset ) );
 }
 
 inline float *Floats( unsigned char *pRegs, uint16_t nOffset )
 {
-	return reinterpret_cast<float *>( pRegs + nOffset );
+	return reinterpret_cast<float *>( RegAddress( pRegs, nOffset ) );
 }
 
 template <int N> inline void VecNegate( float *pOut, const float *pA )
@@ -61,6 +72,9 @@ template <int N> inline float VecElement( const float *pA, int32_t nIndex )
 	return pA[ nIndex < 0 ? 0 : nIndex > N - 1 ? N - 1 : nIndex ];
 }
 
+// The handler addresses of each interpreter, filled on its first run.
+template <bool bTrace> void *s_DispatchTable[ PULSE_OP_COUNT ];
+
 constexpr size_t MAX_STRING_LENGTH = 1 << 20;
 
 // Integers wrap at 32 bits.
@@ -81,7 +95,7 @@ template <bool bTrace> void CPulseExecCursor::Interpret( int *pCount )
 {
 	// Threaded dispatch: each operation jumps straight to the next one's handler through
 	// this table; codes without a handler here go to ExecuteSlow.
-	static void *s_Dispatch[ PULSE_OP_COUNT ];
+	auto &s_Dispatch = s_DispatchTable<bTrace>;
 	static std::atomic<bool> s_bDispatchReady { false };
 	if ( !s_bDispatchReady.load( std::memory_order_acquire ) )
 	{
@@ -196,24 +210,43 @@ template <bool bTrace> void CPulseExecCursor::Interpret( int *pCount )
 	const PulseOpData_t *pOpData;
 	unsigned char *pRegs;
 	const PulseOp_t *pOp;
-	int nPos;
 	int nCount = *pCount;
+	// The float the last float operation wrote, and its register: a float operation
+	// that reads that register takes the value from here instead of waiting for the
+	// store before it to reach memory. Registers are still always written, and every
+	// other operation forgets the value, so it is never stale. Forgetting clears the
+	// value too: it is then dead across every call, and the compiler keeps it in a
+	// register instead of on the stack.
+	constexpr uint32_t NO_FLOAT = 0xffffffff;
+	float flLast = 0.0f;
+	uint32_t nLastFloat = NO_FLOAT;
 
 #define PULSE_DISPATCH()                                                       \
 	do                                                                         \
 	{                                                                          \
 		if ( ++nCount > MAX_INSTRUCTIONS_PER_RUN )                             \
 			goto op_limit;                                                     \
-		pOp = pOps + nPos;                                                     \
 		if constexpr ( bTrace )                                                \
-			pSystem->TraceInstruction( this, pOp->m_nCode, pChunk->GetFlowNodeID( nPos ) ); \
+			pSystem->TraceInstruction( this, pOp->m_nCode, pChunk->GetFlowNodeID( int( pOp - pOps ) ) ); \
 		goto *s_Dispatch[ pOp->m_nCode ];                                      \
 	} while ( 0 )
-#define PULSE_NEXT()    \
-	do                  \
-	{                   \
-		++nPos;         \
-		PULSE_DISPATCH(); \
+#define PULSE_NEXT()           \
+	do                         \
+	{                          \
+		nLastFloat = NO_FLOAT; \
+		flLast = 0.0f;         \
+		++pOp;                 \
+		PULSE_DISPATCH();      \
+	} while ( 0 )
+#define PULSE_FLOAT_IN( nOffset ) ( __builtin_expect( ( nOffset ) == nLastFloat, 1 ) ? flLast : Reg<float>( pRegs, nOffset ) )
+#define PULSE_FLOAT_OUT( flValue )                \
+	do                                            \
+	{                                             \
+		flLast = ( flValue );                     \
+		nLastFloat = pOp->m_nReg0;                \
+		Reg<float>( pRegs, pOp->m_nReg0 ) = flLast; \
+		++pOp;                                    \
+		PULSE_DISPATCH();                         \
 	} while ( 0 )
 
 op_reload:
@@ -222,28 +255,30 @@ op_reload:
 	pOps = pChunk->m_Ops.data();
 	pOpData = pChunk->m_OpData.data();
 	pRegs = m_Active.m_Registers.Data();
-	nPos = m_Active.m_nInstruction;
+	pOp = pOps + m_Active.m_nInstruction;
+	nLastFloat = NO_FLOAT;
+	flLast = 0.0f;
 	PULSE_DISPATCH();
 
 	op_INVALID:
 	op_NOP:
 	op_LAST_SERIALIZED_CODE: PULSE_NEXT();
-	op_JUMP: nPos = pOp->m_nReg1; PULSE_DISPATCH();
-	op_JUMP_COND: nPos = Reg<bool>( pRegs, pOp->m_nReg0 ) ? int( pOp->m_nReg1 ) : nPos + 1; PULSE_DISPATCH();
+	op_JUMP: pOp = pOps + pOp->m_nReg1; PULSE_DISPATCH();
+	op_JUMP_COND: pOp = Reg<bool>( pRegs, pOp->m_nReg0 ) ? pOps + pOp->m_nReg1 : pOp + 1; PULSE_DISPATCH();
 
 	op_PULSE_OP_COPY_BYTES: memcpy( pRegs + pOp->m_nReg0, pRegs + pOp->m_nReg1, pOp->m_nReg2 ); PULSE_NEXT();
-	op_PULSE_OP_LOAD_BYTES: memcpy( pRegs + pOp->m_nReg0, pOpData[ nPos ].m_pData, pOp->m_nReg1 ); PULSE_NEXT();
+	op_PULSE_OP_LOAD_BYTES: memcpy( pRegs + pOp->m_nReg0, pOpData[ pOp - pOps ].m_pData, pOp->m_nReg1 ); PULSE_NEXT();
 	op_PULSE_OP_GET_VAR_BYTES: memcpy( pRegs + pOp->m_nReg0, m_pInstance->GetStateBlock() + pOp->m_nReg2, pOp->m_nReg1 ); PULSE_NEXT();
 	op_PULSE_OP_SET_VAR_BYTES:
 			memcpy( m_pInstance->GetStateBlock() + pOp->m_nReg2, pRegs + pOp->m_nReg0, pOp->m_nReg1 );
-			m_pInstance->SetVariableDetached( pOpData[ nPos ].m_nC, false );
+			m_pInstance->SetVariableDetached( pOpData[ pOp - pOps ].m_nC, false );
 			PULSE_NEXT();
-	op_COPY: PulseValue_Copy( *pOpData[ nPos ].m_pType, pRegs + pOp->m_nReg0, pRegs + pOp->m_nReg1 ); PULSE_NEXT();
-	op_PULSE_OP_COPY_MISMATCH: m_Active.SetDetached( pOpData[ nPos ].m_nRegIndex0, false ); PULSE_NEXT();
+	op_COPY: PulseValue_Copy( *pOpData[ pOp - pOps ].m_pType, pRegs + pOp->m_nReg0, pRegs + pOp->m_nReg1 ); PULSE_NEXT();
+	op_PULSE_OP_COPY_MISMATCH: m_Active.SetDetached( pOpData[ pOp - pOps ].m_nRegIndex0, false ); PULSE_NEXT();
 	op_GET_CONST:
 	op_GET_CONST_INLINE_STORAGE:
-			if ( pOpData[ nPos ].m_pData )
-				PulseValue_Copy( *pOpData[ nPos ].m_pType, pRegs + pOp->m_nReg0, pOpData[ nPos ].m_pData );
+			if ( pOpData[ pOp - pOps ].m_pData )
+				PulseValue_Copy( *pOpData[ pOp - pOps ].m_pType, pRegs + pOp->m_nReg0, pOpData[ pOp - pOps ].m_pData );
 			PULSE_NEXT();
 
 	op_NOT: Reg<bool>( pRegs, pOp->m_nReg0 ) = !Reg<bool>( pRegs, pOp->m_nReg1 ); PULSE_NEXT();
@@ -251,7 +286,7 @@ op_reload:
 	op_OR: Reg<bool>( pRegs, pOp->m_nReg0 ) = Reg<bool>( pRegs, pOp->m_nReg1 ) || Reg<bool>( pRegs, pOp->m_nReg2 ); PULSE_NEXT();
 
 	op_NEGATE_INT: Reg<int32_t>( pRegs, pOp->m_nReg0 ) = WrapSub( 0, Reg<int32_t>( pRegs, pOp->m_nReg1 ) ); PULSE_NEXT();
-	op_NEGATE_FLOAT: Reg<float>( pRegs, pOp->m_nReg0 ) = -Reg<float>( pRegs, pOp->m_nReg1 ); PULSE_NEXT();
+	op_NEGATE_FLOAT: PULSE_FLOAT_OUT( -PULSE_FLOAT_IN( pOp->m_nReg1 ) );
 	op_NEGATE_VEC2: VecNegate<2>( Floats( pRegs, pOp->m_nReg0 ), Floats( pRegs, pOp->m_nReg1 ) ); PULSE_NEXT();
 	op_NEGATE_VEC3: VecNegate<3>( Floats( pRegs, pOp->m_nReg0 ), Floats( pRegs, pOp->m_nReg1 ) ); PULSE_NEXT();
 	op_NEGATE_VEC4: VecNegate<4>( Floats( pRegs, pOp->m_nReg0 ), Floats( pRegs, pOp->m_nReg1 ) ); PULSE_NEXT();
@@ -259,7 +294,7 @@ op_reload:
 	op_ADD_INT: Reg<int32_t>( pRegs, pOp->m_nReg0 ) = WrapAdd( Reg<int32_t>( pRegs, pOp->m_nReg1 ), Reg<int32_t>( pRegs, pOp->m_nReg2 ) ); PULSE_NEXT();
 	op_ADD_FLOAT:
 	op_ADD_GAMETIME_FLOAT:
-	op_ADD_FLOAT_GAMETIME: Reg<float>( pRegs, pOp->m_nReg0 ) = Reg<float>( pRegs, pOp->m_nReg1 ) + Reg<float>( pRegs, pOp->m_nReg2 ); PULSE_NEXT();
+	op_ADD_FLOAT_GAMETIME: PULSE_FLOAT_OUT( PULSE_FLOAT_IN( pOp->m_nReg1 ) + PULSE_FLOAT_IN( pOp->m_nReg2 ) );
 	op_ADD_STRING:
 		{
 			const char *pLeft = PulseValue_GetString( pRegs + pOp->m_nReg1 ), *pRight = PulseValue_GetString( pRegs + pOp->m_nReg2 );
@@ -267,7 +302,7 @@ op_reload:
 			// A loop that doubles a text would eat all memory long before the run limit.
 			if ( nLength > MAX_STRING_LENGTH )
 			{
-				m_Active.m_nInstruction = nPos;
+				m_Active.m_nInstruction = int( pOp - pOps );
 				Warning( "Text of %zu characters is too long (at most %zu); the result is empty", nLength, MAX_STRING_LENGTH );
 				PulseValue_SetString( pRegs + pOp->m_nReg0, "" );
 			}
@@ -288,7 +323,7 @@ op_reload:
 	op_SUB_INT: Reg<int32_t>( pRegs, pOp->m_nReg0 ) = WrapSub( Reg<int32_t>( pRegs, pOp->m_nReg1 ), Reg<int32_t>( pRegs, pOp->m_nReg2 ) ); PULSE_NEXT();
 	op_SUB_FLOAT:
 	op_SUB_GAMETIME_FLOAT:
-	op_SUB_GAMETIME: Reg<float>( pRegs, pOp->m_nReg0 ) = Reg<float>( pRegs, pOp->m_nReg1 ) - Reg<float>( pRegs, pOp->m_nReg2 ); PULSE_NEXT();
+	op_SUB_GAMETIME: PULSE_FLOAT_OUT( PULSE_FLOAT_IN( pOp->m_nReg1 ) - PULSE_FLOAT_IN( pOp->m_nReg2 ) );
 	op_SUB_VEC2: VecSub<2>( Floats( pRegs, pOp->m_nReg0 ), Floats( pRegs, pOp->m_nReg1 ), Floats( pRegs, pOp->m_nReg2 ) ); PULSE_NEXT();
 	op_SUB_VEC3:
 	op_SUB_VEC3WS_VEC3:
@@ -296,17 +331,16 @@ op_reload:
 	op_SUB_VEC4: VecSub<4>( Floats( pRegs, pOp->m_nReg0 ), Floats( pRegs, pOp->m_nReg1 ), Floats( pRegs, pOp->m_nReg2 ) ); PULSE_NEXT();
 
 	op_MUL_INT: Reg<int32_t>( pRegs, pOp->m_nReg0 ) = WrapMul( Reg<int32_t>( pRegs, pOp->m_nReg1 ), Reg<int32_t>( pRegs, pOp->m_nReg2 ) ); PULSE_NEXT();
-	op_MUL_FLOAT: Reg<float>( pRegs, pOp->m_nReg0 ) = Reg<float>( pRegs, pOp->m_nReg1 ) * Reg<float>( pRegs, pOp->m_nReg2 ); PULSE_NEXT();
+	op_MUL_FLOAT: PULSE_FLOAT_OUT( PULSE_FLOAT_IN( pOp->m_nReg1 ) * PULSE_FLOAT_IN( pOp->m_nReg2 ) );
 	op_DIV_FLOAT:
 		{
-			float flDivisor = Reg<float>( pRegs, pOp->m_nReg2 );
+			float flDividend = PULSE_FLOAT_IN( pOp->m_nReg1 ), flDivisor = PULSE_FLOAT_IN( pOp->m_nReg2 );
 			if ( flDivisor == 0.0f )
 			{
-				m_Active.m_nInstruction = nPos;
+				m_Active.m_nInstruction = int( pOp - pOps );
 				Warning( "Divide by zero!" );
 			}
-			Reg<float>( pRegs, pOp->m_nReg0 ) = Reg<float>( pRegs, pOp->m_nReg1 ) / flDivisor;
-			PULSE_NEXT();
+			PULSE_FLOAT_OUT( flDividend / flDivisor );
 		}
 	op_MOD_INT:
 		{
@@ -314,7 +348,7 @@ op_reload:
 			int32_t a = Reg<int32_t>( pRegs, pOp->m_nReg1 ), b = Reg<int32_t>( pRegs, pOp->m_nReg2 );
 			if ( b == 0 )
 			{
-				m_Active.m_nInstruction = nPos;
+				m_Active.m_nInstruction = int( pOp - pOps );
 				Warning( "Divide by zero!" );
 				Reg<int32_t>( pRegs, pOp->m_nReg0 ) = 0;
 			}
@@ -326,14 +360,13 @@ op_reload:
 		}
 	op_MOD_FLOAT:
 		{
-			float flDivisor = Reg<float>( pRegs, pOp->m_nReg2 );
+			float flDividend = PULSE_FLOAT_IN( pOp->m_nReg1 ), flDivisor = PULSE_FLOAT_IN( pOp->m_nReg2 );
 			if ( flDivisor == 0.0f )
 			{
-				m_Active.m_nInstruction = nPos;
+				m_Active.m_nInstruction = int( pOp - pOps );
 				Warning( "Divide by zero!" );
 			}
-			Reg<float>( pRegs, pOp->m_nReg0 ) = std::fmod( Reg<float>( pRegs, pOp->m_nReg1 ), flDivisor );
-			PULSE_NEXT();
+			PULSE_FLOAT_OUT( std::fmod( flDividend, flDivisor ) );
 		}
 
 	op_LT_INT: Reg<bool>( pRegs, pOp->m_nReg0 ) = Reg<int32_t>( pRegs, pOp->m_nReg1 ) < Reg<int32_t>( pRegs, pOp->m_nReg2 ); PULSE_NEXT();
@@ -354,12 +387,12 @@ op_reload:
 	op_NE_ENTITY_NAME: Reg<bool>( pRegs, pOp->m_nReg0 ) = !( Reg<CGlobalSymbol>( pRegs, pOp->m_nReg1 ) == Reg<CGlobalSymbol>( pRegs, pOp->m_nReg2 ) ); PULSE_NEXT();
 	op_EQ_EHANDLE:
 	op_EQ_OPAQUE_HANDLE:
-	op_EQ_TEST_HANDLE: Reg<bool>( pRegs, pOp->m_nReg0 ) = HandlesEqual( *pOpData[ nPos ].m_pType, pRegs + pOp->m_nReg1, pRegs + pOp->m_nReg2, 4 ); PULSE_NEXT();
+	op_EQ_TEST_HANDLE: Reg<bool>( pRegs, pOp->m_nReg0 ) = HandlesEqual( *pOpData[ pOp - pOps ].m_pType, pRegs + pOp->m_nReg1, pRegs + pOp->m_nReg2, 4 ); PULSE_NEXT();
 	op_NE_EHANDLE:
 	op_NE_OPAQUE_HANDLE:
-	op_NE_TEST_HANDLE: Reg<bool>( pRegs, pOp->m_nReg0 ) = !HandlesEqual( *pOpData[ nPos ].m_pType, pRegs + pOp->m_nReg1, pRegs + pOp->m_nReg2, 4 ); PULSE_NEXT();
-	op_EQ_PANEL_HANDLE: Reg<bool>( pRegs, pOp->m_nReg0 ) = HandlesEqual( *pOpData[ nPos ].m_pType, pRegs + pOp->m_nReg1, pRegs + pOp->m_nReg2, 8 ); PULSE_NEXT();
-	op_NE_PANEL_HANDLE: Reg<bool>( pRegs, pOp->m_nReg0 ) = !HandlesEqual( *pOpData[ nPos ].m_pType, pRegs + pOp->m_nReg1, pRegs + pOp->m_nReg2, 8 ); PULSE_NEXT();
+	op_NE_TEST_HANDLE: Reg<bool>( pRegs, pOp->m_nReg0 ) = !HandlesEqual( *pOpData[ pOp - pOps ].m_pType, pRegs + pOp->m_nReg1, pRegs + pOp->m_nReg2, 4 ); PULSE_NEXT();
+	op_EQ_PANEL_HANDLE: Reg<bool>( pRegs, pOp->m_nReg0 ) = HandlesEqual( *pOpData[ pOp - pOps ].m_pType, pRegs + pOp->m_nReg1, pRegs + pOp->m_nReg2, 8 ); PULSE_NEXT();
+	op_NE_PANEL_HANDLE: Reg<bool>( pRegs, pOp->m_nReg0 ) = !HandlesEqual( *pOpData[ pOp - pOps ].m_pType, pRegs + pOp->m_nReg1, pRegs + pOp->m_nReg2, 8 ); PULSE_NEXT();
 	op_EQ_FLOAT:
 	op_EQ_VEC2:
 	op_EQ_VEC3:
@@ -368,7 +401,7 @@ op_reload:
 	op_EQ_STRING:
 	op_EQ_SCHEMA_ENUM:
 	op_EQ_ARRAY:
-	op_EQ_GAMETIME: Reg<bool>( pRegs, pOp->m_nReg0 ) = PulseValue_IsEqual( *pOpData[ nPos ].m_pType, pRegs + pOp->m_nReg1, pRegs + pOp->m_nReg2 ); PULSE_NEXT();
+	op_EQ_GAMETIME: Reg<bool>( pRegs, pOp->m_nReg0 ) = PulseValue_IsEqual( *pOpData[ pOp - pOps ].m_pType, pRegs + pOp->m_nReg1, pRegs + pOp->m_nReg2 ); PULSE_NEXT();
 	op_NE_FLOAT:
 	op_NE_VEC2:
 	op_NE_VEC3:
@@ -377,7 +410,7 @@ op_reload:
 	op_NE_STRING:
 	op_NE_SCHEMA_ENUM:
 	op_NE_ARRAY:
-	op_NE_GAMETIME: Reg<bool>( pRegs, pOp->m_nReg0 ) = !PulseValue_IsEqual( *pOpData[ nPos ].m_pType, pRegs + pOp->m_nReg1, pRegs + pOp->m_nReg2 ); PULSE_NEXT();
+	op_NE_GAMETIME: Reg<bool>( pRegs, pOp->m_nReg0 ) = !PulseValue_IsEqual( *pOpData[ pOp - pOps ].m_pType, pRegs + pOp->m_nReg1, pRegs + pOp->m_nReg2 ); PULSE_NEXT();
 
 	op_SCALE_VEC2: VecScale<2>( Floats( pRegs, pOp->m_nReg0 ), Floats( pRegs, pOp->m_nReg1 ), Reg<float>( pRegs, pOp->m_nReg2 ) ); PULSE_NEXT();
 	op_SCALE_VEC3: VecScale<3>( Floats( pRegs, pOp->m_nReg0 ), Floats( pRegs, pOp->m_nReg1 ), Reg<float>( pRegs, pOp->m_nReg2 ) ); PULSE_NEXT();
@@ -400,10 +433,10 @@ op_reload:
 
 op_slow:
 	// Everything else may move the cursor or run other cursors.
-	m_Active.m_nInstruction = nPos;
+	m_Active.m_nInstruction = int( pOp - pOps );
 	*pCount = nCount;
 	m_nFlags |= FLAG_STEP_ON;
-	ExecuteSlow( *pOp, pOpData[ nPos ] );
+	ExecuteSlow( *pOp, pOpData[ pOp - pOps ] );
 	if ( m_eState != STATE_IDLE )
 		return;
 	if ( m_nFlags & FLAG_STEP_ON )
@@ -417,10 +450,12 @@ op_slow:
 	goto op_reload;
 
 op_limit:
-	m_Active.m_nInstruction = nPos;
+	m_Active.m_nInstruction = int( pOp - pOps );
 	*pCount = nCount;
 	m_pInstance->OnInfiniteLoop( nCount );
 	Terminate( PulseCursorExecResult_t::Failed );
+#undef PULSE_FLOAT_OUT
+#undef PULSE_FLOAT_IN
 #undef PULSE_NEXT
 #undef PULSE_DISPATCH
 }
@@ -522,6 +557,8 @@ void CPulseExecCursor::Invoke( const PulseInvokePlan_t &plan )
 {
 	const PulseFunctionBinding_t &function = *plan.m_pFunction;
 	const char *pName = plan.m_pBinding->m_FuncName.String();
+	if ( !( m_nFlags & FLAG_HOST_TABLE ) )
+		BuildHostTable();
 	if ( plan.m_pBinding->m_nRequiredHostMask & ~m_nHostMask )
 	{
 		Warning( "Could not execute '%s' because this graph domain does not support the required IPulseHost", pName );
@@ -551,7 +588,7 @@ void CPulseExecCursor::Invoke( const PulseInvokePlan_t &plan )
 	}
 
 	m_nFlags = ( m_nFlags | FLAG_IN_INVOKE ) & ~FLAG_MOVED_IN_INVOKE;
-	PulseCallContext_t context { m_pInstance, this, plan.m_pCell, m_pHostTable.get(), plan.m_pBinding->m_pOpaque };
+	PulseCallContext_t context { m_pInstance, this, plan.m_pCell, m_HostTable, plan.m_pBinding->m_pOpaque };
 	int nResult = function.m_pfnCall( context, in, out );
 	m_nFlags &= ~FLAG_IN_INVOKE;
 	if ( nResult != 0 )

@@ -223,6 +223,26 @@ TEST_F( PulseExecTest, NegatingZeroGivesNegativeZero )
 	EXPECT_TRUE( std::signbit( *result.GetFloat() ) );
 }
 
+// Float operations hand their result on to the next one without a trip through memory;
+// a register another operation overwrote in between must be read afresh. Each stale read
+// below would change the answer (12 or 4 instead of 3).
+TEST_F( PulseExecTest, AFloatChainSeesEveryWriteBetweenItsOperations )
+{
+	CBasePulseGraphInstance &instance = Start( R"({ m_Chunks = [ { m_Instructions = [
+			{ m_nCode = "GET_CONST" m_nReg0 = 0 m_nConstIdx = 0 }, { m_nCode = "GET_CONST" m_nReg0 = 1 m_nConstIdx = 1 },
+			{ m_nCode = "MUL" m_nReg0 = 2 m_nReg1 = 0 m_nReg2 = 1 }, { m_nCode = "ADD" m_nReg0 = 2 m_nReg1 = 2 m_nReg2 = 2 },
+			{ m_nCode = "COPY" m_nReg0 = 2 m_nReg1 = 1 }, { m_nCode = "SUB" m_nReg0 = 0 m_nReg1 = 2 m_nReg2 = 0 },
+			{ m_nCode = "MUL" m_nReg0 = 3 m_nReg1 = 0 m_nReg2 = 1 }, { m_nCode = "GET_CONST" m_nReg0 = 3 m_nConstIdx = 0 },
+			{ m_nCode = "ADD" m_nReg0 = 0 m_nReg1 = 3 m_nReg2 = 0 }, { m_nCode = "RETURN_VALUE" m_nReg0 = 0 } ]
+		m_Registers = [ { m_nReg = 0 m_Type = "PVAL_FLOAT" }, { m_nReg = 1 m_Type = "PVAL_FLOAT" }, { m_nReg = 2 m_Type = "PVAL_FLOAT" }, { m_nReg = 3 m_Type = "PVAL_FLOAT" } ] } ]
+		m_Cells = [ { _class = "CPulseCell_Inflow_Method" m_EntryChunk = 0 m_MethodName = "Main" } ]
+		m_Constants = [ { m_Type = "PVAL_FLOAT" m_Value = 2.0 }, { m_Type = "PVAL_FLOAT" m_Value = 3.0 } ] })" );
+	CPulseVariant result;
+	ASSERT_TRUE( instance.RunMethod( "Main", nullptr, nullptr, &result ) );
+	ASSERT_TRUE( result.GetFloat() );
+	EXPECT_EQ( *result.GetFloat(), 3.0f );
+}
+
 TEST_F( PulseExecTest, CopyBetweenTypesLeavesTheTargetAndConvertConverts )
 {
 	CBasePulseGraphInstance &instance = Start( R"({ m_Chunks = [ { m_Instructions = [
