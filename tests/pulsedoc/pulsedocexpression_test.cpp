@@ -4,8 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-
 #include "pulsedoc_lib/nodes/pulsedocexpression.h"
 #include "pulsedoctest.h"
 
@@ -79,28 +77,4 @@ TEST( PulseDocExpressionText, ATextThatDoesntParseKeepsWhatWasWrittenAndItsReaso
 	EXPECT_TRUE( PulseDoc_Compile( pCompiled->m_pDoc.get(), &messages, &result ) ) << messages.ToText().Get();
 }
 
-// A chunk that outgrows the runtime's register space is refused with one message saying
-// so, not with one more for every expression compiled after it.
-TEST( PulseDocExpressionText, AChunkPastTheRegisterLimitIsReportedOnce )
-{
-	std::string steps, values;
-	constexpr int STEPS = 1500;
-	for ( int i = 0; i < STEPS; ++i )
-	{
-		const std::string step = std::to_string( 100 + 2 * i ), value = std::to_string( 101 + 2 * i );
-		steps += R"({ _class = "CPulseDoc_Step_DebugLog" m_NodeID = )" + step + R"( m_Children = [ { _class = "CPulseDoc_Connection_Inparam" m_SourceNode = )" + value +
-			R"( m_SourceOutparamName = "retval" m_ThisInparamName = "pText" } ] },)";
-		values += R"({ _class = "CPulseDoc_Value_Expression" m_NodeID = )" + value + R"x( m_ExprText = "\"n\" + (lives * 2 + BONUS)" },)x";
-	}
-	std::unique_ptr<PulseDocCompiled_t> pCompiled = CompilePulseDocText( PulseDocText(
-		R"({ _class = "CPulseDoc_VariableDefinition" m_NodeID = 10 m_Name = "lives" m_Value = { m_Type = "PVAL_INT" m_Value = 3 } },)"
-		R"({ _class = "CPulseDoc_ConstantDefinition" m_NodeID = 11 m_Name = "BONUS" m_Value = { m_Type = "PVAL_INT" m_Value = 10 } },)" +
-		MainRunning( steps ) + values ) );
-	ASSERT_TRUE( pCompiled->m_bLoaded ) << pCompiled->Messages();
-	EXPECT_FALSE( pCompiled->m_bCompiled );
-	const std::string messages = pCompiled->Messages();
-	EXPECT_NE( messages.find( "bytes of registers; the runtime's offsets reach no further" ), std::string::npos ) << messages.substr( 0, 2000 );
-	EXPECT_EQ( messages.find( "Unknown type" ), std::string::npos ) << messages.substr( 0, 2000 );
-	EXPECT_EQ( std::count( messages.begin(), messages.end(), '\n' ) + ( messages.empty() || messages.back() == '\n' ? 0 : 1 ), 1 ) << messages.substr( 0, 2000 );
-}
 } // namespace

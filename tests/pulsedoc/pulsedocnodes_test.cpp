@@ -25,6 +25,17 @@ std::ostream &operator<<( std::ostream &stream, const FamilyCase_t &familyCase )
 	return stream << familyCase.m_pName;
 }
 
+// scores = [ 1, 2, 3 ]; Main sets element nIndex to 20 and logs element 1.
+std::string ArrayElementCase( int nIndex )
+{
+	return R"({ _class = "CPulseDoc_VariableDefinition" m_NodeID = 10 m_Name = "scores" m_Value = { m_Type = "PVAL_ARRAY:PVAL_INT" m_Value = [ 1, 2, 3 ] } },)" +
+		MainRunning( R"({ _class = "CPulseDoc_Step_SetVar" m_NodeID = 3 m_VarDefID = 10 m_nArrayIndexDimension = 1 m_Value = )" + Literal( "PVAL_INT", "20" ) +
+					 " m_ArrayIndexPorts = [ " + Literal( "PVAL_INT", std::to_string( nIndex ) ) + " ] }," + LogOf( 4, 5 ) ) +
+		R"({ _class = "CPulseDoc_Value_VarOrConstReference" m_NodeID = 6 m_SourceID = 10 },)" +
+		R"({ _class = "CPulseDoc_Value_ArrayElement" m_NodeID = 7 m_Children = [ )" + Inparam( 6, "value", "array" ) +
+		R"( ] m_Array = { m_ValueSource = "port" } m_Index = )" + Literal( "PVAL_INT", "1" ) + " }," + Expression( 5, "\"\" + $e", { { "$e", 7, "element" } } );
+}
+
 std::vector<FamilyCase_t> FamilyCases()
 {
 	return {
@@ -108,6 +119,10 @@ std::vector<FamilyCase_t> FamilyCases()
 			  R"({ _class = "CPulseDoc_Value_VarOrConstReference" m_NodeID = 6 m_SourceID = 11 },)" +
 			  Expression( 4, "$l + \" lives, \" + $b", { { "$l", 5, "value" }, { "$b", 6, "value" } } ),
 		  { "3 lives, 100" } },
+		{ "ArrayElementSetThenRead", ArrayElementCase( 1 ), { "20" } },
+		{ "ArrayElementSetAtTheFirstIndex", ArrayElementCase( 0 ), { "2" } },
+		{ "ArrayElementOutsideTheArrayLeavesItAsItWas", ArrayElementCase( 3 ), { "Pulse: Bad array index 3 (array has 3 elements) (test.tpulse:3)", "2" } },
+		{ "ArrayElementBelowTheArrayLeavesItAsItWas", ArrayElementCase( -1 ), { "Pulse: Bad array index -1 (array has 3 elements) (test.tpulse:3)", "2" } },
 		{ "CastOfAFloatToAnInteger",
 		  MainRunning( LogOf( 3, 4 ) ) + R"({ _class = "CPulseDoc_Cast" m_NodeID = 5 m_TargetType = "PVAL_INT")" +
 			  R"( m_Source = { m_UserRefinedType = "PVAL_FLOAT" m_LiteralValue = 2.75 } },)" + Expression( 4, "\"as integer \" + $n", { { "$n", 5, "retval" } } ),
@@ -159,6 +174,8 @@ TEST( PulseDocCompileErrors, AChunkBeyondTheRuntimesRegisterOffsetsIsRefused )
 	ASSERT_FALSE( pCompiled->m_Messages.GetMessages().empty() );
 	const std::string first = pCompiled->m_Messages.GetMessages().front().ToText().Get();
 	EXPECT_NE( first.find( "Chunk 0 needs more than 65535 bytes of registers; the runtime's offsets reach no further" ), std::string::npos ) << first;
+	// Said once: the expressions and inparams after it fail for the same reason.
+	EXPECT_EQ( pCompiled->m_Messages.GetMessages().size(), 1u ) << pCompiled->Messages().substr( 0, 1000 );
 }
 
 TEST( PulseDocCompileErrors, ALongExpressionKeepsTheReasonInItsMessage )

@@ -11,6 +11,7 @@
 #include <filesystem>
 #include <fstream>
 
+#include "core/kv3/kv3serialize.h"
 #include "pulse_runtime_lib/graph/pulsegraphbinder.h"
 #include "pulsedoctest.h"
 #include "tests/support/pulseexpectedrun.h"
@@ -60,6 +61,42 @@ TEST_P( PulseDocRunTest, RunsAndLogsTheExpectedLines )
 	const ExpectedDoc_t &expected = GetParam();
 	ASSERT_GE( expected.m_Command.size(), 2u );
 	EXPECT_EQ( RunPulseDoc( ReadFile( expected.m_Command[ 1 ] ), PulseRunOptionsOf( expected.m_Command ) ), expected.m_Lines );
+}
+
+// Detaching every register after its last read (not only arrays) must not change what
+// a graph does: a value read after its register was freed would log differently.
+TEST_P( PulseDocRunTest, RunsTheSameWithEveryRegisterTemporary )
+{
+	const ExpectedDoc_t &expected = GetParam();
+	ASSERT_GE( expected.m_Command.size(), 2u );
+	PulseCompileOptions_t options;
+	options.m_bEveryRegisterIsTemporary = true;
+	EXPECT_EQ( RunPulseDoc( ReadFile( expected.m_Command[ 1 ] ), PulseRunOptionsOf( expected.m_Command ), options ), expected.m_Lines );
+}
+
+// The analysis log of a verbose compile says what it found, and asking for it changes
+// nothing in the compiled graph.
+TEST_P( PulseDocRunTest, AVerboseCompileLogsItsAnalysisAndCompilesTheSameGraph )
+{
+	const std::string text = ReadFile( GetParam().m_Command.at( 1 ) );
+	std::unique_ptr<PulseDocCompiled_t> pQuiet = CompilePulseDocText( text );
+	ASSERT_TRUE( pQuiet->m_bCompiled ) << pQuiet->Messages();
+	EXPECT_STREQ( pQuiet->m_Result.m_Log.Get(), "" );
+	CUtlString quiet;
+	ASSERT_TRUE( SaveKV3ToString( &pQuiet->m_Result.m_Definition, &quiet, KV3_FORMAT_GENERIC ) );
+	for ( int nVerbosity : { 1, 2 } )
+	{
+		PulseCompileOptions_t options;
+		options.m_nVerbosity = nVerbosity;
+		std::unique_ptr<PulseDocCompiled_t> pVerbose = CompilePulseDocText( text, options );
+		ASSERT_TRUE( pVerbose->m_bCompiled ) << pVerbose->Messages();
+		const std::string log = pVerbose->m_Result.m_Log.Get();
+		EXPECT_NE( log.find( "Complete!" ), std::string::npos ) << log;
+		EXPECT_EQ( log.find( "Dominator Iteration" ) != std::string::npos, nVerbosity >= 2 ) << log;
+		CUtlString verbose;
+		ASSERT_TRUE( SaveKV3ToString( &pVerbose->m_Result.m_Definition, &verbose, KV3_FORMAT_GENERIC ) );
+		EXPECT_EQ( std::string( verbose.Get() ), std::string( quiet.Get() ) ) << "verbosity " << nVerbosity;
+	}
 }
 
 INSTANTIATE_TEST_SUITE_P( Documents, PulseDocRunTest, testing::ValuesIn( AllExpected( ".out" ) ),

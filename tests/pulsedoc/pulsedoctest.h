@@ -72,9 +72,9 @@ inline std::unique_ptr<PulseDocCompiled_t> CompilePulseDocText( const std::strin
 }
 
 // The lines a run logs; the test fails when the document doesn't compile or the run fails.
-inline std::vector<std::string> RunPulseDoc( const std::string &text, const PulseRunOptions_t &options = {} )
+inline std::vector<std::string> RunPulseDoc( const std::string &text, const PulseRunOptions_t &options = {}, const PulseCompileOptions_t &compileOptions = {} )
 {
-	std::unique_ptr<PulseDocCompiled_t> pCompiled = CompilePulseDocText( text );
+	std::unique_ptr<PulseDocCompiled_t> pCompiled = CompilePulseDocText( text, compileOptions );
 	EXPECT_TRUE( pCompiled->m_bCompiled ) << pCompiled->Messages();
 	if ( !pCompiled->m_bCompiled )
 		return {};
