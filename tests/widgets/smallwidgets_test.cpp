@@ -11,6 +11,7 @@
 #include <QtTest/QTest>
 
 #include "tools/widgets/connecthelper.h"
+#include "tools/widgets/elidedcheckbox.h"
 #include "tools/widgets/elidedlabel.h"
 #include "tools/widgets/hoverbutton.h"
 
@@ -61,6 +62,38 @@ TEST( ElidedLabel, AKeptTailStaysWholeLongerThanThePrefix )
 		EXPECT_TRUE( shown.endsWith( QString::fromUtf8( c.m_pEnds ) ) ) << shown.toStdString();
 		EXPECT_LE( metrics.horizontalAdvance( shown ), label.contentsRect().width() ) << shown.toStdString();
 	}
+}
+
+// A narrow check box ends its text in dots rather than clipping a letter in half, grows
+// back to the whole text, and still toggles.
+TEST( ElidedCheckBox, CutsItsTextWithDotsAndGrowsBack )
+{
+	QWidget window;
+	auto *pBox = new CQElidedCheckBox( QStringLiteral( "Randomly Flip Sign" ), &window );
+	window.show();
+	const int nWhole = pBox->sizeHint().width();
+	EXPECT_GT( nWhole, pBox->fontMetrics().horizontalAdvance( pBox->text() ) ) << "asks for the whole text and the box";
+	EXPECT_LT( pBox->minimumSizeHint().width(), 30 );
+
+	pBox->resize( nWhole / 2, pBox->sizeHint().height() );
+	const QString shown = pBox->GetShownText();
+	EXPECT_TRUE( shown.endsWith( QChar( 0x2026 ) ) ) << shown.toStdString();
+	EXPECT_TRUE( shown.startsWith( QStringLiteral( "Rand" ) ) ) << shown.toStdString();
+	EXPECT_EQ( pBox->toolTip(), pBox->text() );
+	QTest::mouseClick( pBox, Qt::LeftButton, Qt::NoModifier, QPoint( 6, pBox->height() / 2 ) );
+	EXPECT_TRUE( pBox->isChecked() );
+
+	pBox->resize( nWhole, pBox->sizeHint().height() );
+	EXPECT_EQ( pBox->GetShownText(), pBox->text() );
+	EXPECT_TRUE( pBox->toolTip().isEmpty() );
+	// The painted box really shows it: a render is not blank.
+	QImage image( pBox->size(), QImage::Format_ARGB32 );
+	image.fill( Qt::transparent );
+	pBox->render( &image );
+	int nPainted = 0;
+	for ( int x = 0; x < image.width(); ++x )
+		nPainted += qAlpha( image.pixel( x, image.height() / 2 ) ) > 0;
+	EXPECT_GT( nPainted, 0 );
 }
 
 TEST( HoverButton, TellsEnterAndLeave )

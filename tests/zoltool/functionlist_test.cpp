@@ -37,6 +37,7 @@
 #include "tools/widgets/hoverbutton.h"
 #include "tools/zol/editor/functionlist/assetparentchildmenu.h"
 #include "tools/zol/editor/functionlist/editfunctionbutton.h"
+#include "testqapplication.h"
 #include "tools/zol/editor/functionlist/particlechildwidget.h"
 #include "tools/zol/editor/functionlist/particlefunctionchildren.h"
 #include "tools/zol/editor/functionlist/particlefunctionlist.h"
@@ -200,6 +201,32 @@ TEST_F( FunctionListTest, ShowsEverySectionAndNodeOfTheCampfireWithTheirTexts )
 		for ( int x = 4; x < 60; ++x )
 			nLit += qGray( thumbnail.pixel( x, y ) ) > 60;
 	EXPECT_GT( nLit, 20 ) << "the smoke's particles glow in its thumbnail";
+}
+
+// In a narrow list a row keeps its name and cuts the value beside it first.
+TEST( FunctionListRow, ANarrowRowKeepsTheNameAndCutsTheValue )
+{
+	EnsureTestQApplication();
+	CQEditFunctionButton button( nullptr, true );
+	button.SetTexts( QStringLiteral( "Alpha" ), QStringLiteral( "= Particle Age (0-1) Curve" ), QString() );
+	button.resize( 150, 26 );
+	button.show();
+	QApplication::processEvents();
+	EXPECT_EQ( button.GetNameLabel()->GetShownText(), QStringLiteral( "Alpha" ) );
+	EXPECT_NE( button.GetValueLabel()->GetShownText(), button.GetValueLabel()->GetText() ) << "the value gives way";
+
+	// A long name is cut too once the value has no room left, not before.
+	button.SetTexts( QStringLiteral( "Continuous Emitter With A Long Name" ), QStringLiteral( "= 12" ), QString() );
+	button.resize( 170, 26 );
+	QApplication::processEvents();
+	EXPECT_GE( button.GetNameLabel()->width(), 110 );
+	EXPECT_TRUE( button.GetNameLabel()->GetShownText().startsWith( QStringLiteral( "Continuous" ) ) ) << button.GetNameLabel()->GetShownText().toStdString();
+
+	// With room enough both are whole.
+	button.resize( 600, 26 );
+	QApplication::processEvents();
+	EXPECT_EQ( button.GetNameLabel()->GetShownText(), button.GetNameLabel()->GetText() );
+	EXPECT_EQ( button.GetValueLabel()->GetShownText(), QStringLiteral( "= 12" ) );
 }
 
 TEST_F( FunctionListTest, VariablesSectionFollowsTheSwitchNotTheNodes )

@@ -81,6 +81,9 @@ CQEditFunctionButton::CQEditFunctionButton( CQParticleFunctionBaseWidget *pOwner
 void CQEditFunctionButton::SetTexts( const QString &name, const QString &value, const QString &hint )
 {
 	m_pNameLabel->SetText( name );
+	// The name is what an artist looks for: in a narrow list the value beside it gives way
+	// first, and the name keeps up to NAME_KEPT_WIDTH pixels before it is cut too.
+	m_pNameLabel->setMinimumWidth( qMin( m_pNameLabel->sizeHint().width(), NAME_KEPT_WIDTH ) );
 	m_pValueLabel->SetText( value );
 	m_pValueLabel->setVisible( !value.isEmpty() );
 	setToolTip( hint );

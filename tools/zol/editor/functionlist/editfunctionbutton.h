@@ -51,6 +51,7 @@ protected:
 	void mouseDoubleClickEvent( QMouseEvent *pEvent ) override;
 
 private:
+	static constexpr int NAME_KEPT_WIDTH = 120;
 	CQParticleFunctionBaseWidget *m_pOwner;
 	QCheckBox *m_pCheckBox = nullptr;
 	CQElidedLabel *m_pNameLabel = nullptr;

@@ -17,6 +17,7 @@
 #include "particleslib/particlenoisepreview.h"
 #include "pulse_runtime_lib/valuetypes/pulsevaluefulltype.h"
 #include "tools/widgets/curveeditorwidget.h"
+#include "tools/widgets/elidedcheckbox.h"
 #include "tools/widgets/sliderlineeditfloat.h"
 #include "tools/widgets/smartlineedit.h"
 #include "tools/widgets/vectoredit.h"
@@ -184,11 +185,9 @@ void CQParticleFloatInputEditor::BuildWidgets()
 
 	// Randoms' second row, and a biased random's curve.
 	AddRow( FLOAT_INPUT_ROW_HEIGHT );
-	m_pRandomSignFlip = OnPage( FLOAT_PAGE_RANDOM, new QCheckBox( QStringLiteral( "Randomly Flip Sign" ), this ), "RandomSignFlip" );
+	// In a narrow column the box cuts its text with "..." first, never the seed field.
+	m_pRandomSignFlip = OnPage( FLOAT_PAGE_RANDOM, new CQElidedCheckBox( QStringLiteral( "Randomly Flip Sign" ), this ), "RandomSignFlip" );
 	m_pRandomSignFlip->setFixedHeight( 22 );
-	// In a narrow column the box gives up the end of its text first, never the seed field.
-	m_pRandomSignFlip->setMinimumWidth( 24 );
-	m_pRandomSignFlip->setToolTip( m_pRandomSignFlip->text() );
 	OnPage( FLOAT_PAGE_RANDOM, MakeLabel( QStringLiteral( "Random Seed:" ), this ) );
 	m_pRandomSeed = OnPage( FLOAT_PAGE_RANDOM, MakeNumberEdit( this, true ), "RandomSeed" );
 	m_pRandomSeed->setPlaceholderText( QStringLiteral( "-1" ) );
