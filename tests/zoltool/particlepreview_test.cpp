@@ -227,6 +227,28 @@ TEST_F( ZolPreviewTest, ABrokenEditKeepsTheLastGoodDefinitionRunningWithoutARest
 	EXPECT_GT( pSystem->GetCollection()->GetActiveParticleCount( false ), 0 );
 }
 
+// A system whose particles nothing ends would run for ever after a stop: the view says so
+// while that holds, and the warning goes with the edit that caused it.
+TEST_F( ZolPreviewTest, TheViewWarnsWhileNothingEndsTheParticles )
+{
+	CZolSession *pSession = Open( "particles/samples/fire.tfxs" );
+	ASSERT_NE( pSession, nullptr );
+	CQToolSceneWidget *pScene = m_pPreview->GetSceneWidget();
+	Frames( 3 );
+	EXPECT_FALSE( pScene->IsOverlayIndicatorVisible( m_pPreview->GetWillNotEndIndicator() ) );
+
+	CBaseZolNode *pDecay = pSession->GetDoc()->GetRoot()->GetNode( PARTICLE_FUNCTION_OPERATOR, 1 );
+	ASSERT_NE( pDecay, nullptr );
+	ASSERT_STREQ( pDecay->GetClassName(), "C_OP_Decay" );
+	pSession->GetDoc()->SetElementEnabled( pDecay, false );
+	Frames( 3 );
+	EXPECT_TRUE( pScene->IsOverlayIndicatorVisible( m_pPreview->GetWillNotEndIndicator() ) );
+
+	pSession->GetDoc()->SetElementEnabled( pSession->GetDoc()->GetRoot()->GetNode( PARTICLE_FUNCTION_OPERATOR, 1 ), true );
+	Frames( 3 );
+	EXPECT_FALSE( pScene->IsOverlayIndicatorVisible( m_pPreview->GetWillNotEndIndicator() ) );
+}
+
 TEST_F( ZolPreviewTest, HideGizmoClearsTheSelectedControlPoint )
 {
 	CZolSession *pSession = Open( "particles/samples/campfire.tfxs" );

@@ -63,6 +63,9 @@ public:
 	// The step of a culled system: time and emission advance, nothing moves.
 	virtual void SimulateCulled( float flDt ) = 0;
 	virtual bool IsFinished() const = 0;
+	// True when stopping emission would not end the tree: some system of it emits
+	// particles and has nothing that ever ends their lives.
+	virtual bool WillNotEndOnStop() const = 0;
 	virtual void StopEmission( bool bInfiniteOnly, bool bRemoveAllParticles, bool bWakeOnStop, bool bPlayEndCap ) = 0;
 
 	virtual int GetActiveParticleCount( bool bIncludeChildren = false ) const = 0;

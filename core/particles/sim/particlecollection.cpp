@@ -648,6 +648,27 @@ void CParticleCollection::SimulateCulled( float flDt )
 		pChild->SimulateCulled( flDt );
 }
 
+bool CParticleCollection::WillNotEndOnStop() const
+{
+	if ( !m_pDefinition->GetFunctions( PARTICLE_FUNCTION_EMITTER ).empty() )
+	{
+		bool bEndsLives = false;
+		for ( int nList = 0; nList < PARTICLE_FUNCTION_CLASS_LIST_COUNT && !bEndsLives; ++nList )
+		{
+			for ( const auto &pFunction : m_pDefinition->GetFunctions( ParticleFunctionType_t( nList ) ) )
+				bEndsLives = bEndsLives || pFunction->m_bEndsLives;
+		}
+		if ( !bEndsLives )
+			return true;
+	}
+	for ( const auto &pChild : m_Children )
+	{
+		if ( pChild->WillNotEndOnStop() )
+			return true;
+	}
+	return false;
+}
+
 bool CParticleCollection::IsFinished() const
 {
 	if ( m_nActive > 0 )

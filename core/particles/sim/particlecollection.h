@@ -74,6 +74,7 @@ public:
 	void Simulate( float flDt ) override;
 	void SimulateCulled( float flDt ) override;
 	bool IsFinished() const override;
+	bool WillNotEndOnStop() const override;
 	void StopEmission( bool bInfiniteOnly, bool bRemoveAllParticles, bool bWakeOnStop, bool bPlayEndCap ) override;
 	int GetActiveParticleCount( bool bIncludeChildren ) const override;
 	int GetAllocatedParticleCount() const override { return m_nCapacity; }

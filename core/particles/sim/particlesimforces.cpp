@@ -269,6 +269,7 @@ public:
 		m_flPlaneOffset = reader.Float( "m_flPlaneOffset", 0.0f );
 		m_nControlPoint = reader.Int( "m_nControlPointNumber", 0 );
 		m_nResponse = reader.Enum( "m_nResponse", s_Responses, 3, PARTICLE_COLLISION_BOUNCE );
+		m_bEndsLives = m_nResponse == PARTICLE_COLLISION_KILL;
 		m_Bounce = CSimFloatInput( 0.5f );
 		reader.FloatInput( "m_flBounceAmount", &m_Bounce, true );
 		reader.FloatInput( "m_flSlideAmount", &m_Slide, true );

@@ -66,6 +66,9 @@ public:
 	bool m_bHasBehaviour = true;
 	// Runs in a culled step too: functions that end lives, so culled systems still finish.
 	bool m_bRunsWhenCulled = false;
+	// Ends particles' lives (by age, fade, alpha or collision). A system that emits and has
+	// none of these keeps its particles for ever once emission stops.
+	bool m_bEndsLives = false;
 };
 
 using ParticleSimFunctionFactory_t = std::unique_ptr<CParticleSimFunction> ( * )();

@@ -94,6 +94,7 @@ public:
 		reader.Reads( PARTICLE_ATTRIBUTE_CREATION_TIME );
 		reader.Reads( PARTICLE_ATTRIBUTE_LIFE_DURATION );
 		m_bRunsWhenCulled = true;
+		m_bEndsLives = true;
 	}
 
 	void Operate( CParticleCollection &c, float ) const override { KillExpired( c ); }
@@ -368,6 +369,7 @@ public:
 		reader.Writes( PARTICLE_ATTRIBUTE_ALPHA );
 		reader.ReadsInitial( PARTICLE_ATTRIBUTE_ALPHA );
 		m_bRunsWhenCulled = true;
+		m_bEndsLives = true;
 	}
 
 	void KillExpired( CParticleCollection &c ) const override
@@ -548,6 +550,7 @@ public:
 	{
 		m_flMinAlpha = reader.Float( "m_flMinAlpha", 0.0f );
 		reader.Reads( PARTICLE_ATTRIBUTE_ALPHA );
+		m_bEndsLives = true;
 	}
 
 	void Operate( CParticleCollection &c, float ) const override

@@ -80,6 +80,38 @@ TEST( ParticleCollection, ParticlesWithoutDecayLiveOn )
 	auto pCollection = MakeCollection( CompileBody( R"(m_Emitters = [ { _class = "C_OP_InstantaneousEmitter" m_nParticlesToEmit = 5 } ])" ) );
 	Step( pCollection.get(), 120 );
 	EXPECT_EQ( pCollection->GetActiveParticleCount( false ), 5 );
+	EXPECT_TRUE( pCollection->WillNotEndOnStop() );
+	pCollection->StopEmission( false, false, false, false );
+	Step( pCollection.get(), 120 );
+	EXPECT_FALSE( pCollection->IsFinished() ) << "as it said";
+}
+
+// Whether a stop ends the tree: a system that emits needs something that ends lives;
+// one that emits nothing never holds the tree up, its children may.
+TEST( ParticleCollection, WillNotEndOnStopLooksForWhatEndsLivesInTheWholeTree )
+{
+	const char *pEmits = R"(m_Emitters = [ { _class = "C_OP_InstantaneousEmitter" m_nParticlesToEmit = 5 } ])";
+	auto fnWillNotEnd = [ & ]( const std::string &body, const std::string &child = "" ) {
+		std::map<std::string, std::string> children;
+		std::string parent = body;
+		if ( !child.empty() )
+		{
+			children[ "particles/child.tfxs" ] = DefinitionText( child );
+			parent += R"( m_Children = [ { m_ChildRef = "particles/child.tfxs" } ])";
+		}
+		auto pCollection = MakeCollection( CompileBody( parent, children ) );
+		EXPECT_TRUE( pCollection ) << parent;
+		return pCollection && pCollection->WillNotEndOnStop();
+	};
+	const std::string decays = std::string( pEmits ) + R"( m_Operators = [ { _class = "C_OP_Decay" } ])";
+	EXPECT_FALSE( fnWillNotEnd( decays ) );
+	EXPECT_FALSE( fnWillNotEnd( std::string( pEmits ) + R"( m_Operators = [ { _class = "C_OP_FadeAndKill" } ])" ) );
+	EXPECT_FALSE( fnWillNotEnd( std::string( pEmits ) + R"( m_Operators = [ { _class = "C_OP_AlphaDecay" } ])" ) );
+	EXPECT_TRUE( fnWillNotEnd( std::string( pEmits ) + R"( m_Operators = [ { _class = "C_OP_BasicMovement" } ])" ) );
+	EXPECT_FALSE( fnWillNotEnd( "m_nMaxParticles = 10" ) ) << "nothing emitted, nothing kept";
+	EXPECT_TRUE( fnWillNotEnd( decays, pEmits ) ) << "a child that keeps its particles";
+	EXPECT_TRUE( fnWillNotEnd( "m_nMaxParticles = 10", pEmits ) );
+	EXPECT_FALSE( fnWillNotEnd( decays, decays ) );
 }
 
 TEST( ParticleCollection, ChildStartsAfterItsDelay )

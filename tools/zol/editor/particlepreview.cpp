@@ -477,6 +477,8 @@ void CQParticlePreview::Update()
 	}
 	m_pSceneWidget->Tick( m_flSimulationRate );
 	UpdateInformationText();
+	const IParticleCollection *pCollection = m_pParticleSystem->GetCollection();
+	m_pSceneWidget->SetOverlayIndicatorVisible( m_nWillNotEndIndicator, pCollection && pCollection->WillNotEndOnStop() );
 	UpdateControlPointAxes();
 }
 

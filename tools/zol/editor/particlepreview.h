@@ -66,6 +66,9 @@ public:
 	CZolSession *GetSession() const { return m_pSession; }
 	CToolScene &GetScene() { return m_Scene; }
 	CQToolSceneWidget *GetSceneWidget() const { return m_pSceneWidget; }
+	// The overlay indicator "System will not end on stop!", shown while the running tree keeps
+	// particles that nothing ends.
+	int GetWillNotEndIndicator() const { return m_nWillNotEndIndicator; }
 	CToolSceneParticleSystem *GetParticleSystem() const { return m_pParticleSystem.get(); }
 	CToolSceneGrid *GetGround() const { return m_pGround.get(); }
 	CToolSceneModel *GetPreviewModel() const { return m_pPreviewModel.get(); }
