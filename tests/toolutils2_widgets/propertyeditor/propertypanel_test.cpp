@@ -258,6 +258,34 @@ TEST_F( PropertyPanelTest, TypingWritesOneStepAndTextThatIsNoNumberIsRefused )
 	EXPECT_FALSE( m_pPanel->FindRowWidget( "m_bEnabled" )->GetLabel()->text().contains( "<b>" ) );
 }
 
+// A label longer than its column ends in dots, the whole label in its tool tip; with room
+// again it is whole, and the column is measured from whole labels, never cut ones.
+TEST_F( PropertyPanelTest, ALabelTooLongForItsColumnEndsInDots )
+{
+	CQPropertyRowWidget *pEnabled = m_pPanel->FindRowWidget( "m_bEnabled" );
+	ASSERT_NE( pEnabled, nullptr );
+	const int nWholeHint = pEnabled->GetLabelHint();
+	EXPECT_FALSE( pEnabled->GetLabel()->text().contains( QChar( 0x2026 ) ) );
+
+	pEnabled->SetLabelWidth( nWholeHint - 20 );
+	EXPECT_TRUE( pEnabled->GetLabel()->text().contains( QChar( 0x2026 ) ) ) << pEnabled->GetLabel()->text().toStdString();
+	EXPECT_TRUE( pEnabled->GetLabel()->text().startsWith( QStringLiteral( "En" ) ) ) << pEnabled->GetLabel()->text().toStdString();
+	EXPECT_EQ( pEnabled->GetLabel()->toolTip(), QStringLiteral( "Enabled" ) );
+	EXPECT_EQ( pEnabled->GetLabelHint(), nWholeHint );
+
+	// A mark that follows the label (bold for a changed value) is kept while it is cut.
+	Type( Plain( "m_nCount" )->GetLineEdit(), "40" );
+	QApplication::processEvents();
+	CQPropertyRowWidget *pCount = m_pPanel->FindRowWidget( "m_nCount" );
+	pCount->SetLabelWidth( pCount->GetLabelHint() - 12 );
+	EXPECT_TRUE( pCount->GetLabel()->text().contains( "<b>" ) );
+	EXPECT_TRUE( pCount->GetLabel()->text().contains( QChar( 0x2026 ) ) );
+
+	pEnabled->SetLabelWidth( nWholeHint + 40 );
+	EXPECT_EQ( pEnabled->GetLabel()->text(), QStringLiteral( "Enabled" ) );
+	EXPECT_TRUE( pEnabled->GetLabel()->toolTip().isEmpty() );
+}
+
 TEST_F( PropertyPanelTest, ASliderDragIsOneStepWithOrWithoutShift )
 {
 	CQSlider *pSlider = Plain( "m_flRate" )->GetSlider()->GetSlider();

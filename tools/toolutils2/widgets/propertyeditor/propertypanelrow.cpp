@@ -1,6 +1,9 @@
 #include "tools/toolutils2/widgets/propertyeditor/propertypanelrow.h"
 
+#include <algorithm>
+
 #include <QContextMenuEvent>
+#include <QFontMetrics>
 #include <QHBoxLayout>
 #include <QIcon>
 #include <QLabel>
@@ -84,28 +87,50 @@ CQPropertyRowWidget::CQPropertyRowWidget( PropertyPanelRow_t *pRow, QWidget *pPa
 
 void CQPropertyRowWidget::SetLabelWidth( int nWidth )
 {
-	if ( m_pRow->m_eKind != PropertyPanelRow_t::KIND_GROUP )
-		m_pLabelArea->setFixedWidth( nWidth );
+	if ( m_pRow->m_eKind == PropertyPanelRow_t::KIND_GROUP || nWidth == m_nLabelWidth )
+		return;
+	m_pLabelArea->setFixedWidth( nWidth );
+	m_nLabelWidth = nWidth;
+	UpdateLabel();
 }
 
 int CQPropertyRowWidget::GetLabelHint() const
 {
-	return m_pRow->m_nDepth * INDENT_PER_DEPTH + EXPANDER_SIZE + 2 + m_pLabel->sizeHint().width();
+	return m_pRow->m_nDepth * INDENT_PER_DEPTH + EXPANDER_SIZE + 2 + m_nFullLabelHint;
 }
 
 void CQPropertyRowWidget::UpdateLabel()
 {
 	const ZolPropertyRowInfo &info = m_pRow->m_Info;
-	QString text = m_pRow->m_Label.toHtmlEscaped();
-	bool bBold = m_pRow->m_eKind == PropertyPanelRow_t::KIND_GROUP || info.m_bDiffersFromDefault;
-	if ( bBold )
-		text = QStringLiteral( "<b>%1</b>" ).arg( text );
-	if ( info.m_RowColor[ 3 ] != 0 )
-		text = QStringLiteral( "<span style=\"color:rgb(%1,%2,%3)\">%4</span>" ).arg( info.m_RowColor[ 0 ] ).arg( info.m_RowColor[ 1 ] ).arg( info.m_RowColor[ 2 ] ).arg( text );
-	if ( info.m_bRequiredAndEmpty )
-		text += QStringLiteral( " <span style=\"color:red\">*</span>" );
+	const bool bBold = m_pRow->m_eKind == PropertyPanelRow_t::KIND_GROUP || info.m_bDiffersFromDefault;
+	auto fnMarkUp = [ & ]( const QString &label ) {
+		QString text = label.toHtmlEscaped();
+		if ( bBold )
+			text = QStringLiteral( "<b>%1</b>" ).arg( text );
+		if ( info.m_RowColor[ 3 ] != 0 )
+			text = QStringLiteral( "<span style=\"color:rgb(%1,%2,%3)\">%4</span>" ).arg( info.m_RowColor[ 0 ] ).arg( info.m_RowColor[ 1 ] ).arg( info.m_RowColor[ 2 ] ).arg( text );
+		if ( info.m_bRequiredAndEmpty )
+			text += QStringLiteral( " <span style=\"color:red\">*</span>" );
+		return text;
+	};
+	QString text = fnMarkUp( m_pRow->m_Label );
 	if ( m_pLabel->text() != text )
 		m_pLabel->setText( text );
+	m_nFullLabelHint = m_pLabel->sizeHint().width();
+	// A label longer than its column ends in "..." (the whole of it in the tool tip) rather
+	// than being cut off mid-letter.
+	const int nRoom = m_nLabelWidth - ( m_pRow->m_nDepth * INDENT_PER_DEPTH + EXPANDER_SIZE + 2 );
+	QString toolTip;
+	if ( m_nLabelWidth >= 0 && m_nFullLabelHint > nRoom )
+	{
+		QFont font = m_pLabel->font();
+		font.setBold( bBold );
+		const QFontMetrics metrics( font );
+		const int nMarks = m_nFullLabelHint - metrics.horizontalAdvance( m_pRow->m_Label );
+		m_pLabel->setText( fnMarkUp( metrics.elidedText( m_pRow->m_Label, Qt::ElideRight, std::max( nRoom - nMarks, 0 ) ) ) );
+		toolTip = m_pRow->m_Label;
+	}
+	m_pLabel->setToolTip( toolTip );
 	m_pLabel->setEnabled( !info.m_bReadOnly || m_pRow->m_eKind == PropertyPanelRow_t::KIND_GROUP );
 }
 

@@ -103,4 +103,8 @@ private:
 	QHBoxLayout *m_pLayout = nullptr;
 	QHBoxLayout *m_pButtons = nullptr;
 	bool m_bExpanded = true;
+	// The label column's width (-1: a heading, as wide as the row) and the room the whole
+	// label would take, measured before it is cut to fit.
+	int m_nLabelWidth = -1;
+	int m_nFullLabelHint = 0;
 };
