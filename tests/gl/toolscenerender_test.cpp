@@ -146,3 +146,42 @@ TEST_F( ToolSceneRenderTest, TexturesShapeSpritesAndAMissingOneShowsAStandIn )
 			nMagenta += ColorDistance( image.pixel( x, y ), 255, 0, 255 ) <= 4;
 	EXPECT_GT( nMagenta, 100 );
 }
+
+// Sprites that face the screen, turn about world Z only, lie flat on world Z, or follow
+// their particle's normal: from the side a flat one is only an edge, from above the
+// upright ones are.
+TEST_F( ToolSceneRenderTest, SpritesFaceAsTheirOrientationSays )
+{
+	COffscreenToolSceneWindow *pWindow = RenderWindow();
+	ASSERT_NE( pWindow, nullptr );
+	const Vector vFlat( 0, 35, 0 ), vUpright( 0, 0, 0 ), vNormal( 0, -35, 0 );
+	AddSystem( OneParticle( "[ 255, 0, 0, 255 ]", 12.0f, "{ _class = \"C_OP_RenderSprites\" m_nOrientationType = \"PARTICLE_ORIENTATION_WORLD_Z_ALIGNED\" }" ), vFlat );
+	AddSystem( OneParticle( "[ 0, 255, 0, 255 ]", 12.0f, "{ _class = \"C_OP_RenderSprites\" m_nOrientationType = \"PARTICLE_ORIENTATION_SCREEN_Z_ALIGNED\" }" ), vUpright );
+	std::string facing = OneParticle( "[ 0, 0, 255, 255 ]", 12.0f, "{ _class = \"C_OP_RenderSprites\" m_nOrientationType = \"PARTICLE_ORIENTATION_ALIGN_TO_PARTICLE_NORMAL\" }" );
+	const std::string lifetime = "{ _class = \"C_INIT_RandomLifeTime\"";
+	facing.insert( facing.find( lifetime ), "{ _class = \"C_INIT_InitVec\" m_nOutputField = 21 m_InputValue = { m_nType = \"PVEC_TYPE_LITERAL\" m_vLiteralValue = [ -1.0, 0.0, 0.0 ] } }, " );
+	AddSystem( facing, vNormal );
+	m_Scene.Update( 1.0f / 60.0f, 1.0f );
+
+	// Edge-on: the pixel at four fifths of the radius off the sprite's centre, across the edge.
+	auto fnCovers = [ & ]( const QImage &image, const ToolSceneView_t &view, const Vector &vPlace, int r, int g, int b ) {
+		float cx, cy, ux, uy;
+		EXPECT_TRUE( view.WorldToScreen( vPlace, &cx, &cy ) );
+		EXPECT_TRUE( view.WorldToScreen( ToolSceneMath::Add( vPlace, ToolSceneMath::Scale( view.m_vUp, 12.0f ) ), &ux, &uy ) );
+		const float h = cy - uy;
+		return ColorDistance( image.pixel( int( cx ), int( cy - 0.8f * h ) ), r, g, b ) <= 4 && ColorDistance( image.pixel( int( cx ), int( cy + 0.8f * h ) ), r, g, b ) <= 4;
+	};
+	ToolSceneView_t side = View();
+	QImage image = pWindow->Render( m_Scene, side );
+	EXPECT_FALSE( fnCovers( image, side, vFlat, 255, 0, 0 ) ) << "flat on the ground, seen from the side";
+	EXPECT_TRUE( fnCovers( image, side, vUpright, 0, 255, 0 ) );
+	EXPECT_TRUE( fnCovers( image, side, vNormal, 0, 0, 255 ) ) << "its normal points at the camera";
+
+	ToolSceneView_t above = View();
+	above.LookAt( Vector( -25, 0, 150 ), Vector( 0, 0, 0 ) );
+	above.Compute();
+	image = pWindow->Render( m_Scene, above );
+	EXPECT_TRUE( fnCovers( image, above, vFlat, 255, 0, 0 ) ) << "flat on the ground, seen from above";
+	EXPECT_FALSE( fnCovers( image, above, vUpright, 0, 255, 0 ) ) << "upright, seen from above";
+	EXPECT_FALSE( fnCovers( image, above, vNormal, 0, 0, 255 ) );
+}

@@ -176,7 +176,7 @@ struct ParticleColorSource_t
 };
 } // namespace
 
-const ToolSceneBatch_t &CToolSceneDrawList::AddTexturedBatch( std::vector<ToolSceneBatch_t> &batches, const ParticleDrawData_t &data, int nFirst )
+ToolSceneBatch_t &CToolSceneDrawList::AddTexturedBatch( std::vector<ToolSceneBatch_t> &batches, const ParticleDrawData_t &data, int nFirst )
 {
 	ToolSceneBatch_t &batch = batches.emplace_back();
 	batch.m_Texture = data.m_pResource ? data.m_pResource : "";
@@ -190,7 +190,8 @@ const ToolSceneBatch_t &CToolSceneDrawList::AddTexturedBatch( std::vector<ToolSc
 void CToolSceneDrawList::AddSprites( const ParticleDrawData_t &data, const IParticleCollection &collection, const ToolSceneView_t &view )
 {
 	ParticleColorSource_t source( data, collection );
-	const ToolSceneBatch_t &batch = AddTexturedBatch( m_SpriteBatches, data, int( m_Sprites.size() ) );
+	ToolSceneBatch_t &batch = AddTexturedBatch( m_SpriteBatches, data, int( m_Sprites.size() ) );
+	batch.m_nOrientation = data.m_nOrientation;
 	m_Sprites.resize( m_Sprites.size() + size_t( data.m_nCount ) );
 	ToolSceneSpriteInstance_t *pOut = m_Sprites.data() + batch.m_nFirst;
 	const float flRollScale = DegToRad( 1.0f );
@@ -202,6 +203,8 @@ void CToolSceneDrawList::AddSprites( const ParticleDrawData_t &data, const IPart
 		pOut->m_flRadius = source.Radius( i );
 		source.Color( i, 1.0f, pOut->m_Color );
 		pOut->m_flRoll = data.m_pRotation ? data.m_pRotation[ i ] * flRollScale : 0.0f;
+		for ( int k = 0; k < 3; ++k )
+			pOut->m_Normal[ k ] = data.m_pNormal[ k ] ? data.m_pNormal[ k ][ i ] : ( k == 2 ? 1.0f : 0.0f );
 	}
 	if ( !data.m_bAdditive )
 		SortBackToFront( batch.m_nFirst, batch.m_nCount, view );

@@ -35,6 +35,8 @@ struct ToolSceneSpriteInstance_t
 	float m_flRadius;
 	float m_Color[ 4 ];
 	float m_flRoll;
+	// The way it faces when its batch aligns sprites to their particles' normals.
+	float m_Normal[ 3 ];
 };
 
 // A ribbon from head to tail, as wide as twice the radius, facing the camera.
@@ -60,6 +62,8 @@ struct ToolSceneBatch_t
 	ParticleModelPtr_t m_pModel; // model batches
 	ToolSceneBlend_t m_eBlend = TOOLSCENE_BLEND_ALPHA;
 	float m_flOverbright = 1.0f;
+	// Sprites: which way they face (ParticleDrawData_t::m_nOrientation).
+	int m_nOrientation = 0;
 	// The ground: drawn first, behind everything, and hiding nothing.
 	bool m_bBackdrop = false;
 	int m_nFirst = 0;
@@ -106,7 +110,7 @@ public:
 private:
 	void AddCollection( const IParticleCollection &collection, const ToolSceneView_t &view );
 	// A batch of one renderer's texture and blend, for instances from nFirst on.
-	static const ToolSceneBatch_t &AddTexturedBatch( std::vector<ToolSceneBatch_t> &batches, const ParticleDrawData_t &data, int nFirst );
+	static ToolSceneBatch_t &AddTexturedBatch( std::vector<ToolSceneBatch_t> &batches, const ParticleDrawData_t &data, int nFirst );
 	void AddSprites( const ParticleDrawData_t &data, const IParticleCollection &collection, const ToolSceneView_t &view );
 	void AddTrails( const ParticleDrawData_t &data, const IParticleCollection &collection );
 	void AddModelParticles( const ParticleDrawData_t &data, const IParticleCollection &collection );

@@ -29,6 +29,10 @@ struct ParticleDrawData_t
 	// Sprites: added onto what lies behind instead of blended over it; colour brightened.
 	bool m_bAdditive = false;
 	float m_flOverbrightFactor = 1.0f;
+	// Sprites: which way they face (ParticleOrientation_t: 0 the screen, 1 the screen turned
+	// about world Z only, 2 up along world Z, 3 along each particle's normal).
+	int m_nOrientation = 0;
+	const float *m_pNormal[ 3 ] = {};
 
 	// Sprites: roll in degrees. Models: roll, yaw and pitch in degrees.
 	const float *m_pRotation = nullptr;

@@ -53,12 +53,23 @@ public:
 		m_bAdditive = reader.Bool( "m_bAdditive", false );
 		m_Overbright = CSimFloatInput( 1.0f );
 		reader.FloatInput( "m_flOverbrightFactor", &m_Overbright, false );
+		static const char *const s_Orientations[] = { "PARTICLE_ORIENTATION_SCREEN_ALIGNED", "PARTICLE_ORIENTATION_SCREEN_Z_ALIGNED",
+			"PARTICLE_ORIENTATION_WORLD_Z_ALIGNED", "PARTICLE_ORIENTATION_ALIGN_TO_PARTICLE_NORMAL" };
+		m_nOrientation = reader.Enum( "m_nOrientationType", s_Orientations, 4, 0 );
+		if ( m_nOrientation == 3 )
+			reader.Reads( PARTICLE_ATTRIBUTE_NORMAL );
 	}
 
 	void FillDrawData( const CParticleCollection &c, ParticleDrawData_t *pData ) const override
 	{
 		FillCommon( c, pData );
 		pData->m_eKind = PARTICLE_RENDERER_SPRITES;
+		pData->m_nOrientation = m_nOrientation;
+		if ( m_nOrientation == 3 )
+		{
+			for ( int k = 0; k < 3; ++k )
+				pData->m_pNormal[ k ] = c.Stream( PARTICLE_ATTRIBUTE_NORMAL, k );
+		}
 		pData->m_pResource = m_Resource.Get();
 		pData->m_flAlphaScale = m_AlphaScale.EvaluateCollection( c );
 		pData->m_flAddSelfAmount = m_flAddSelfAmount;
@@ -69,6 +80,7 @@ public:
 private:
 	float m_flAddSelfAmount = 0.0f;
 	bool m_bAdditive = false;
+	int m_nOrientation = 0;
 	CSimFloatInput m_Overbright;
 };
 

@@ -62,16 +62,43 @@ layout( location = 0 ) in vec2 aCorner;
 layout( location = 1 ) in vec4 aPositionRadius;
 layout( location = 2 ) in vec4 aColor;
 layout( location = 3 ) in float aRoll;
+layout( location = 4 ) in vec3 aNormal;
 uniform mat4 uViewProjection;
 uniform vec3 uRight;
 uniform vec3 uUp;
+uniform vec3 uForward;
+uniform int uOrientation;
 out vec2 vTexCoord;
 out vec4 vColor;
+// The plane's axes for a sprite facing along n: seen from that side, up leans to world +Z
+// (or +X for a sprite that faces straight up or down).
+void AxesFacing( vec3 n, out vec3 right, out vec3 up )
+{
+	n = dot( n, n ) > 1e-12 ? normalize( n ) : vec3( 0.0, 0.0, 1.0 );
+	vec3 reference = abs( n.z ) < 0.999 ? vec3( 0.0, 0.0, 1.0 ) : vec3( 1.0, 0.0, 0.0 );
+	right = normalize( cross( reference, n ) );
+	up = cross( n, right );
+}
 void main()
 {
+	vec3 right = uRight, up = uUp;
+	if ( uOrientation == 1 )
+	{
+		// Turned about world Z only, toward the camera.
+		vec3 side = cross( uForward, vec3( 0.0, 0.0, 1.0 ) );
+		if ( dot( side, side ) > 1e-6 )
+		{
+			right = normalize( side );
+			up = vec3( 0.0, 0.0, 1.0 );
+		}
+	}
+	else if ( uOrientation == 2 )
+		AxesFacing( vec3( 0.0, 0.0, 1.0 ), right, up );
+	else if ( uOrientation == 3 )
+		AxesFacing( aNormal, right, up );
 	float c = cos( aRoll ), s = sin( aRoll );
 	vec2 turned = vec2( aCorner.x * c - aCorner.y * s, aCorner.x * s + aCorner.y * c );
-	vec3 world = aPositionRadius.xyz + ( uRight * turned.x + uUp * turned.y ) * aPositionRadius.w;
+	vec3 world = aPositionRadius.xyz + ( right * turned.x + up * turned.y ) * aPositionRadius.w;
 	gl_Position = uViewProjection * vec4( world, 1.0 );
 	// Image rows run top to bottom.
 	vTexCoord = vec2( aCorner.x * 0.5 + 0.5, 0.5 - aCorner.y * 0.5 );
@@ -482,6 +509,7 @@ void CToolSceneRenderer::DrawQuadBatches( const std::vector<ToolSceneBatch_t> &b
 	const InstanceAttribute_t *pAttributes, int nAttributes, unsigned int nProgram )
 {
 	const int nOverbright = m_pGL->glGetUniformLocation( nProgram, "uOverbright" );
+	const int nOrientation = m_pGL->glGetUniformLocation( nProgram, "uOrientation" );
 	m_pGL->glUniform1i( m_pGL->glGetUniformLocation( nProgram, "uTexture" ), 0 );
 	m_pGL->glBindBuffer( GL_ARRAY_BUFFER, m_nCornerBuffer );
 	m_pGL->glEnableVertexAttribArray( 0 );
@@ -500,6 +528,8 @@ void CToolSceneRenderer::DrawQuadBatches( const std::vector<ToolSceneBatch_t> &b
 		m_pGL->glBindBuffer( GL_ARRAY_BUFFER, nInstanceBuffer );
 		SetBlend( batch.m_eBlend );
 		m_pGL->glUniform1f( nOverbright, batch.m_flOverbright );
+		if ( nOrientation >= 0 )
+			m_pGL->glUniform1i( nOrientation, batch.m_nOrientation );
 		// Without base instances (OpenGL 4.2), each batch points the attributes at its first.
 		const size_t nBase = size_t( batch.m_nFirst ) * size_t( nStride );
 		for ( int i = 0; i < nAttributes; ++i )
@@ -522,10 +552,12 @@ void CToolSceneRenderer::DrawSprites( const CToolSceneDrawList &drawList, const 
 	m_pGL->glUniformMatrix4fv( m_pGL->glGetUniformLocation( m_nSpriteProgram, "uViewProjection" ), 1, GL_FALSE, pViewProjection );
 	m_pGL->glUniform3f( m_pGL->glGetUniformLocation( m_nSpriteProgram, "uRight" ), view.m_vRight.x, view.m_vRight.y, view.m_vRight.z );
 	m_pGL->glUniform3f( m_pGL->glGetUniformLocation( m_nSpriteProgram, "uUp" ), view.m_vUp.x, view.m_vUp.y, view.m_vUp.z );
+	m_pGL->glUniform3f( m_pGL->glGetUniformLocation( m_nSpriteProgram, "uForward" ), view.m_vForward.x, view.m_vForward.y, view.m_vForward.z );
 	StreamBuffer( m_nSpriteBuffer, drawList.GetSprites() );
 	static const InstanceAttribute_t s_Attributes[] = { { 4, offsetof( ToolSceneSpriteInstance_t, m_Position ) },
-		{ 4, offsetof( ToolSceneSpriteInstance_t, m_Color ) }, { 1, offsetof( ToolSceneSpriteInstance_t, m_flRoll ) } };
-	DrawQuadBatches( drawList.GetSpriteBatches(), m_nSpriteBuffer, sizeof( ToolSceneSpriteInstance_t ), s_Attributes, 3, m_nSpriteProgram );
+		{ 4, offsetof( ToolSceneSpriteInstance_t, m_Color ) }, { 1, offsetof( ToolSceneSpriteInstance_t, m_flRoll ) },
+		{ 3, offsetof( ToolSceneSpriteInstance_t, m_Normal ) } };
+	DrawQuadBatches( drawList.GetSpriteBatches(), m_nSpriteBuffer, sizeof( ToolSceneSpriteInstance_t ), s_Attributes, 4, m_nSpriteProgram );
 }
 
 void CToolSceneRenderer::DrawTrails( const CToolSceneDrawList &drawList, const ToolSceneView_t &view, const float *pViewProjection )
