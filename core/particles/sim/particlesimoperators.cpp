@@ -13,6 +13,9 @@ using namespace ParticleMath;
 
 namespace
 {
+// The behaviour version from which drag is a share per second rather than per step.
+constexpr int DRAG_PER_SECOND_VERSION = 11;
+
 class CBasicMovement final : public CParticleSimFunction
 {
 public:
@@ -32,9 +35,12 @@ public:
 			return;
 		Vector vGravity = m_Gravity.EvaluateCollection( c );
 		// Drag is the share of its speed a particle loses in one second, whatever the rate
-		// of the steps that make up that second.
+		// of the steps that make up that second. Files made before behaviour version 11
+		// lose it in every step, as they were tuned, until they are upgraded.
 		float flDrag = Clamp( m_Drag.EvaluateCollection( c ), 0.0f, 1.0f );
-		float flKeep = flDrag > 0.0f ? std::pow( 1.0f - flDrag, flDt ) : 1.0f;
+		float flKeep = 1.0f;
+		if ( flDrag > 0.0f )
+			flKeep = c.GetDefinition()->m_nBehaviorVersion < DRAG_PER_SECOND_VERSION ? 1.0f - flDrag : std::pow( 1.0f - flDrag, flDt );
 		// Verlet: the distance moved over the previous interval, rescaled to this step's length.
 		const float flFromDt = c.GetPreviousDt();
 		const float flToDt = CParticleCollection::MotionDt( flDt );

@@ -34,7 +34,7 @@ class ParticleFrameRate : public testing::TestWithParam<int>
 TEST_P( ParticleFrameRate, DragTakesItsShareOfSpeedPerSecondNotPerStep )
 {
 	const int nFps = GetParam();
-	auto pCollection = MakeCollection( CompileBody( MoverBody( 100.0f, R"({ _class = "C_OP_BasicMovement" m_fDrag = 0.5 })" ) ) );
+	auto pCollection = MakeCollection( CompileBody( "m_nBehaviorVersion = 12\n" + MoverBody( 100.0f, R"({ _class = "C_OP_BasicMovement" m_fDrag = 0.5 })" ) ) );
 	ASSERT_TRUE( pCollection );
 	Step( pCollection.get(), nFps, 1.0f / float( nFps ) );
 	float flSpeedAfterOneSecond = ( ParticleX( *pCollection ) - pCollection->Stream( PARTICLE_ATTRIBUTE_PREVIOUS_POSITION, 0 )[ 0 ] ) / pCollection->GetPreviousDt();
@@ -42,6 +42,21 @@ TEST_P( ParticleFrameRate, DragTakesItsShareOfSpeedPerSecondNotPerStep )
 	Step( pCollection.get(), 4 * nFps, 1.0f / float( nFps ) );
 	const double flExpected = 100.0 * ( 1.0 - std::pow( 0.5, 5.0 ) ) / std::log( 2.0 );
 	EXPECT_NEAR( ParticleX( *pCollection ), flExpected, 0.015 * flExpected ) << nFps << " fps";
+}
+
+// A file made before drag went per second (behaviour version 11) keeps the drag it was
+// tuned with until it is upgraded: the share goes in every step.
+TEST_P( ParticleFrameRate, DragOfAnOlderFileTakesItsSharePerStep )
+{
+	const int nFps = GetParam();
+	for ( const char *pVersion : { "", "m_nBehaviorVersion = 10\n" } )
+	{
+		auto pCollection = MakeCollection( CompileBody( pVersion + MoverBody( 100.0f, R"({ _class = "C_OP_BasicMovement" m_fDrag = 0.1 })" ) ) );
+		ASSERT_TRUE( pCollection );
+		Step( pCollection.get(), nFps, 1.0f / float( nFps ) );
+		const float flSpeed = ( ParticleX( *pCollection ) - pCollection->Stream( PARTICLE_ATTRIBUTE_PREVIOUS_POSITION, 0 )[ 0 ] ) / pCollection->GetPreviousDt();
+		EXPECT_NEAR( flSpeed, 100.0 * std::pow( 0.9, double( nFps ) ), 0.02 * 100.0 * std::pow( 0.9, double( nFps ) ) + 1e-4 ) << nFps << " fps, '" << pVersion << "'";
+	}
 }
 
 // Gravity alone lands where s = g t^2 / 2 says, at every rate.
