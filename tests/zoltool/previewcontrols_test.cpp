@@ -6,8 +6,11 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+
 #include <QCheckBox>
 #include <QComboBox>
+#include <QDockWidget>
 #include <QLineEdit>
 #include <QMenu>
 #include <QTest>
@@ -356,3 +359,40 @@ TEST_F( PreviewControlsTest, WithoutASessionOnlyTheWaterSwitchActs )
 	m_pControls->OnSavePreviewState();
 	m_pControls->OnGroundComboChanged();
 }
+
+namespace
+{
+// A narrow Controls dock stacks each row's second label and field under the first instead
+// of scrolling sideways; with room again the rows are side by side.
+TEST_F( PreviewControlsTest, ANarrowDockStacksThePreviewSettingsInTwoColumns )
+{
+	ASSERT_NE( OpenAndCompile( "particles/samples/campfire.tfxs" ), nullptr );
+	QWidget *pViewport = m_pControls->parentWidget();
+	ASSERT_NE( pViewport, nullptr );
+	CQZolMainWnd *pWindow = m_pApp->GetZolMainWindow();
+	pWindow->resize( 1900, 1000 );
+	pWindow->show();
+	QDockWidget *pDock = pWindow->GetControlsDock();
+	ASSERT_NE( pDock, nullptr );
+	auto fnDockWidth = [ & ]( int nWidth ) {
+		pWindow->resizeDocks( { pDock }, { nWidth }, Qt::Horizontal );
+		QApplication::processEvents();
+	};
+	auto fnSameRow = [ & ]( QWidget *pA, QWidget *pB ) { return std::abs( pA->mapTo( m_pControls, QPoint() ).y() - pB->mapTo( m_pControls, QPoint() ).y() ) < 8; };
+
+	fnDockWidth( 700 );
+	EXPECT_FALSE( m_pControls->IsPreviewGridNarrow() );
+	EXPECT_TRUE( fnSameRow( m_pControls->GetItemCombo(), m_pControls->GetDisplaySetCheckBox() ) );
+	EXPECT_TRUE( fnSameRow( m_pControls->GetSimulationRateEdit(), m_pControls->GetGroundCombo() ) );
+
+	fnDockWidth( 400 );
+	EXPECT_TRUE( m_pControls->IsPreviewGridNarrow() );
+	EXPECT_FALSE( fnSameRow( m_pControls->GetSimulationRateEdit(), m_pControls->GetGroundCombo() ) );
+	EXPECT_GT( m_pControls->GetGroundCombo()->mapTo( m_pControls, QPoint() ).y(), m_pControls->GetSimulationRateEdit()->mapTo( m_pControls, QPoint() ).y() );
+	EXPECT_LE( m_pControls->width(), pViewport->width() ) << "no sideways scrolling";
+
+	fnDockWidth( 700 );
+	EXPECT_FALSE( m_pControls->IsPreviewGridNarrow() );
+	EXPECT_TRUE( fnSameRow( m_pControls->GetSimulationRateEdit(), m_pControls->GetGroundCombo() ) );
+}
+} // namespace

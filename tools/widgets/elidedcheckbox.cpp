@@ -5,6 +5,8 @@
 
 CQElidedCheckBox::CQElidedCheckBox( const QString &text, QWidget *pParent ) : QCheckBox( text, pParent )
 {
+	// A check box never gives up width below its text; this one may.
+	setSizePolicy( QSizePolicy::Preferred, sizePolicy().verticalPolicy() );
 }
 
 int CQElidedCheckBox::GetTextRoom() const
@@ -19,8 +21,18 @@ QString CQElidedCheckBox::GetShownText() const
 	return fontMetrics().elidedText( text(), Qt::ElideRight, GetTextRoom() );
 }
 
+void CQElidedCheckBox::SetElides( bool bElides )
+{
+	if ( bElides == m_bElides )
+		return;
+	m_bElides = bElides;
+	updateGeometry();
+}
+
 QSize CQElidedCheckBox::minimumSizeHint() const
 {
+	if ( !m_bElides )
+		return QCheckBox::minimumSizeHint();
 	QStyleOptionButton option;
 	initStyleOption( &option );
 	const int nIndicator = style()->pixelMetric( QStyle::PM_IndicatorWidth, &option, this );

@@ -14,6 +14,9 @@ public:
 
 	// The text as it is drawn at the present width.
 	QString GetShownText() const;
+	// Off: the box asks for its whole text, as any check box does (to measure a layout
+	// that has room for every text).
+	void SetElides( bool bElides );
 
 	// As narrow as the box itself: the text gives way.
 	QSize minimumSizeHint() const override;
@@ -24,4 +27,5 @@ protected:
 
 private:
 	int GetTextRoom() const;
+	bool m_bElides = true;
 };

@@ -10,6 +10,7 @@
 #include <QIntValidator>
 #include <QLabel>
 #include <QLineEdit>
+#include <QEvent>
 #include <QScrollArea>
 #include <QSignalBlocker>
 #include <QToolButton>
@@ -25,6 +26,7 @@
 #include "tools/widgets/assetpicker.h"
 #include "tools/widgets/smartcombobox.h"
 #include "tools/widgets/captionedvectoredit.h"
+#include "tools/widgets/elidedcheckbox.h"
 #include "tools/zol/editor/previewcontrols/controlpointeditor.h"
 #include "tools/zol/editor/previewcontrols/namedvalueeditor.h"
 #include "tools/zol/editor/previewcontrols/previewcontrolsupport.h"
@@ -177,10 +179,10 @@ QGroupBox *CQParticlePreviewControls::BuildPreviewGroup()
 	connect( m_pModelPicker, &CQAssetPicker::AssetPicked, this, &CQParticlePreviewControls::OnModelPicked );
 	pLayout->addWidget( m_pModelPicker );
 
-	auto *pGrid = new QGridLayout();
-	pLayout->addLayout( pGrid );
+	m_pPreviewGrid = new QGridLayout();
+	pLayout->addLayout( m_pPreviewGrid );
 	int nRow = 0;
-	auto addLabel = [ & ]( const char *pText, int nColumn ) { pGrid->addWidget( new QLabel( pText, pPreview ), nRow, nColumn ); };
+	auto addLabel = [ & ]( const char *pText, int nColumn ) { AddPreviewGridCell( new QLabel( pText, pPreview ), nullptr, nRow, nColumn ); };
 
 	addLabel( "Item:", 0 );
 	m_pItemCombo = new CQSmartComboBox( pPreview );
@@ -188,17 +190,17 @@ QGroupBox *CQParticlePreviewControls::BuildPreviewGroup()
 	m_pItemCombo->setMaxVisibleItems( 40 );
 	m_pItemCombo->setMinimumWidth( 100 );
 	connect( m_pItemCombo, QOverload<int>::of( &QComboBox::activated ), this, &CQParticlePreviewControls::OnEconItemChanged );
-	pGrid->addWidget( m_pItemCombo, nRow, 1, 1, 2 );
-	m_pDisplaySet = new QCheckBox( "Display Set", pPreview );
+	AddPreviewGridCell( m_pItemCombo, nullptr, nRow, 1, 2 );
+	m_pDisplaySet = MakeElidedCheckBox( "Display Set", pPreview );
 	m_pDisplaySet->setChecked( true );
 	connect( m_pDisplaySet, &QCheckBox::toggled, this, &CQParticlePreviewControls::OnEconItemDisplayTypeChanged );
-	pGrid->addWidget( m_pDisplaySet, nRow++, 3 );
+	AddPreviewGridCell( m_pDisplaySet, nullptr, nRow++, 3 );
 
 	addLabel( "Skin:", 0 );
 	m_pSkinCombo = new CQSmartComboBox( pPreview );
 	m_pSkinCombo->setObjectName( "Skin" );
 	connect( m_pSkinCombo, QOverload<int>::of( &QComboBox::activated ), this, &CQParticlePreviewControls::OnSkinComboChanged );
-	pGrid->addWidget( m_pSkinCombo, nRow, 1 );
+	AddPreviewGridCell( m_pSkinCombo, nullptr, nRow, 1 );
 	addLabel( "Body Part:", 2 );
 	auto *pBodyPart = new QHBoxLayout();
 	m_pBodyPartCombo = new CQSmartComboBox( pPreview );
@@ -211,7 +213,7 @@ QGroupBox *CQParticlePreviewControls::BuildPreviewGroup()
 	connect( m_pBodyPartValue, &QLineEdit::editingFinished, this, &CQParticlePreviewControls::OnBodyPartValueChanged );
 	pBodyPart->addWidget( m_pBodyPartCombo, 1 );
 	pBodyPart->addWidget( m_pBodyPartValue );
-	pGrid->addLayout( pBodyPart, nRow++, 3 );
+	AddPreviewGridCell( nullptr, pBodyPart, nRow++, 3 );
 
 	addLabel( "Simulation rate:", 0 );
 	m_pSimulationRate = new QLineEdit( "1.00", pPreview );
@@ -220,7 +222,7 @@ QGroupBox *CQParticlePreviewControls::BuildPreviewGroup()
 	pRateValidator->setNotation( QDoubleValidator::StandardNotation );
 	m_pSimulationRate->setValidator( pRateValidator );
 	connect( m_pSimulationRate, &QLineEdit::editingFinished, this, &CQParticlePreviewControls::OnSimulationRateChanged );
-	pGrid->addWidget( m_pSimulationRate, nRow, 1 );
+	AddPreviewGridCell( m_pSimulationRate, nullptr, nRow, 1 );
 	addLabel( "Ground:", 2 );
 	auto *pGround = new QHBoxLayout();
 	m_pGroundCombo = new CQSmartComboBox( pPreview );
@@ -229,22 +231,22 @@ QGroupBox *CQParticlePreviewControls::BuildPreviewGroup()
 	m_pGroundCombo->addItem( "Grid", int( ZOL_GROUND_GRID ) );
 	m_pGroundCombo->addItem( "Plane", int( ZOL_GROUND_PLANE ) );
 	connect( m_pGroundCombo, QOverload<int>::of( &QComboBox::activated ), this, &CQParticlePreviewControls::OnGroundComboChanged );
-	m_pDrawAxes = new QCheckBox( "Draw Control Point Axes", pPreview );
+	m_pDrawAxes = MakeElidedCheckBox( "Draw Control Point Axes", pPreview );
 	connect( m_pDrawAxes, &QCheckBox::toggled, this, &CQParticlePreviewControls::OnAxesCheckBoxChanged );
 	pGround->addWidget( m_pGroundCombo );
 	pGround->addWidget( m_pDrawAxes );
-	pGrid->addLayout( pGround, nRow++, 3 );
+	AddPreviewGridCell( nullptr, pGround, nRow++, 3 );
 
 	addLabel( "World Gravity:", 0 );
 	m_pGravity = new CQCaptionedVectorEdit( pPreview );
 	m_pGravity->setObjectName( "WorldGravity" );
 	m_pGravity->SetValue( Vector( 0.0f, 0.0f, -800.0f ) );
 	connect( m_pGravity, &CQCaptionedVectorEdit::ValueChanged, this, &CQParticlePreviewControls::OnGravityChanged );
-	pGrid->addWidget( m_pGravity, nRow, 1, 1, 2 );
-	m_pWater = new QCheckBox( "Groundplane is Water", pPreview );
+	AddPreviewGridCell( m_pGravity, nullptr, nRow, 1, 2 );
+	m_pWater = MakeElidedCheckBox( "Groundplane is Water", pPreview );
 	m_pWater->setChecked( false );
 	connect( m_pWater, &QCheckBox::toggled, this, &CQParticlePreviewControls::OnWaterCheckBoxChanged );
-	pGrid->addWidget( m_pWater, nRow++, 3 );
+	AddPreviewGridCell( m_pWater, nullptr, nRow++, 3 );
 
 	m_pAnimation = new CQAnimPreviewWidget( pPreview );
 	m_pAnimation->SetAcceptClipPath( true );
@@ -252,7 +254,7 @@ QGroupBox *CQParticlePreviewControls::BuildPreviewGroup()
 	connect( m_pAnimation, &CQAnimPreviewWidget::SelectedPreviewAnimationClipChanged, this, &CQParticlePreviewControls::OnPreviewAnimClipChanged );
 	connect( m_pAnimation, &CQAnimPreviewWidget::PlaybackSpeedChanged, this, &CQParticlePreviewControls::OnPlaybackSpeedChanged );
 	connect( m_pAnimation, &CQAnimPreviewWidget::AnimationLoopingChanged, this, &CQParticlePreviewControls::OnAnimationLoopingChanged );
-	pGrid->addWidget( m_pAnimation, nRow++, 0, 1, 4 );
+	AddPreviewGridCell( m_pAnimation, nullptr, nRow++, 0, 4 );
 
 	addLabel( "Frame", 0 );
 	auto *pFrame = new QHBoxLayout();
@@ -265,7 +267,7 @@ QGroupBox *CQParticlePreviewControls::BuildPreviewGroup()
 	connect( m_pFrameEdit, &QLineEdit::editingFinished, this, &CQParticlePreviewControls::OnAnimationFrameChanged );
 	pFrame->addWidget( m_pFrameEdit );
 	pFrame->addStretch( 1 );
-	pGrid->addLayout( pFrame, nRow, 1 );
+	AddPreviewGridCell( nullptr, pFrame, nRow, 1 );
 	addLabel( "Hit Boxes", 2 );
 	auto *pHitboxes = new QHBoxLayout();
 	pHitboxes->addWidget( new QLabel( "Set:", pPreview ) );
@@ -274,22 +276,118 @@ QGroupBox *CQParticlePreviewControls::BuildPreviewGroup()
 	m_pHitboxSetCombo->setMaxVisibleItems( 40 );
 	m_pHitboxSetCombo->setMinimumWidth( 100 );
 	connect( m_pHitboxSetCombo, QOverload<int>::of( &QComboBox::activated ), this, &CQParticlePreviewControls::OnHitboxSetChanged );
-	m_pDrawHitboxes = new QCheckBox( "Draw", pPreview );
+	m_pDrawHitboxes = MakeElidedCheckBox( "Draw", pPreview );
 	connect( m_pDrawHitboxes, &QCheckBox::toggled, this, &CQParticlePreviewControls::EnableHitBoxes );
 	pHitboxes->addWidget( m_pHitboxSetCombo, 1 );
 	pHitboxes->addWidget( m_pDrawHitboxes );
-	pGrid->addLayout( pHitboxes, nRow++, 3 );
+	AddPreviewGridCell( nullptr, pHitboxes, nRow++, 3 );
 
 	addLabel( "Attachments", 0 );
 	m_pDrawAttachmentAxes = new QCheckBox( "Draw Axes", pPreview );
 	connect( m_pDrawAttachmentAxes, &QCheckBox::toggled, this, &CQParticlePreviewControls::EnableAttachmentAxes );
 	m_pDrawAttachmentNames = new QCheckBox( "Draw Names", pPreview );
 	connect( m_pDrawAttachmentNames, &QCheckBox::toggled, this, &CQParticlePreviewControls::EnableAttachmentNames );
-	pGrid->addWidget( m_pDrawAttachmentAxes, nRow, 1 );
-	pGrid->addWidget( m_pDrawAttachmentNames, nRow++, 3 );
-	pGrid->setColumnStretch( 1, 1 );
-	pGrid->setColumnStretch( 3, 1 );
+	AddPreviewGridCell( m_pDrawAttachmentAxes, nullptr, nRow, 1 );
+	AddPreviewGridCell( m_pDrawAttachmentNames, nullptr, nRow++, 3 );
+	ArrangePreviewGrid();
 	return pPreview;
+}
+
+QCheckBox *CQParticlePreviewControls::MakeElidedCheckBox( const char *pText, QWidget *pParent )
+{
+	auto *pBox = new CQElidedCheckBox( pText, pParent );
+	m_ElidedBoxes.push_back( pBox );
+	return pBox;
+}
+
+void CQParticlePreviewControls::AddPreviewGridCell( QWidget *pWidget, QLayout *pLayout, int nRow, int nColumn, int nColumnSpan )
+{
+	m_PreviewGridCells.push_back( { pWidget, pLayout, nRow, nColumn, nColumnSpan } );
+}
+
+void CQParticlePreviewControls::ArrangePreviewGrid()
+{
+	for ( const PreviewGridCell_t &cell : m_PreviewGridCells )
+	{
+		if ( cell.m_pWidget )
+			m_pPreviewGrid->removeWidget( cell.m_pWidget );
+		else
+			m_pPreviewGrid->removeItem( cell.m_pLayout );
+	}
+	// Narrow: each row's second label and field go to a row of their own below it, and a
+	// field that spanned into the second pair keeps to the first.
+	for ( const PreviewGridCell_t &cell : m_PreviewGridCells )
+	{
+		int nRow = cell.m_nRow, nColumn = cell.m_nColumn, nSpan = cell.m_nColumnSpan;
+		if ( m_bPreviewGridNarrow )
+		{
+			nRow *= 2;
+			if ( nColumn >= 2 )
+			{
+				nRow += 1;
+				nColumn -= 2;
+			}
+			nSpan = std::min( nSpan, 2 - nColumn );
+		}
+		if ( cell.m_pWidget )
+			m_pPreviewGrid->addWidget( cell.m_pWidget, nRow, nColumn, 1, nSpan );
+		else
+			m_pPreviewGrid->addLayout( cell.m_pLayout, nRow, nColumn, 1, nSpan );
+	}
+	m_pPreviewGrid->setColumnStretch( 1, 1 );
+	m_pPreviewGrid->setColumnStretch( 3, m_bPreviewGridNarrow ? 0 : 1 );
+	m_pPreviewGrid->invalidate();
+}
+
+void CQParticlePreviewControls::SetPreviewGridNarrow( bool bNarrow )
+{
+	if ( bNarrow == m_bPreviewGridNarrow )
+		return;
+	m_bPreviewGridNarrow = bNarrow;
+	ArrangePreviewGrid();
+}
+
+int CQParticlePreviewControls::GetWidePreviewGridWidth()
+{
+	if ( m_nWidePreviewGridWidth == 0 )
+	{
+		// Measured with every text whole: the long check boxes would rather be cut than
+		// make the panel scroll, but four columns are meant for a panel that holds them.
+		const bool bWasNarrow = m_bPreviewGridNarrow;
+		SetPreviewGridNarrow( false );
+		for ( CQElidedCheckBox *pBox : m_ElidedBoxes )
+			pBox->SetElides( false );
+		layout()->activate();
+		m_nWidePreviewGridWidth = minimumSizeHint().width();
+		for ( CQElidedCheckBox *pBox : m_ElidedBoxes )
+			pBox->SetElides( true );
+		SetPreviewGridNarrow( bWasNarrow );
+	}
+	return m_nWidePreviewGridWidth;
+}
+
+void CQParticlePreviewControls::showEvent( QShowEvent *pEvent )
+{
+	QWidget::showEvent( pEvent );
+	// In a scroll area the panel is never narrower than it asks to be: what counts is the
+	// room its viewport has.
+	QWidget *pViewport = parentWidget();
+	if ( pViewport && pViewport != m_pWatchedViewport )
+	{
+		if ( m_pWatchedViewport )
+			m_pWatchedViewport->removeEventFilter( this );
+		m_pWatchedViewport = pViewport;
+		pViewport->installEventFilter( this );
+	}
+	if ( pViewport )
+		SetPreviewGridNarrow( pViewport->width() < GetWidePreviewGridWidth() );
+}
+
+bool CQParticlePreviewControls::eventFilter( QObject *pWatched, QEvent *pEvent )
+{
+	if ( pWatched == m_pWatchedViewport && pEvent->type() == QEvent::Resize )
+		SetPreviewGridNarrow( m_pWatchedViewport->width() < GetWidePreviewGridWidth() );
+	return QWidget::eventFilter( pWatched, pEvent );
 }
 
 // ---------------------------------------------------------------------------------------

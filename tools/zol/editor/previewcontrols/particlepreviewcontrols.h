@@ -24,8 +24,11 @@ class CQCaptionedVectorEdit;
 class CZolNamedValueContext;
 class CZolSession;
 class IAsset;
+class CQElidedCheckBox;
 class QCheckBox;
 class QComboBox;
+class QGridLayout;
+class QLayout;
 class QGroupBox;
 class QLineEdit;
 class QScrollArea;
@@ -81,6 +84,14 @@ public:
 	QCheckBox *GetHitboxesCheckBox() const { return m_pDrawHitboxes; }
 	QCheckBox *GetAttachmentAxesCheckBox() const { return m_pDrawAttachmentAxes; }
 	QCheckBox *GetAttachmentNamesCheckBox() const { return m_pDrawAttachmentNames; }
+	// The preview group's settings in two label-and-field columns, the second pair under
+	// the first, as they are while the room is too narrow for four.
+	void SetPreviewGridNarrow( bool bNarrow );
+	bool IsPreviewGridNarrow() const { return m_bPreviewGridNarrow; }
+
+protected:
+	bool eventFilter( QObject *pWatched, QEvent *pEvent ) override;
+	void showEvent( QShowEvent *pEvent ) override;
 
 public slots:
 	void OnModelPicked( IAsset *pAsset );
@@ -114,6 +125,21 @@ public slots:
 	void OnAnimationFrameChanged();
 
 private:
+	// A widget or layout of the preview group's grid, at its place in four columns.
+	struct PreviewGridCell_t
+	{
+		QWidget *m_pWidget = nullptr;
+		QLayout *m_pLayout = nullptr;
+		int m_nRow = 0;
+		int m_nColumn = 0;
+		int m_nColumnSpan = 1;
+	};
+	QCheckBox *MakeElidedCheckBox( const char *pText, QWidget *pParent );
+	void AddPreviewGridCell( QWidget *pWidget, QLayout *pLayout, int nRow, int nColumn, int nColumnSpan = 1 );
+	void ArrangePreviewGrid();
+	// The width the four columns need; narrower than that, two.
+	int GetWidePreviewGridWidth();
+
 	void OnPreviewSessionChanged( const ZolEvent_PreviewSessionChanged_t &event );
 	void OnDocumentReplaced( const ZolEvent_DocumentReplaced_t &event );
 	void OnPreviewConfigSelectionChanged( const ZolEvent_PreviewConfigSelectionChanged_t &event );
@@ -166,4 +192,10 @@ private:
 	QCheckBox *m_pDrawHitboxes = nullptr;
 	QCheckBox *m_pDrawAttachmentAxes = nullptr;
 	QCheckBox *m_pDrawAttachmentNames = nullptr;
+	QGridLayout *m_pPreviewGrid = nullptr;
+	std::vector<PreviewGridCell_t> m_PreviewGridCells;
+	std::vector<CQElidedCheckBox *> m_ElidedBoxes;
+	bool m_bPreviewGridNarrow = false;
+	int m_nWidePreviewGridWidth = 0;
+	QWidget *m_pWatchedViewport = nullptr;
 };
