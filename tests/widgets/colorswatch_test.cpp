@@ -58,7 +58,7 @@ TEST_P( ColorSetText, KeepsTheColoursOwnSpecificationThroughText )
 	EXPECT_TRUE( text.startsWith( QString::fromLatin1( c.m_pPrefix ) ) ) << text.toStdString();
 	QVector<QColor> back = ColorSetFromText( text );
 	ASSERT_EQ( back.size(), 2 );
-	EXPECT_EQ( back[ 0 ].spec(), c.m_Color.spec() );
+	EXPECT_EQ( ColorModelOf( back[ 0 ] ), ColorModelOf( c.m_Color ) );
 	EXPECT_EQ( back[ 0 ].toRgb().rgba(), c.m_Color.toRgb().rgba() );
 	EXPECT_EQ( back[ 1 ].toRgb().rgba(), QColor( 10, 20, 30, 40 ).rgba() );
 }

@@ -104,7 +104,7 @@ struct ZolPropertyRowInfo
 };
 
 // The editor a row asks for, "Name( argument )": the attribute's editor name, replaced by
-// a non-empty editor spec, else derived from the edit hint.
+// a non-empty editor text, else derived from the edit hint.
 struct ZolEditorSpec
 {
 	static CUtlString ForAttribute( const IBaseToolAttr *pAttr );

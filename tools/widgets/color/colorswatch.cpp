@@ -15,9 +15,9 @@
 
 namespace
 {
-const char *SpecSuffix( const QColor &color )
+const char *ModelSuffix( const QColor &color )
 {
-	switch ( color.spec() )
+	switch ( ColorModelOf( color ) )
 	{
 	case QColor::Hsv: return " (hsv)";
 	case QColor::Hsl: return " (Hsl)";
@@ -61,7 +61,7 @@ void CQColorSwatch::UpdateToolTip()
 	QStringList names;
 	for ( const QColor &color : m_Colors )
 	{
-		QString name = color.name() + QString::fromLatin1( SpecSuffix( color ) );
+		QString name = color.name() + QString::fromLatin1( ModelSuffix( color ) );
 		if ( m_bAllowAlpha )
 			name += QStringLiteral( ", alpha: %1" ).arg( color.alphaF() * 255.0, 0, 'f', 1 );
 		names << name;

@@ -27,12 +27,12 @@ bool ColorFromLine( const QString &line, QColor *pColor )
 	float c[ 4 ];
 	if ( fields.isEmpty() || !ReadFourComponents( fields, c ) )
 		return false;
-	const QString spec = fields[ 0 ].trimmed();
-	if ( spec.compare( QLatin1String( "RGBA" ), Qt::CaseInsensitive ) == 0 )
+	const QString model = fields[ 0 ].trimmed();
+	if ( model.compare( QLatin1String( "RGBA" ), Qt::CaseInsensitive ) == 0 )
 		*pColor = QColor::fromRgbF( c[ 0 ], c[ 1 ], c[ 2 ], c[ 3 ] );
-	else if ( spec.compare( QLatin1String( "HSLA" ), Qt::CaseInsensitive ) == 0 )
+	else if ( model.compare( QLatin1String( "HSLA" ), Qt::CaseInsensitive ) == 0 )
 		*pColor = QColor::fromHslF( c[ 0 ], c[ 1 ], c[ 2 ], c[ 3 ] );
-	else if ( spec.compare( QLatin1String( "HSVA" ), Qt::CaseInsensitive ) == 0 )
+	else if ( model.compare( QLatin1String( "HSVA" ), Qt::CaseInsensitive ) == 0 )
 		*pColor = QColor::fromHsvF( c[ 0 ], c[ 1 ], c[ 2 ], c[ 3 ] );
 	else
 		return false;
@@ -42,7 +42,7 @@ bool ColorFromLine( const QString &line, QColor *pColor )
 QString ColorLine( const QColor &color )
 {
 	auto f = []( qreal value ) { return QString::number( value, 'f', 7 ); };
-	switch ( color.spec() )
+	switch ( ColorModelOf( color ) )
 	{
 	case QColor::Hsl:
 		return QStringLiteral( "HSLA\t%1\t%2\t%3\t%4" ).arg( f( color.hslHueF() < 0 ? 0 : color.hslHueF() ), f( color.hslSaturationF() ), f( color.lightnessF() ), f( color.alphaF() ) );

@@ -14,6 +14,9 @@ class QMimeData;
 // The MIME type of one colour (QMimeData's colour data).
 inline constexpr const char *COLOR_MIME_TYPE = "application/x-color";
 
+// The model a colour holds its components in (RGB, HSV, HSL, ...), as Qt keeps it.
+inline QColor::Spec ColorModelOf( const QColor &color ) { return color.spec(); }
+
 QString ColorToText( const QColor &color );
 // One colour from the text of ColorToText or from the first line of a colour set;
 // false (and *pColor untouched) when it doesn't read.

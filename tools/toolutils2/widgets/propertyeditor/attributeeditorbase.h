@@ -58,7 +58,7 @@ struct PropertyEditorInit_t
 	IPropertyEditorHost *m_pHost = nullptr;
 	CUtlVector<PropEdSpecificAttr_t> m_Targets;
 	ZolPropertyRowInfo m_Info;
-	// The argument of the editor spec, "Name( argument )".
+	// The argument of the editor text, "Name( argument )".
 	QString m_Argument;
 	// Below a KV3 value: the member names and array indices down to the edited part;
 	// empty for the value itself.

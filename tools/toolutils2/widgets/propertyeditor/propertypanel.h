@@ -144,7 +144,7 @@ private:
 			ForEachRow( pRow->m_Children, fn );
 		}
 	}
-	static void ParseEditorSpec( const CUtlString &spec, QString *pName, QString *pArgument );
+	static void ParseEditorSpec( const CUtlString &editor, QString *pName, QString *pArgument );
 	// The factory registered under the editor name, or null.
 	static CPropertyAttributeEditorFactoryBase *FindFactory( const QString &name );
 

@@ -30,9 +30,9 @@ QString FriendlyPartName( const char *pName )
 } // namespace
 
 // "Name( argument )" into its name and argument.
-void CQPropertyPanel::ParseEditorSpec( const CUtlString &spec, QString *pName, QString *pArgument )
+void CQPropertyPanel::ParseEditorSpec( const CUtlString &editor, QString *pName, QString *pArgument )
 {
-	QString text = QString::fromUtf8( spec.Get() ).trimmed();
+	QString text = QString::fromUtf8( editor.Get() ).trimmed();
 	int nOpen = text.indexOf( '(' );
 	*pName = ( nOpen < 0 ? text : text.left( nOpen ) ).trimmed();
 	pArgument->clear();
