@@ -83,6 +83,12 @@ void AppendQuoted( const char *pText, CUtlString *pOut )
 	}
 	pOut->Append( '"' );
 }
+// Past the chunk's register limit every later value fails: that was said once.
+void ReportUnknownArgument( CCompiledChunk *pChunk, const CPulseDocNode *pNode, const char *pMessage )
+{
+	if ( !pChunk->HasReachedLimit() )
+		pChunk->GetContext()->ReportError( pNode, "%s", pMessage );
+}
 } // namespace
 
 CPulseValueFullType PulseDoc_GetInputValueType( const CBasePulseInparamPort &port )
@@ -252,17 +258,13 @@ void CPulseDoc_Value_BaseExprOpBinary::CompileValue( const CPulseSequencePoint *
 	uint16_t nFirst = m_FirstArg.CompileToRegister( pPoint, pChunk );
 	if ( nFirst == PULSE_INVALID_REGISTER )
 	{
-		// Past the chunk's register limit every later value fails; that was said once.
-		if ( !pChunk->HasReachedLimit() )
-			pContext->ReportError( this, "Unknown type for first argument" );
+		ReportUnknownArgument( pChunk, this, "Unknown type for first argument" );
 		return;
 	}
 	uint16_t nSecond = m_SecondArg.CompileToRegister( pPoint, pChunk );
 	if ( nSecond == PULSE_INVALID_REGISTER )
 	{
-		// Past the chunk's register limit every later value fails; that was said once.
-		if ( !pChunk->HasReachedLimit() )
-			pContext->ReportError( this, "Unknown type for second argument" );
+		ReportUnknownArgument( pChunk, this, "Unknown type for second argument" );
 		return;
 	}
 	const CPulseValueFullType first = pChunk->GetRegisterType( nFirst ), second = pChunk->GetRegisterType( nSecond );
@@ -327,9 +329,7 @@ void CPulseDoc_Value_BaseExprOpUnary::CompileValue( const CPulseSequencePoint *p
 	uint16_t nArg = m_Arg.CompileToRegister( pPoint, pChunk );
 	if ( nArg == PULSE_INVALID_REGISTER )
 	{
-		// Past the chunk's register limit every later value fails; that was said once.
-		if ( !pChunk->HasReachedLimit() )
-			pContext->ReportError( this, "Unknown type for argument" );
+		ReportUnknownArgument( pChunk, this, "Unknown type for argument" );
 		return;
 	}
 	const CPulseValueFullType type = pChunk->GetRegisterType( nArg );
